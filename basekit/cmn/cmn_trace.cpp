@@ -1,0 +1,69 @@
+#include "basekit/cmn/cmn_trace.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+void WriteToStandardError(const char* line) {
+    std::fputs(line, stderr);
+    std::fputc('\n', stderr);
+}
+
+std::uint64_t sEnabledChannels = 0;
+Cmn_TraceSink sSink = &WriteToStandardError;
+
+bool IsChannel(int channel) {
+    return channel >= 0 && channel < kTrace_ChannelCount;
+}
+
+void FormatAndWrite(const char* format, std::va_list arguments) {
+    std::va_list again;
+    va_copy(again, arguments);
+    char shortLine[512];
+    const int length = std::vsnprintf(shortLine, sizeof shortLine, format, arguments);
+    if (length >= static_cast<int>(sizeof shortLine)) {
+        std::string longLine(static_cast<std::size_t>(length), '\0');
+        std::vsnprintf(longLine.data(), longLine.size() + 1, format, again);
+        sSink(longLine.c_str());
+    } else if (length >= 0) {
+        sSink(shortLine);
+    }
+    va_end(again);
+}
+
+} // namespace
+
+void Cmn_TraceEnable(int channel, bool on) {
+    if (!IsChannel(channel))
+        return;
+    const std::uint64_t bit = std::uint64_t{1} << channel;
+    sEnabledChannels = on ? sEnabledChannels | bit : sEnabledChannels & ~bit;
+}
+
+bool Cmn_TraceIsEnabled(int channel) {
+    return IsChannel(channel) && (sEnabledChannels >> channel & 1) != 0;
+}
+
+void Cmn_Trace(int channel, const char* format, ...) {
+    if (!Cmn_TraceIsEnabled(channel))
+        return;
+    std::va_list arguments;
+    va_start(arguments, format);
+    FormatAndWrite(format, arguments);
+    va_end(arguments);
+}
+
+void Cmn_TraceWrite(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    FormatAndWrite(format, arguments);
+    va_end(arguments);
+}
+
+Cmn_TraceSink Cmn_SetTraceSink(Cmn_TraceSink sink) {
+    const Cmn_TraceSink previous = sSink;
+    sSink = sink ? sink : &WriteToStandardError;
+    return previous;
+}

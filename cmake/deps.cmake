@@ -1,0 +1,22 @@
+# What the library stands on. Everything comes from Debian packages that ./dev installs.
+
+add_library(qlx_dependencies INTERFACE)
+
+# Boost.Regex is header-only. A cross build must not see the rest of /usr/include, so the headers are
+# reached through a folder that holds nothing but a link to them.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/boost-include)
+file(CREATE_LINK /usr/include/boost ${CMAKE_BINARY_DIR}/boost-include/boost SYMBOLIC)
+target_include_directories(qlx_dependencies SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/boost-include)
+
+if(WIN32)
+    set(QLX_WITH_DESKTOP OFF)
+    include(${CMAKE_CURRENT_LIST_DIR}/expat_from_source.cmake OPTIONAL)
+else()
+    find_package(EXPAT REQUIRED)
+    target_link_libraries(qlx_dependencies INTERFACE EXPAT::EXPAT)
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(QLX_DESKTOP REQUIRED IMPORTED_TARGET
+                      cairo pango pangocairo pangoft2 fontconfig freetype2 sdl2)
+    target_link_libraries(qlx_dependencies INTERFACE PkgConfig::QLX_DESKTOP)
+    set(QLX_WITH_DESKTOP ON)
+endif()

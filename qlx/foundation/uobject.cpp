@@ -1,0 +1,86 @@
+#include "qlx/foundation/uobject.h"
+
+#include <cstring>
+#include <new>
+
+#include "basekit/cmn/cmn_failure.h"
+#include "qlx/foundation/udependencyspace.h"
+
+void* operator new(std::size_t size, Cmn_AllocateOrFailTag) {
+    return Cmn_AllocateOrFail(size);
+}
+
+void operator delete(void* bytes, Cmn_AllocateOrFailTag) noexcept {
+    ::operator delete(bytes);
+}
+
+ClassDesc TObject::fgClassDesc("TObject", sizeof(TObject), &TObject::_DefaultConstructor);
+
+void* TObject::_DefaultConstructor() {
+    return new (Cmn_AllocateOrFailTag{}) TObject;
+}
+
+const ClassDesc* TObject::GetClassDescStatic() {
+    return &fgClassDesc;
+}
+
+const ClassDesc* TObject::GetClassDescDynamic() const {
+    return &fgClassDesc;
+}
+
+TObject::~TObject() = default;
+
+void TObject::Changed(int change, TObject* changedBy) {
+    if (TDependencySpace* space = GetDependencySpace())
+        space->Notify(change, this, changedBy);
+}
+
+void TObject::DoUpdate(int, TObject*, TObject*, TDependencySpace*) {}
+
+void TObject::RemoveAllDependencies() {
+    if (TDependencySpace* space = GetDependencySpace())
+        space->RemoveAllDependencies(this);
+}
+
+bool TObject::RemoveDependenciesOnFree() {
+    return true;
+}
+
+void TObject::ReadContainer(QLX_RawPropertyContainer* container,
+                            const Cmn_AliasedRefCountPtr<QLX_ViewMemento>& memento, TView*) {
+    ReadProperties(container, memento);
+}
+
+void TObject::ReadProperties(QLX_RawPropertyContainer*,
+                             const Cmn_AliasedRefCountPtr<QLX_ViewMemento>&) {}
+
+TObject* TObject::Clone() {
+    return ShallowClone();
+}
+
+void TObject::Free() {
+    if (RemoveDependenciesOnFree())
+        RemoveAllDependencies();
+    delete this;
+}
+
+TObject* TObject::ShallowClone() {
+    const std::size_t size = static_cast<std::size_t>(GetClassSize());
+    void* copy = Cmn_AllocateOrFail(size);
+    std::memcpy(copy, static_cast<const void*>(this), size);
+    return static_cast<TObject*>(copy);
+}
+
+void TObject::AddDependent(TObject* dependent) {
+    if (TDependencySpace* space = GetDependencySpace())
+        space->AddDependency(this, dependent, TDependencySpace::kDefaultTag);
+}
+
+void TObject::RemoveDependent(TObject* dependent) {
+    if (TDependencySpace* space = GetDependencySpace())
+        space->RemoveDependency(this, dependent);
+}
+
+TDependencySpace* TObject::GetDependencySpace() const {
+    return TDependencySpace::GetGlobal();
+}
