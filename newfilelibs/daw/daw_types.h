@@ -10,17 +10,23 @@
 /// is the key's number on the keyboard page (0x07) of the USB HID Usage Tables.
 inline constexpr std::uint32_t kDAW_FirstNamedKeyCode = 0x110000;
 
-/// Which key. A key that types a character has the code point of that character as the code: the
-/// one it types without modifiers, letters in their capital form ('A', '7', ','), so that a binding
-/// follows the letter on the user's keyboard layout. Return, Tab, Escape, Space, Backspace and
-/// Delete have their ASCII control codes. Every other key has kDAW_FirstNamedKeyCode plus its USB
+/// Which key, as every platform side reports it in a key event. A key that types a character has
+/// the code point of that character as its code: the one it types without modifiers, letters in
+/// their capital form ('A', '7', ','), so that a binding follows the letter on the user's keyboard
+/// layout. The keys of the keypad count as their characters, except for Enter. Editing keys and
+/// arrows have the control codes below. Every other key has kDAW_FirstNamedKeyCode plus its USB
 /// number. The enumeration is open: any 32-bit value may occur.
 enum DAW_EKeyCode : std::uint32_t {
     kDAW_Key_None = 0,
+    kDAW_Key_Enter = 3, ///< the keypad's
     kDAW_Key_Backspace = 8,
     kDAW_Key_Tab = 9,
     kDAW_Key_Return = 13,
     kDAW_Key_Escape = 27,
+    kDAW_Key_Left = 28,
+    kDAW_Key_Right = 29,
+    kDAW_Key_Up = 30,
+    kDAW_Key_Down = 31,
     kDAW_Key_Space = 32,
     kDAW_Key_Delete = 127, ///< forward delete
 
@@ -35,22 +41,8 @@ enum DAW_EKeyCode : std::uint32_t {
     kDAW_Key_PageUp = kDAW_FirstNamedKeyCode + 0x4B,
     kDAW_Key_End = kDAW_FirstNamedKeyCode + 0x4D,
     kDAW_Key_PageDown = kDAW_FirstNamedKeyCode + 0x4E,
-    kDAW_Key_Right = kDAW_FirstNamedKeyCode + 0x4F,
-    kDAW_Key_Left = kDAW_FirstNamedKeyCode + 0x50,
-    kDAW_Key_Down = kDAW_FirstNamedKeyCode + 0x51,
-    kDAW_Key_Up = kDAW_FirstNamedKeyCode + 0x52,
     kDAW_Key_NumLock = kDAW_FirstNamedKeyCode + 0x53,
-    kDAW_Key_KeypadDivide = kDAW_FirstNamedKeyCode + 0x54,
-    kDAW_Key_KeypadMultiply = kDAW_FirstNamedKeyCode + 0x55,
-    kDAW_Key_KeypadMinus = kDAW_FirstNamedKeyCode + 0x56,
-    kDAW_Key_KeypadPlus = kDAW_FirstNamedKeyCode + 0x57,
-    kDAW_Key_KeypadEnter = kDAW_FirstNamedKeyCode + 0x58,
-    kDAW_Key_Keypad1 = kDAW_FirstNamedKeyCode + 0x59, ///< 1 to 9 follow each other, then 0
-    kDAW_Key_Keypad9 = kDAW_FirstNamedKeyCode + 0x61,
-    kDAW_Key_Keypad0 = kDAW_FirstNamedKeyCode + 0x62,
-    kDAW_Key_KeypadDecimal = kDAW_FirstNamedKeyCode + 0x63,
     kDAW_Key_Menu = kDAW_FirstNamedKeyCode + 0x65,
-    kDAW_Key_KeypadEquals = kDAW_FirstNamedKeyCode + 0x67,
     kDAW_Key_F13 = kDAW_FirstNamedKeyCode + 0x68, ///< F13 to F24 follow each other
     kDAW_Key_F24 = kDAW_FirstNamedKeyCode + 0x73,
     kDAW_Key_LeftControl = kDAW_FirstNamedKeyCode + 0xE0,
