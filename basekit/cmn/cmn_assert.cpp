@@ -18,9 +18,7 @@ Cmn_AssertionHandler Cmn_SetAssertionHandler(Cmn_AssertionHandler handler) {
     return previous;
 }
 
-void Cmn_Assert(const char* text, const char* source, int line) {
-    sHandler(text, source, line);
-}
+void Cmn_Assert(const char* text, const char* source, int line) { sHandler(text, source, line); }
 
 void Cmn_TraceAssert(const char* text, const char* source, int line) {
     Cmn_Trace(kTrace_Assertions, "CMN_TRACEASSERT %s %s line %d", text, source, line);

@@ -1,6 +1,6 @@
-// Assertions that report and carry on. A broken contract is told to one replaceable handler with the
-// condition's text, the source and the line; the caller then continues with its stated fallback, in
-// every build.
+// Assertions that report and carry on. A broken contract is told to one replaceable handler with
+// the condition's text, the source and the line; the caller then continues with its stated
+// fallback, in every build.
 #pragma once
 
 #include "basekit/cmn/cmn_types.h"
@@ -15,8 +15,8 @@ QLX_API Cmn_AssertionHandler Cmn_SetAssertionHandler(Cmn_AssertionHandler handle
 /// Reports a failed assertion. Text and source are not kept beyond the call.
 QLX_API void Cmn_Assert(const char* text, const char* source, int line);
 
-/// Reports a failed trace assertion: when tracing is on, the line "CMN_TRACEASSERT text source line N"
-/// goes to the trace output. Weaker than Cmn_Assert: meant for what a caller can live with.
+/// Reports a failed trace assertion: when tracing is on, the line "CMN_TRACEASSERT text source line
+/// N" goes to the trace output. Weaker than Cmn_Assert: meant for what a caller can live with.
 QLX_API void Cmn_TraceAssert(const char* text, const char* source, int line);
 
 /// Checks a condition in every build and reports it when it does not hold.

@@ -7,13 +7,9 @@ Cmn_Failure::Cmn_Failure(std::int32_t code) noexcept : mCode(code) {
     std::snprintf(mText, sizeof mText, "failure %ld", static_cast<long>(code));
 }
 
-const char* Cmn_Failure::what() const noexcept {
-    return mText;
-}
+const char* Cmn_Failure::what() const noexcept { return mText; }
 
-void Cmn_RaiseFailure(std::int32_t code) {
-    throw Cmn_Failure(code);
-}
+void Cmn_RaiseFailure(std::int32_t code) { throw Cmn_Failure(code); }
 
 void* Cmn_AllocateOrFail(std::size_t size) {
     void* bytes = ::operator new(size, std::nothrow);

@@ -1,6 +1,6 @@
-// Intrusive reference counting. An object is born with a count of zero; the first pointer to it makes
-// it one, and the last pointer to go deletes it. Counts are atomic, so pointers to one object may be
-// copied and dropped on any thread; what the object itself allows is its own matter.
+// Intrusive reference counting. An object is born with a count of zero; the first pointer to it
+// makes it one, and the last pointer to go deletes it. Counts are atomic, so pointers to one object
+// may be copied and dropped on any thread; what the object itself allows is its own matter.
 #pragma once
 
 #include <atomic>
@@ -53,10 +53,8 @@ class Cmn_RefCountPtr {
     Cmn_RefCountPtr(Cmn_RefCountPtr&& other) noexcept
         : mObject(std::exchange(other.mObject, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Cmn_RefCountPtr(const Cmn_RefCountPtr<U>& other) noexcept : mObject(other.Get()) {
-        Add();
-    }
+    requires std::is_convertible_v<U*, T*> Cmn_RefCountPtr(const Cmn_RefCountPtr<U>& other)
+    noexcept : mObject(other.Get()) { Add(); }
     ~Cmn_RefCountPtr() { Remove(); }
 
     Cmn_RefCountPtr& operator=(Cmn_RefCountPtr other) noexcept {
@@ -87,8 +85,8 @@ class Cmn_RefCountPtr {
     T* mObject = nullptr; // counted
 };
 
-/// A counted pointer that keeps the object and, apart from it, the counted owner, so it can be copied
-/// and destroyed where T is only declared. Two pointers wide.
+/// A counted pointer that keeps the object and, apart from it, the counted owner, so it can be
+/// copied and destroyed where T is only declared. Two pointers wide.
 template <class T>
 class Cmn_AliasedRefCountPtr {
   public:
@@ -109,17 +107,12 @@ class Cmn_AliasedRefCountPtr {
         : mObject(std::exchange(other.mObject, nullptr)),
           mOwner(std::exchange(other.mOwner, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Cmn_AliasedRefCountPtr(const Cmn_AliasedRefCountPtr<U>& other) noexcept
-        : mObject(other.Get()), mOwner(other.GetOwner()) {
-        Add();
-    }
+    requires std::is_convertible_v<U*, T*>
+    Cmn_AliasedRefCountPtr(const Cmn_AliasedRefCountPtr<U>& other)
+    noexcept : mObject(other.Get()), mOwner(other.GetOwner()) { Add(); }
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Cmn_AliasedRefCountPtr(const Cmn_RefCountPtr<U>& other) noexcept
-        : mObject(other.Get()), mOwner(other.Get()) {
-        Add();
-    }
+    requires std::is_convertible_v<U*, T*> Cmn_AliasedRefCountPtr(const Cmn_RefCountPtr<U>& other)
+    noexcept : mObject(other.Get()), mOwner(other.Get()) { Add(); }
     ~Cmn_AliasedRefCountPtr() {
         if (mOwner)
             mOwner->RemoveReference();
@@ -149,6 +142,6 @@ class Cmn_AliasedRefCountPtr {
             mOwner->AddReference();
     }
 
-    T* mObject = nullptr;                         // kept alive by mOwner
+    T* mObject = nullptr;                       // kept alive by mOwner
     const Cmn_RefCountObject* mOwner = nullptr; // counted
 };

@@ -14,9 +14,7 @@ void WriteToStandardError(const char* line) {
 std::uint64_t sEnabledChannels = 0;
 Cmn_TraceSink sSink = &WriteToStandardError;
 
-bool IsChannel(int channel) {
-    return channel >= 0 && channel < kTrace_ChannelCount;
-}
+bool IsChannel(int channel) { return channel >= 0 && channel < kTrace_ChannelCount; }
 
 void FormatAndWrite(const char* format, std::va_list arguments) {
     std::va_list again;

@@ -1,5 +1,5 @@
-// Trace output: numbered channels, each switchable while the program runs, all off at start. A call on
-// a channel that is off costs one load and one test.
+// Trace output: numbered channels, each switchable while the program runs, all off at start. A call
+// on a channel that is off costs one load and one test.
 #pragma once
 
 #include "basekit/cmn/cmn_types.h"

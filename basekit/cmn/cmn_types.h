@@ -18,6 +18,14 @@
 #define QLX_API __attribute__((visibility("default")))
 #endif
 
+// QLX_API_TEMPLATE marks a class template whose instances are caught or cast across the library's
+// border. Such an instance is emitted wherever it is used; ELF needs to see its type information.
+#if defined(_WIN32)
+#define QLX_API_TEMPLATE
+#else
+#define QLX_API_TEMPLATE __attribute__((visibility("default")))
+#endif
+
 /// A four-character code as a number: the first character is the most significant byte.
 [[nodiscard]] constexpr std::uint32_t Cmn_FourChar(const char (&text)[5]) noexcept {
     std::uint32_t code = 0;
