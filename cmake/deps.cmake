@@ -10,7 +10,9 @@ target_include_directories(qlx_dependencies SYSTEM INTERFACE ${CMAKE_BINARY_DIR}
 
 if(WIN32)
     set(QLX_WITH_DESKTOP OFF)
-    include(${CMAKE_CURRENT_LIST_DIR}/expat_from_source.cmake OPTIONAL)
+    include(expat_from_source)
+    include(win64_runtime)
+    target_link_libraries(qlx_dependencies INTERFACE qlx_expat)
 else()
     find_package(EXPAT REQUIRED)
     target_link_libraries(qlx_dependencies INTERFACE EXPAT::EXPAT)

@@ -2,20 +2,27 @@
 # relinks little. tests/support holds what they share.
 
 if(WIN32)
+    set(BUILD_GMOCK ON)
+    set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/gtest EXCLUDE_FROM_ALL)
 else()
     find_package(GTest REQUIRED)
 endif()
 
+# Relative to the source folder, which main() makes the working directory: see tests/support/main.cpp.
+file(RELATIVE_PATH build_folder ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR})
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 add_library(qlx_test_support STATIC ${support_sources})
 target_link_libraries(qlx_test_support PUBLIC qlx_build qlx GTest::gtest GTest::gmock)
 target_compile_definitions(qlx_test_support PUBLIC
-    QLX_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
-    QLX_TEST_GOLDEN="${PROJECT_SOURCE_DIR}/tests/golden"
-    QLX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-    QLX_TEST_OUTPUT="${CMAKE_BINARY_DIR}/test-output")
+    QLX_TEST_DATA="tests/data"
+    QLX_TEST_GOLDEN="tests/golden"
+    QLX_SOURCE_DIR="."
+    QLX_TEST_OUTPUT="${build_folder}/test-output")
+set_source_files_properties(tests/support/main.cpp PROPERTIES
+                            COMPILE_DEFINITIONS QLX_ROOT="${PROJECT_SOURCE_DIR}")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/test-output)
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/reports)
 
 file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} tests/*_test.cpp)
 foreach(source IN LISTS test_sources)
@@ -32,6 +39,21 @@ list(REMOVE_DUPLICATES test_programs)
 foreach(program IN LISTS test_programs)
     add_executable(${program} ${${program}_sources})
     target_link_libraries(${program} PRIVATE qlx_test_support)
-    add_test(NAME ${program} COMMAND ${program}
-             --gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${program}.xml)
+    # scripts/test_summary.py counts the cases in the report; a report of an earlier run must not stand
+    # in for a program that crashed.
+    set(report ${CMAKE_BINARY_DIR}/reports/${program}.xml)
+    add_test(NAME ${program} COMMAND ${program} --gtest_output=xml:${report})
+    set_tests_properties(${program} PROPERTIES TIMEOUT 600)
+    if(WIN32)
+        set_tests_properties(${program} PROPERTIES FIXTURES_REQUIRED wine)
+    endif()
 endforeach()
+
+if(WIN32)
+    add_test(NAME wine_up COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-up)
+    set_tests_properties(wine_up PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)
+    add_test(NAME wine_down COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-down)
+    set_tests_properties(wine_down PROPERTIES FIXTURES_CLEANUP wine TIMEOUT 60)
+else()
+    include(qlx_checks)
+endif()

@@ -1,9 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/support/assertion_catcher.h"
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
     AssertionCatcher::Install();
+    // Paths in tests are relative to the source folder, so that compiled tests are the same in every
+    // checkout and a compiler cache can share them.
+    std::filesystem::current_path(QLX_ROOT);
     return RUN_ALL_TESTS();
 }
