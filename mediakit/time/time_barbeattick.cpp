@@ -40,8 +40,7 @@ auto& LastAtOrBefore(Changes& changes, std::int64_t place, Place placeOf) noexce
 
 } // namespace
 
-// ---- Time_TickLength
-// -----------------------------------------------------------------------------
+// ---- Time_TickLength ----
 
 std::int64_t Time_TickLength::ToInternalTicks(std::int64_t displayTicks) noexcept {
     return Time_SaturatingMultiply(displayTicks, cInternalPerDisplay);
@@ -55,8 +54,7 @@ std::int64_t Time_TickLength::GetDisplayTicks() const noexcept {
     return Time_FloorDiv(mTicks, cInternalPerDisplay);
 }
 
-// ---- Time_BarBeatTick
-// ----------------------------------------------------------------------------
+// ---- Time_BarBeatTick ----
 
 std::string Time_BarBeatTick::ToString() const {
     std::string text = std::to_string(bar);
@@ -87,8 +85,7 @@ bool Time_BarBeatTick::FromString(std::string_view text) noexcept {
     return true;
 }
 
-// ---- Time_MeterMap
-// -------------------------------------------------------------------------------
+// ---- Time_MeterMap ----
 
 Time_MeterMap::Time_MeterMap() : mChanges{{1, 0, Time_Meter()}} {}
 
@@ -155,8 +152,7 @@ Time_BarBeatTick Time_MeterMap::FromTicks(Time_TickLength ticks) const noexcept 
             static_cast<std::int32_t>(inBar % perBeat / Time_TickLength::cInternalPerDisplay)};
 }
 
-// ---- Time_TempoMap
-// -------------------------------------------------------------------------------
+// ---- Time_TempoMap ----
 
 Time_TempoMap::Time_TempoMap() : mChanges{{0, 0, 120000}} {}
 
@@ -220,8 +216,7 @@ Time_TickLength Time_TempoMap::FromSample(Time_Sample position,
     return Time_TickLength(Cmn_SaturatingAdd(change.tick, inside));
 }
 
-// ---- The session's maps
-// --------------------------------------------------------------------------
+// ---- The session's maps ----
 
 Time_MeterMap& Time_SessionMeterMap() {
     static Time_MeterMap map;

@@ -3,33 +3,10 @@
 #include <cstring>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "mediakit/time/time_formattable.h"
 #include "mediakit/time/time_muldiv.h"
 
 namespace {
-
-// Order follows the enumeration; the rows are indexed by it. Dropping 2 of 30 numbers (SMPTE 12M)
-// scales with the rate: 4 of 60, 8 of 120.
-constexpr Time_FormatInfo cFormats[cTimeCodeFormatCount] = {
-    {ETimeCodeFormat::F23976, "23.976", 24, 24000, 1001, 0, 2},
-    {ETimeCodeFormat::F24, "24", 24, 24, 1, 0, 2},
-    {ETimeCodeFormat::F25, "25", 25, 25, 1, 0, 2},
-    {ETimeCodeFormat::F2997, "29.97", 30, 30000, 1001, 0, 2},
-    {ETimeCodeFormat::F2997Drop, "29.97 drop", 30, 30000, 1001, 2, 2},
-    {ETimeCodeFormat::F30, "30", 30, 30, 1, 0, 2},
-    {ETimeCodeFormat::F30Drop, "30 drop", 30, 30, 1, 2, 2},
-    {ETimeCodeFormat::F47952, "47.952", 48, 48000, 1001, 0, 2},
-    {ETimeCodeFormat::F48, "48", 48, 48, 1, 0, 2},
-    {ETimeCodeFormat::F50, "50", 50, 50, 1, 0, 2},
-    {ETimeCodeFormat::F5994, "59.94", 60, 60000, 1001, 0, 2},
-    {ETimeCodeFormat::F5994Drop, "59.94 drop", 60, 60000, 1001, 4, 2},
-    {ETimeCodeFormat::F60, "60", 60, 60, 1, 0, 2},
-    {ETimeCodeFormat::F60Drop, "60 drop", 60, 60, 1, 4, 2},
-    {ETimeCodeFormat::F100, "100", 100, 100, 1, 0, 2},
-    {ETimeCodeFormat::F11988, "119.88", 120, 120000, 1001, 0, 3},
-    {ETimeCodeFormat::F11988Drop, "119.88 drop", 120, 120000, 1001, 8, 3},
-    {ETimeCodeFormat::F120, "120", 120, 120, 1, 0, 3},
-    {ETimeCodeFormat::F120Drop, "120 drop", 120, 120, 1, 8, 3},
-};
 
 struct SessionState {
     ETimeCodeFormat format = ETimeCodeFormat::F30;
@@ -49,23 +26,16 @@ void Change(Value& field, Value value) noexcept {
     ++sSession.changes;
 }
 
-bool IsFormat(ETimeCodeFormat format) noexcept {
-    const auto index = static_cast<std::int32_t>(format);
-    return index >= 0 && index < cTimeCodeFormatCount;
-}
-
 } // namespace
 
 const Time_FormatInfo& Time_GetFormatInfo(ETimeCodeFormat format) {
-    if (!IsFormat(format)) {
-        Cmn_Assert("IsFormat(format)", "mediakit/time/time_format", __LINE__);
-        format = ETimeCodeFormat::F30;
-    }
-    return cFormats[static_cast<std::size_t>(format)];
+    CMN_ASSERT(Time_IsFormat(format));
+    return cTime_Formats[static_cast<std::size_t>(Time_IsFormat(format) ? format
+                                                                        : ETimeCodeFormat::F30)];
 }
 
 bool Time_FindFormat(const char* name, ETimeCodeFormat& format) {
-    for (const Time_FormatInfo& info : cFormats)
+    for (const Time_FormatInfo& info : cTime_Formats)
         if (std::strcmp(info.name, name) == 0) {
             format = info.format;
             return true;

@@ -1,5 +1,8 @@
 #include "mediakit/time/time_smpte.h"
 
+#include <cstring>
+
+#include "mediakit/time/time_formattable.h"
 #include "mediakit/time/time_muldiv.h"
 
 namespace {
@@ -92,9 +95,23 @@ std::int64_t FramesOfLabel(const Time_FormatInfo& info, const Time_SMPTE::Fields
     return number < 0 ? number : FramesOfNumber(info, number);
 }
 
+struct DigitPairs {
+    char pairs[200];
+};
+
+constexpr DigitPairs MakeDigitPairs() noexcept {
+    DigitPairs table{};
+    for (int value = 0; value < 100; ++value) {
+        table.pairs[value * 2] = static_cast<char>('0' + value / 10);
+        table.pairs[value * 2 + 1] = static_cast<char>('0' + value % 10);
+    }
+    return table;
+}
+
+constexpr DigitPairs cDigitPairs = MakeDigitPairs();
+
 char* PutTwo(char* out, std::uint32_t value) noexcept {
-    out[0] = static_cast<char>('0' + value / 10);
-    out[1] = static_cast<char>('0' + value % 10);
+    std::memcpy(out, cDigitPairs.pairs + value * 2, 2);
     return out + 2;
 }
 
@@ -130,10 +147,36 @@ const char* TakeSubframes(const char* at, const char* end, std::int32_t& subfram
     return at == start ? nullptr : at;
 }
 
+// Two digits as a number; what is no digit makes it 100 or more.
+std::uint32_t TwoDigits(const char* at) noexcept {
+    const auto tens = static_cast<std::uint32_t>(static_cast<unsigned char>(at[0])) - '0';
+    const auto ones = static_cast<std::uint32_t>(static_cast<unsigned char>(at[1])) - '0';
+    return tens > 9 || ones > 9 ? 100 : tens * 10 + ones;
+}
+
+// Reads "HH:MM:SS:FF" with every field in its range and a label that exists, the text nearly every
+// caller has. Returns -1 for all others, which take the general road.
+std::int64_t FramesOfOrdinaryText(const char* text, const Time_FormatInfo& info) noexcept {
+    if (text[2] != ':' || text[5] != ':' || (text[8] != ':' && text[8] != ';'))
+        return -1;
+    const std::uint32_t hours = TwoDigits(text);
+    const std::uint32_t minutes = TwoDigits(text + 3);
+    const std::uint32_t seconds = TwoDigits(text + 6);
+    const std::uint32_t frames = TwoDigits(text + 9);
+    const auto framesPerSecond = static_cast<std::uint32_t>(info.framesPerSecond);
+    if (hours > 99 || minutes > 59 || seconds > 59 || frames > 99 || frames >= framesPerSecond)
+        return -1;
+    const auto drop = static_cast<std::uint32_t>(info.droppedPerMinute);
+    if (seconds == 0 && frames < drop)
+        return -1;
+    const std::uint32_t allMinutes = hours * 60 + minutes;
+    const std::uint32_t number = (allMinutes * 60 + seconds) * framesPerSecond + frames;
+    return number - drop * (allMinutes - allMinutes / 10);
+}
+
 } // namespace
 
-// ---- Time_SMPTE
-// ----------------------------------------------------------------------------------
+// ---- Time_SMPTE ----
 
 Time_SMPTE::Time_SMPTE() noexcept : mFormat(Time_Session::GetTimeCodeFormat()) {}
 
@@ -153,7 +196,7 @@ std::int64_t Time_SMPTE::GetTotalSubframes() const noexcept {
 
 Time_SMPTE::Fields Time_SMPTE::GetFields() const noexcept {
     const Distance distance = DistanceFromZero(mFrames, mSubframes);
-    const Label label = LabelOf(Time_GetFormatInfo(mFormat), distance.frames);
+    const Label label = LabelOf(Time_FormatRow(mFormat), distance.frames);
     return {distance.negative, static_cast<std::int64_t>(label.hours),
             label.minutes,     label.seconds,
             label.frames,      static_cast<std::int32_t>(distance.subframes)};
@@ -170,18 +213,18 @@ void Time_SMPTE::SetFromTotalSubframes(std::int64_t subframes) noexcept {
 }
 
 void Time_SMPTE::SetFromFields(const Fields& label) noexcept {
-    const std::int64_t frames = FramesOfLabel(Time_GetFormatInfo(mFormat), label);
+    const std::int64_t frames = FramesOfLabel(Time_FormatRow(mFormat), label);
     const std::int32_t subframes = label.subframes;
     *this = label.negative ? Time_SMPTE(mFormat, Time_SaturatingNegate(frames), -subframes)
                            : Time_SMPTE(mFormat, frames, subframes);
 }
 
 void Time_SMPTE::WrapToDay() noexcept {
-    mFrames = Time_FloorMod(mFrames, Time_GetFormatInfo(mFormat).FramesPerDay());
+    mFrames = Time_FloorMod(mFrames, Time_FormatRow(mFormat).FramesPerDay());
 }
 
 std::int64_t Time_SMPTE::DropFrames(std::int64_t labelledFrames, ETimeCodeFormat format) noexcept {
-    const Time_FormatInfo& info = Time_GetFormatInfo(format);
+    const Time_FormatInfo& info = Time_FormatRow(format);
     // Division towards zero makes negative steps mirror positive ones.
     const std::int64_t minutes = labelledFrames / (std::int64_t{info.framesPerSecond} * 60);
     return labelledFrames - info.droppedPerMinute * (minutes - minutes / 10);
@@ -192,7 +235,7 @@ Time_SampleLength Time_SMPTE::GetTotalSamples() const noexcept {
 }
 
 Time_SampleLength Time_SMPTE::GetTotalSamples(std::int32_t samplesPerSecond) const noexcept {
-    const Time_FormatInfo& info = Time_GetFormatInfo(mFormat);
+    const Time_FormatInfo& info = Time_FormatRow(mFormat);
     return Time_SampleLength(
         mSubframes == 0
             ? Time_UnitsToSamples(info, mFrames, 1, samplesPerSecond)
@@ -201,7 +244,7 @@ Time_SampleLength Time_SMPTE::GetTotalSamples(std::int32_t samplesPerSecond) con
 
 void Time_SMPTE::SetFromTotalSamples(Time_SampleLength length, std::int32_t samplesPerSecond,
                                      bool withSubframes) noexcept {
-    const Time_FormatInfo& info = Time_GetFormatInfo(mFormat);
+    const Time_FormatInfo& info = Time_FormatRow(mFormat);
     if (withSubframes)
         SetFromTotalSubframes(
             Time_SamplesToUnits(info, length.GetSamples(), cSubframesPerFrame, samplesPerSecond));
@@ -218,8 +261,8 @@ std::strong_ordering Time_SMPTE::Compare(const Time_SMPTE& other) const noexcept
             return mFrames <=> other.mFrames;
         return mSubframes <=> other.mSubframes;
     }
-    const Time_FormatInfo& mine = Time_GetFormatInfo(mFormat);
-    const Time_FormatInfo& its = Time_GetFormatInfo(other.mFormat);
+    const Time_FormatInfo& mine = Time_FormatRow(mFormat);
+    const Time_FormatInfo& its = Time_FormatRow(other.mFormat);
     const std::int64_t left = Time_SaturatingMultiply(
         GetTotalSubframes(), std::int64_t{mine.rateDenominator} * its.rateNumerator);
     const std::int64_t right = Time_SaturatingMultiply(
@@ -230,19 +273,18 @@ std::strong_ordering Time_SMPTE::Compare(const Time_SMPTE& other) const noexcept
     return mFormat <=> other.mFormat;
 }
 
-// ---- Time_SMPTEUtils
-// -----------------------------------------------------------------------------
+// ---- Time_SMPTEUtils ----
 
 bool Time_SMPTEUtils::NeedsThreeFrameDigits(ETimeCodeFormat format) {
-    return Time_GetFormatInfo(format).frameDigits == 3;
+    return Time_FormatRow(format).frameDigits == 3;
 }
 
 std::int32_t Time_SMPTEUtils::GetFramesPerSecond(ETimeCodeFormat format) {
-    return Time_GetFormatInfo(format).framesPerSecond;
+    return Time_FormatRow(format).framesPerSecond;
 }
 
 bool Time_SMPTEUtils::IsDropFrame(ETimeCodeFormat format) {
-    return Time_GetFormatInfo(format).IsDropFrame();
+    return Time_FormatRow(format).IsDropFrame();
 }
 
 std::string Time_SMPTEUtils::ToString(const Time_SMPTE& time, bool withSubframes) {
@@ -252,7 +294,7 @@ std::string Time_SMPTEUtils::ToString(const Time_SMPTE& time, bool withSubframes
 
 std::size_t Time_SMPTEUtils::ToChars(const Time_SMPTE& time, bool withSubframes,
                                      char* out) noexcept {
-    const Time_FormatInfo& info = Time_GetFormatInfo(time.GetFormat());
+    const Time_FormatInfo& info = Time_FormatRow(time.GetFormat());
     // Without the subframes shown, a value names the frame it lies in, also below zero.
     const Distance distance =
         DistanceFromZero(time.GetTotalFrames(), withSubframes ? time.GetSubframes() : 0);
@@ -279,6 +321,13 @@ std::size_t Time_SMPTEUtils::ToChars(const Time_SMPTE& time, bool withSubframes,
 bool Time_SMPTEUtils::FromString(std::string_view text, ETimeCodeFormat format,
                                  Time_SMPTE& time) noexcept {
     const char* at = text.data();
+    if (text.size() == 11) {
+        const std::int64_t frames = FramesOfOrdinaryText(at, Time_FormatRow(format));
+        if (frames >= 0) {
+            time = Time_SMPTE(format, frames);
+            return true;
+        }
+    }
     const char* const end = at + text.size();
     Time_SMPTE::Fields label;
     if (at != end && (*at == '-' || *at == '+'))
