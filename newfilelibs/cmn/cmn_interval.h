@@ -1,0 +1,17 @@
+// The coordinate check that rectangles pass before they become regions.
+#pragma once
+
+#include "newfilelibs/cmn/cmn_rect.h"
+
+class QLX_API Cmn_Interval {
+  public:
+    /// Whether an interval's length fits the coordinate type, so that widths and heights may be
+    /// computed without overflow. Intervals that are not in order have no length and pass.
+    [[nodiscard]] static constexpr bool IsInRange(int low, int high) noexcept {
+        return low >= high || low >= 0 || high <= std::numeric_limits<int>::max() + low;
+    }
+
+    /// Reports (as a trace assertion; nothing is changed) a rectangle whose width or height does
+    /// not fit. Returns whether both do.
+    static bool CheckRect(const Cmn_Rect<int>& rect) noexcept;
+};

@@ -1,0 +1,85 @@
+#include "newfilelibs/cmn/cmn_rectlist.h"
+
+#include <cstring>
+#include <new>
+#include <ostream>
+
+#include "basekit/cmn/cmn_failure.h"
+
+namespace {
+
+constexpr std::size_t kLargestCapacity = std::numeric_limits<std::uint32_t>::max() / 2;
+
+Cmn_Rect<int>* AllocateRects(std::size_t count) {
+    if (count > kLargestCapacity)
+        Cmn_RaiseFailure(kFailure_OutOfMemory);
+    return static_cast<Cmn_Rect<int>*>(Cmn_AllocateOrFail(count * sizeof(Cmn_Rect<int>)));
+}
+
+void CopyRects(Cmn_Rect<int>* to, const Cmn_Rect<int>* from, std::size_t count) noexcept {
+    if (count > 0)
+        std::memmove(static_cast<void*>(to), from, count * sizeof(Cmn_Rect<int>));
+}
+
+} // namespace
+
+void Cmn_RectList::Release() noexcept { ::operator delete(mData); }
+
+void Cmn_RectList::TakeFrom(Cmn_RectList& other) noexcept {
+    mSize = other.mSize;
+    if (other.IsInline()) {
+        mData = InlineData();
+        mCapacity = kInlineCapacity;
+        CopyRects(mData, other.mData, mSize);
+    } else {
+        mData = other.mData;
+        mCapacity = other.mCapacity;
+        other.mData = other.InlineData();
+        other.mCapacity = kInlineCapacity;
+    }
+    other.mSize = 0;
+}
+
+void Cmn_RectList::Reserve(std::size_t capacity) {
+    if (capacity <= mCapacity)
+        return;
+    Cmn_Rect<int>* data = AllocateRects(capacity);
+    CopyRects(data, mData, mSize);
+    if (!IsInline())
+        Release();
+    mData = data;
+    mCapacity = static_cast<std::uint32_t>(capacity);
+}
+
+void Cmn_RectList::Assign(const Cmn_Rect<int>* rects, std::size_t count) {
+    if (count > mCapacity) { // then they cannot all lie in this list
+        Cmn_Rect<int>* data = AllocateRects(count);
+        CopyRects(data, rects, count);
+        if (!IsInline())
+            Release();
+        mData = data;
+        mCapacity = static_cast<std::uint32_t>(count);
+    } else {
+        CopyRects(mData, rects, count);
+    }
+    mSize = static_cast<std::uint32_t>(count);
+}
+
+void Cmn_RectList::Resize(std::size_t count) {
+    Reserve(count);
+    for (std::size_t i = mSize; i < count; ++i)
+        mData[i] = Cmn_Rect<int>();
+    mSize = static_cast<std::uint32_t>(count);
+}
+
+void Cmn_RectList::Erase(std::size_t index) noexcept {
+    CopyRects(mData + index, mData + index + 1, mSize - index - 1);
+    --mSize;
+}
+
+std::ostream& operator<<(std::ostream& out, const Cmn_RectList& list) {
+    out << '{';
+    for (std::size_t i = 0; i < list.size(); ++i)
+        out << (i == 0 ? "" : " ") << list[i];
+    return out << '}';
+}

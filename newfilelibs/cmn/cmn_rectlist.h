@@ -1,0 +1,102 @@
+// A growable array of rectangles: what a region keeps its pixels in.
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <type_traits>
+
+#include "newfilelibs/cmn/cmn_rect.h"
+
+/// Rectangles in order. Up to kInlineCapacity of them lie in the object itself; more take one block
+/// from operator new. Running out of memory raises -108 and leaves the list as it was.
+class QLX_API Cmn_RectList {
+  public:
+    using value_type = Cmn_Rect<int>;
+    using const_iterator = const Cmn_Rect<int>*;
+    using iterator = const_iterator;
+    using size_type = std::size_t;
+
+    static constexpr std::size_t kInlineCapacity = 4;
+
+    Cmn_RectList() noexcept {}
+    Cmn_RectList(const Cmn_RectList& other) { Assign(other.data(), other.size()); }
+    Cmn_RectList(Cmn_RectList&& other) noexcept { TakeFrom(other); }
+    ~Cmn_RectList() {
+        if (!IsInline())
+            Release();
+    }
+    Cmn_RectList& operator=(const Cmn_RectList& other) {
+        if (this != &other)
+            Assign(other.data(), other.size());
+        return *this;
+    }
+    Cmn_RectList& operator=(Cmn_RectList&& other) noexcept {
+        if (this != &other) {
+            if (!IsInline())
+                Release();
+            TakeFrom(other);
+        }
+        return *this;
+    }
+
+    // Queries
+
+    [[nodiscard]] std::size_t size() const noexcept { return mSize; }
+    [[nodiscard]] bool empty() const noexcept { return mSize == 0; }
+    [[nodiscard]] std::size_t capacity() const noexcept { return mCapacity; }
+    [[nodiscard]] const Cmn_Rect<int>* data() const noexcept { return mData; }
+    [[nodiscard]] const Cmn_Rect<int>* begin() const noexcept { return mData; }
+    [[nodiscard]] const Cmn_Rect<int>* end() const noexcept { return mData + mSize; }
+    [[nodiscard]] const Cmn_Rect<int>& operator[](std::size_t index) const noexcept {
+        return mData[index];
+    }
+    [[nodiscard]] const Cmn_Rect<int>& front() const noexcept { return mData[0]; }
+    [[nodiscard]] const Cmn_Rect<int>& back() const noexcept { return mData[mSize - 1]; }
+    /// The same rectangles in the same order.
+    [[nodiscard]] friend bool operator==(const Cmn_RectList& a, const Cmn_RectList& b) noexcept {
+        return a.mSize == b.mSize && std::equal(a.begin(), a.end(), b.begin());
+    }
+
+    // Changes
+
+    /// For writing; the caller keeps within size.
+    [[nodiscard]] Cmn_Rect<int>* Edit() noexcept { return mData; }
+    void Append(const Cmn_Rect<int>& rect) {
+        const Cmn_Rect<int> copy = rect; // may lie in this list
+        if (mSize == mCapacity)
+            Reserve(std::size_t{mCapacity} * 2);
+        mData[mSize++] = copy;
+    }
+    /// Replaces the contents; the rectangles may lie in this list.
+    void Assign(const Cmn_Rect<int>* rects, std::size_t count);
+    /// Grows with empty rectangles or cuts the end off.
+    void Resize(std::size_t count);
+    /// Removes one and closes the gap.
+    void Erase(std::size_t index) noexcept;
+    /// Keeps its memory.
+    void Clear() noexcept { mSize = 0; }
+    /// Makes room for that many in all.
+    void Reserve(std::size_t capacity);
+
+  private:
+    [[nodiscard]] bool IsInline() const noexcept { return mData == InlineData(); }
+    [[nodiscard]] Cmn_Rect<int>* InlineData() noexcept {
+        return reinterpret_cast<Cmn_Rect<int>*>(mInline);
+    }
+    [[nodiscard]] const Cmn_Rect<int>* InlineData() const noexcept {
+        return reinterpret_cast<const Cmn_Rect<int>*>(mInline);
+    }
+    void Release() noexcept;
+    void TakeFrom(Cmn_RectList& other) noexcept;
+
+    Cmn_Rect<int>* mData = InlineData(); // owned unless it is mInline
+    std::uint32_t mSize = 0;
+    std::uint32_t mCapacity = kInlineCapacity;
+    // Raw bytes, so that making a list writes nothing here.
+    alignas(16) std::byte mInline[kInlineCapacity * sizeof(Cmn_Rect<int>)];
+};
+
+static_assert(std::is_trivially_copyable_v<Cmn_Rect<int>>);
+
+// Printer: the rectangles between braces.
+QLX_API std::ostream& operator<<(std::ostream& out, const Cmn_RectList& list);

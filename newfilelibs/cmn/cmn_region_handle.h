@@ -1,0 +1,161 @@
+// The members of Cmn_Region. Part of cmn_region.h; include that one.
+#pragma once
+
+#include "newfilelibs/cmn/cmn_region.h"
+
+inline constexpr const char* kCmn_RegionSource = "newfilelibs/cmn/cmn_region";
+
+template <class T, class Impl>
+Cmn_Region<T, Impl>::Cmn_Region(const Cmn_Rect<T>& rect)
+    : Cmn_Region(Make([&](Cmn_RegionCore<T>& core) { core = Cmn_RegionCore<T>(rect); })) {}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl>::~Cmn_Region() = default;
+
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::CheckImpl(int line) const noexcept {
+    if (HasImpl())
+        return true;
+    Cmn_TraceAssert("mImpl", kCmn_RegionSource, line);
+    return false;
+}
+
+template <class T, class Impl>
+Cmn_RefCountPtr<Impl> Cmn_Region<T, Impl>::NewImpl() {
+    Cmn_RefCountPtr<Impl> impl(new (std::nothrow) Impl);
+    if (!impl)
+        Cmn_TraceAssert("newCore", kCmn_RegionSource, kNewCoreLine);
+    return impl;
+}
+
+template <class T, class Impl>
+template <class Operation>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Make(Operation operation) {
+    Cmn_RefCountPtr<Impl> impl = NewImpl();
+    if (!impl)
+        return Cmn_Region();
+    Cmn_RegionCore<T>& core = impl->EditCore();
+    operation(core);
+    // Filled now, so that no reader has to: regions are read from any thread.
+    Cmn_Rect<T> bounds;
+    core.GetBounds(bounds);
+    return Cmn_Region(std::move(impl));
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Region& other) const {
+    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other.GetCore()); });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Intersection(const Cmn_Region& other) const {
+    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Intersection(core, other.GetCore()); });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Difference(const Cmn_Region& other) const {
+    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Difference(core, other.GetCore()); });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Xor(const Cmn_Region& other) const {
+    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Xor(core, other.GetCore()); });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Offset(int dx, int dy) const {
+    return Make([&](Cmn_RegionCore<T>& core) {
+        core = GetCore();
+        core.Offset(dx, dy);
+    });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Inset(int dx, int dy) const {
+    return Make([&](Cmn_RegionCore<T>& core) {
+        core = GetCore();
+        core.Inset(dx, dy);
+    });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::OffsetWithin(int dx, int dy,
+                                                      const Cmn_Rect<T>& within) const {
+    return Make([&](Cmn_RegionCore<T>& core) {
+        core = GetCore();
+        core.OffsetWithin(dx, dy, within);
+    });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Copy() const {
+    return Make([&](Cmn_RegionCore<T>& core) { core = GetCore(); });
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Region& other) {
+    mImpl = Union(other).mImpl;
+    return *this;
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Rect<T>& rect) {
+    return UniteWith(Cmn_Region(rect));
+}
+
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::IsEmpty() const noexcept {
+    return !CheckImpl(kIsEmptyLine) || mImpl->GetCore().IsEmpty();
+}
+
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::IsRectangular() const noexcept {
+    return GetCore().IsRectangular();
+}
+
+template <class T, class Impl>
+Cmn_Rect<T> Cmn_Region<T, Impl>::GetBounds() const noexcept {
+    Cmn_Rect<T> bounds;
+    GetCore().GetBounds(bounds);
+    return bounds;
+}
+
+template <class T, class Impl>
+const Cmn_RectList& Cmn_Region<T, Impl>::GetRectList() const noexcept {
+    (void)CheckImpl(kGetRectListLine);
+    return GetCore().GetRectList();
+}
+
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::ContainsPoint(const Cmn_Point<T>& point) const noexcept {
+    return GetCore().ContainsPoint(point);
+}
+
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::ContainsRect(const Cmn_Rect<T>& rect) const noexcept {
+    return GetCore().ContainsRect(rect);
+}
+
+// An empty region may share its implementation with every other one; a native handle must not be
+// shared in this way. Returns whether the implementation is this region's (and its copies') own.
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::OwnImpl() const {
+    if (mImpl.Get() != Impl::GetSharedEmpty())
+        return true;
+    Cmn_RefCountPtr<Impl> impl = NewImpl();
+    if (!impl)
+        return false;
+    mImpl = std::move(impl);
+    return true;
+}
+
+template <class T, class Impl>
+bool Cmn_Region<T, Impl>::ImplQuery(int selector, void** io) const {
+    return CheckImpl(kImplQueryLine) && OwnImpl() && mImpl->ImplQuery(selector, io);
+}
+
+template <class T, class Impl>
+void* Cmn_Region<T, Impl>::ImplQuery(int selector) const {
+    void* answer = nullptr;
+    return ImplQuery(selector, &answer) ? answer : nullptr;
+}

@@ -1,0 +1,124 @@
+#include "qlx/foundation/qlx_region.h"
+
+#include <cstring>
+#include <ostream>
+#include <vector>
+
+#include "basekit/cmn/cmn_failure.h"
+
+namespace {
+
+// Deliberate: one buffer for all regions, grown when too small and never shrunk, so that reading
+// many handles in a row allocates once. Part of the user-interface thread's state.
+std::vector<Cmn_Rect<int>>* sReadBuffer = nullptr;
+
+constexpr std::size_t kHeaderRects = sizeof(QLX_NativeRegionHeader) / sizeof(Cmn_Rect<int>);
+static_assert(kHeaderRects * sizeof(Cmn_Rect<int>) == sizeof(QLX_NativeRegionHeader));
+
+// Room for at least that many bytes, as rectangles so that they are aligned for reading.
+Cmn_Rect<int>* GetReadBuffer(std::size_t size) {
+    const std::size_t count = (size + sizeof(Cmn_Rect<int>) - 1) / sizeof(Cmn_Rect<int>);
+    try {
+        if (!sReadBuffer)
+            sReadBuffer = new std::vector<Cmn_Rect<int>>;
+        if (sReadBuffer->size() < count)
+            sReadBuffer->resize(count);
+    } catch (const std::bad_alloc&) {
+        Cmn_RaiseFailure(kFailure_OutOfMemory);
+    }
+    return sReadBuffer->data();
+}
+
+QLX_NativeRegionHeader MakeHeader(std::size_t count, const Cmn_Rect<int>& bounds) {
+    QLX_NativeRegionHeader header;
+    header.mCount = static_cast<std::uint32_t>(count);
+    header.mDataSize = static_cast<std::uint32_t>((count + kHeaderRects) * sizeof(Cmn_Rect<int>));
+    header.mBounds = bounds;
+    return header;
+}
+
+} // namespace
+
+QLX_RegionImpl_HRGN::~QLX_RegionImpl_HRGN() {
+    if (mHandle)
+        QLX_NativeRegion_Delete(mHandle);
+}
+
+QLX_RegionImpl_HRGN* QLX_RegionImpl_HRGN::GetSharedEmpty() noexcept {
+    // Never destroyed: static regions of hosts may outlive any static object here.
+    alignas(QLX_RegionImpl_HRGN) static std::byte sStorage[sizeof(QLX_RegionImpl_HRGN)];
+    static QLX_RegionImpl_HRGN* const sEmpty = [] {
+        auto* empty = new (static_cast<void*>(sStorage)) QLX_RegionImpl_HRGN;
+        empty->AddReference();
+        return empty;
+    }();
+    return sEmpty;
+}
+
+bool QLX_RegionImpl_HRGN::ImplQuery(int selector, void** io) {
+    switch (selector) {
+    case kSelector_GetHandle:
+        if (!io)
+            return false;
+        if (!mHandle)
+            mHandle = CreateHandle();
+        *io = mHandle;
+        return mHandle != nullptr;
+    case kSelector_ReloadFromHandle:
+        return mHandle && ReloadFrom(mHandle);
+    case kSelector_AdoptHandle:
+        return io && Adopt(*io);
+    default:
+        return false;
+    }
+}
+
+QLX_NativeRegionHandle QLX_RegionImpl_HRGN::CreateHandle() const {
+    const Cmn_RectList& rects = mCore.GetRectList();
+    if (rects.empty())
+        return QLX_NativeRegion_CreateRect(0, 0, 0, 0);
+    if (rects.size() == 1)
+        return QLX_NativeRegion_CreateRectIndirect(rects[0]);
+    Cmn_Rect<int> bounds;
+    mCore.GetBounds(bounds);
+    const QLX_NativeRegionHeader header = MakeHeader(rects.size(), bounds);
+    Cmn_RectList block;
+    block.Resize(kHeaderRects + rects.size());
+    std::memcpy(static_cast<void*>(block.Edit()), &header, sizeof header);
+    std::copy(rects.begin(), rects.end(), block.Edit() + kHeaderRects);
+    return QLX_NativeRegion_CreateFromData(header.mDataSize, block.data());
+}
+
+bool QLX_RegionImpl_HRGN::ReloadFrom(QLX_NativeRegionHandle handle) {
+    const std::uint32_t size = QLX_NativeRegion_GetData(handle, 0, nullptr);
+    if (size == 0) {
+        mCore.Clear();
+        return true;
+    }
+    Cmn_Rect<int>* buffer = GetReadBuffer(size);
+    if (QLX_NativeRegion_GetData(handle, size, buffer) == 0) {
+        mCore.Clear();
+        return true;
+    }
+    QLX_NativeRegionHeader header;
+    std::memcpy(&header, static_cast<const void*>(buffer), sizeof header);
+    mCore.AssignRects(buffer + kHeaderRects, header.mCount);
+    return true;
+}
+
+bool QLX_RegionImpl_HRGN::Adopt(QLX_NativeRegionHandle handle) {
+    if (handle)
+        ReloadFrom(handle); // first: when it raises, nothing has changed
+    if (mHandle && mHandle != handle)
+        QLX_NativeRegion_Delete(mHandle);
+    mHandle = handle;
+    return true;
+}
+
+template class Cmn_Region<int, QLX_RegionImpl_HRGN>;
+
+QLX_Region::~QLX_Region() = default;
+
+std::ostream& operator<<(std::ostream& out, const Cmn_Region<int, QLX_RegionImpl_HRGN>& region) {
+    return out << region.GetRectList();
+}
