@@ -1,7 +1,6 @@
 #include "basekit/cmn/cmn_failure.h"
 
 #include <cstdio>
-#include <new>
 
 Cmn_Failure::Cmn_Failure(std::int32_t code) noexcept : mCode(code) {
     std::snprintf(mText, sizeof mText, "failure %ld", static_cast<long>(code));
@@ -10,10 +9,3 @@ Cmn_Failure::Cmn_Failure(std::int32_t code) noexcept : mCode(code) {
 const char* Cmn_Failure::what() const noexcept { return mText; }
 
 void Cmn_RaiseFailure(std::int32_t code) { throw Cmn_Failure(code); }
-
-void* Cmn_AllocateOrFail(std::size_t size) {
-    void* bytes = ::operator new(size, std::nothrow);
-    if (!bytes)
-        Cmn_RaiseFailure(kFailure_OutOfMemory);
-    return bytes;
-}

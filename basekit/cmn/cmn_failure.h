@@ -24,6 +24,3 @@ class QLX_API Cmn_Failure : public std::exception {
 
 /// Raises a failure code; does not return.
 [[noreturn]] QLX_API void Cmn_RaiseFailure(std::int32_t code);
-
-/// Bytes from operator new, to be given back to operator delete; raises -108 when there are none.
-[[nodiscard]] QLX_API void* Cmn_AllocateOrFail(std::size_t size);

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 
 #include "basekit/cmn/cmn_failure.h"
+#include "basekit/cmn/cmn_memory.h"
 #include "basekit/cmn/cmn_trace.h"
 
 CIterator::~CIterator() = default;
@@ -20,9 +22,7 @@ ClassDesc::ClassDesc(const char* name, std::uint64_t size, DefaultConstructor co
     Register(base);
 }
 
-ClassDesc::~ClassDesc() {
-    delete mSubClasses;
-}
+ClassDesc::~ClassDesc() { delete mSubClasses; }
 
 void ClassDesc::Initialize(const ClassDesc* base) {
     delete mSubClasses;
@@ -39,9 +39,7 @@ void ClassDesc::Register(const ClassDesc* base) {
     fgClassDescList = this;
 }
 
-short ClassDesc::AssignNewClassID() {
-    return ++fgNextClassID;
-}
+short ClassDesc::AssignNewClassID() { return ++fgNextClassID; }
 
 void ClassDesc::AddBaseClass(const ClassDesc* base) {
     if (!mBase && base != this)
@@ -51,10 +49,17 @@ void ClassDesc::AddBaseClass(const ClassDesc* base) {
 void ClassDesc::AddSubClass(const ClassDesc* subclass) {
     if (subclass == this)
         return;
-    if (!mSubClasses)
-        mSubClasses = new std::vector<const ClassDesc*>;
-    if (std::find(mSubClasses->begin(), mSubClasses->end(), subclass) == mSubClasses->end())
+    if (mSubClasses &&
+        std::find(mSubClasses->begin(), mSubClasses->end(), subclass) != mSubClasses->end())
+        return;
+    try {
+        if (!mSubClasses)
+            mSubClasses =
+                new (Cmn_AllocateOrFail(sizeof *mSubClasses)) std::vector<const ClassDesc*>;
         mSubClasses->push_back(subclass);
+    } catch (const std::bad_alloc&) {
+        Cmn_RaiseFailure(kFailure_OutOfMemory);
+    }
 }
 
 const ClassDesc* ClassDesc::GetSubClass(int n) const {
@@ -85,9 +90,7 @@ void ClassDesc::InitUClassDesc() {
             const_cast<ClassDesc*>(d->mBase)->AddSubClass(d);
 }
 
-const ClassDesc* ClassDesc::GetClassDescFromClassID(short id) {
-    return sClassDescListByID[id];
-}
+const ClassDesc* ClassDesc::GetClassDescFromClassID(short id) { return sClassDescListByID[id]; }
 
 const ClassDesc* ClassDesc::GetClassDescFromClassName(const std::string& name) {
     return sClassDescListByName[name];
@@ -111,19 +114,13 @@ CClassIterator::CClassIterator(const ClassDesc* start, bool flag)
     : mStart(start), mCurrent(start), mFlag(flag) {}
 CClassIterator::~CClassIterator() = default;
 
-bool CClassIterator::More() {
-    return mCurrent != nullptr;
-}
-void CClassIterator::Reset() {
-    mCurrent = mStart;
-}
+bool CClassIterator::More() { return mCurrent != nullptr; }
+void CClassIterator::Reset() { mCurrent = mStart; }
 void CClassIterator::Advance() {
     if (mCurrent)
         mCurrent = mCurrent->GetNextClassDesc();
 }
-const ClassDesc* CClassIterator::CurrentClassDesc() {
-    return mCurrent;
-}
+const ClassDesc* CClassIterator::CurrentClassDesc() { return mCurrent; }
 const ClassDesc* CClassIterator::FirstClassDesc() {
     Reset();
     return mCurrent;

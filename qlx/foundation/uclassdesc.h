@@ -1,5 +1,5 @@
-// The run-time class registry: one descriptor a class, linked into a list before main begins, indexed
-// once by InitUClassDesc. Belongs to the user-interface thread.
+// The run-time class registry: one descriptor a class, linked into a list before main begins,
+// indexed once by InitUClassDesc. Belongs to the user-interface thread.
 #pragma once
 
 #include <cstdint>
@@ -10,16 +10,16 @@
 #include "basekit/cmn/cmn_types.h"
 #include "qlx/foundation/uiterator.h"
 
-/// Describes one class: name, instance size, identifier, base, factory. Descriptors are static objects
-/// and live as long as the library that holds them. Registration needs nothing that another static
-/// object has to build first: a base is only an address until the index is made.
+/// Describes one class: name, instance size, identifier, base, factory. Descriptors are static
+/// objects and live as long as the library that holds them. Registration needs nothing that another
+/// static object has to build first: a base is only an address until the index is made.
 class QLX_API ClassDesc {
   public:
     /// Makes a default instance as an untyped pointer to its TObject; the caller ends it with Free.
     using DefaultConstructor = void* (*)();
 
-    /// Registers a class. The constructor may be null for a class that is never made by name; a base
-    /// that is this very descriptor counts as none.
+    /// Registers a class. The constructor may be null for a class that is never made by name; a
+    /// base that is this very descriptor counts as none.
     ClassDesc(const char* name, std::uint64_t size, DefaultConstructor constructor,
               const ClassDesc* base = nullptr);
     ~ClassDesc();
@@ -62,8 +62,8 @@ class QLX_API ClassDesc {
     [[nodiscard]] static void* NewByClassID(short id);
     /// Null for an unknown name or a class without a factory.
     [[nodiscard]] static void* NewByClassName(const std::string& name);
-    /// Writes "class_hierarchy.txt" into the application's folder: a line a class, its ancestors after
-    /// a colon. Does nothing when the file cannot be written.
+    /// Writes "class_hierarchy.txt" into the application's folder: a line a class, its ancestors
+    /// after a colon. Does nothing when the file cannot be written.
     static void DumpClassHierarchy();
 
     // Registry state, in this order.
@@ -81,7 +81,7 @@ class QLX_API ClassDesc {
     std::string mClassName;
     std::uint64_t mClassSize;
     short mClassID = 0;
-    const ClassDesc* mBase = nullptr;                    // not owned
+    const ClassDesc* mBase = nullptr;                     // not owned
     std::vector<const ClassDesc*>* mSubClasses = nullptr; // owned; made by the first subclass
 };
 

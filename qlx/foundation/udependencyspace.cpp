@@ -19,9 +19,7 @@ bool sGlobalIsSet = false;
 
 TDependencySpace::~TDependencySpace() = default;
 
-TDependencySpace* TDependencySpace::GetGlobal() {
-    return sGlobalIsSet ? sGlobal : BuiltIn();
-}
+TDependencySpace* TDependencySpace::GetGlobal() { return sGlobalIsSet ? sGlobal : BuiltIn(); }
 
 TDependencySpace* TDependencySpace::SetGlobal(TDependencySpace* space) {
     TDependencySpace* const previous = GetGlobal();

@@ -8,8 +8,8 @@
 #include "basekit/cmn/cmn_types.h"
 #include "qlx/foundation/qlx_fwd.h"
 
-/// Two relation tables, dependents by notifier and notifiers by dependent, always in step. Owns none of
-/// the objects. User-interface thread only.
+/// Two relation tables, dependents by notifier and notifiers by dependent, always in step. Owns
+/// none of the objects. User-interface thread only.
 class QLX_API TDependencySpace {
   public:
     /// The tag of a relation made by TObject::AddDependent.
@@ -27,8 +27,8 @@ class QLX_API TDependencySpace {
 
     /// The space in use; null when the host took it away.
     [[nodiscard]] static TDependencySpace* GetGlobal();
-    /// Replaces the space and returns the previous one, which the caller then owns (unless it is the
-    /// built-in one, which is static). Null switches dependencies off.
+    /// Replaces the space and returns the previous one, which the caller then owns (unless it is
+    /// the built-in one, which is static). Null switches dependencies off.
     static TDependencySpace* SetGlobal(TDependencySpace* space);
 
   private:

@@ -1,32 +1,20 @@
 #include "qlx/foundation/uobject.h"
 
 #include <cstring>
-#include <new>
 
-#include "basekit/cmn/cmn_failure.h"
 #include "qlx/foundation/udependencyspace.h"
 
-void* operator new(std::size_t size, Cmn_AllocateOrFailTag) {
-    return Cmn_AllocateOrFail(size);
-}
+void* operator new(std::size_t size, Cmn_AllocateOrFailTag) { return Cmn_AllocateOrFail(size); }
 
-void operator delete(void* bytes, Cmn_AllocateOrFailTag) noexcept {
-    ::operator delete(bytes);
-}
+void operator delete(void* bytes, Cmn_AllocateOrFailTag) noexcept { ::operator delete(bytes); }
 
 ClassDesc TObject::fgClassDesc("TObject", sizeof(TObject), &TObject::_DefaultConstructor);
 
-void* TObject::_DefaultConstructor() {
-    return new (Cmn_AllocateOrFailTag{}) TObject;
-}
+void* TObject::_DefaultConstructor() { return QLX_MakeDefault<TObject>(); }
 
-const ClassDesc* TObject::GetClassDescStatic() {
-    return &fgClassDesc;
-}
+const ClassDesc* TObject::GetClassDescStatic() { return &fgClassDesc; }
 
-const ClassDesc* TObject::GetClassDescDynamic() const {
-    return &fgClassDesc;
-}
+const ClassDesc* TObject::GetClassDescDynamic() const { return &fgClassDesc; }
 
 TObject::~TObject() = default;
 
@@ -42,9 +30,7 @@ void TObject::RemoveAllDependencies() {
         space->RemoveAllDependencies(this);
 }
 
-bool TObject::RemoveDependenciesOnFree() {
-    return true;
-}
+bool TObject::RemoveDependenciesOnFree() { return true; }
 
 void TObject::ReadContainer(QLX_RawPropertyContainer* container,
                             const Cmn_AliasedRefCountPtr<QLX_ViewMemento>& memento, TView*) {
@@ -54,9 +40,7 @@ void TObject::ReadContainer(QLX_RawPropertyContainer* container,
 void TObject::ReadProperties(QLX_RawPropertyContainer*,
                              const Cmn_AliasedRefCountPtr<QLX_ViewMemento>&) {}
 
-TObject* TObject::Clone() {
-    return ShallowClone();
-}
+TObject* TObject::Clone() { return ShallowClone(); }
 
 void TObject::Free() {
     if (RemoveDependenciesOnFree())
@@ -81,6 +65,4 @@ void TObject::RemoveDependent(TObject* dependent) {
         space->RemoveDependency(this, dependent);
 }
 
-TDependencySpace* TObject::GetDependencySpace() const {
-    return TDependencySpace::GetGlobal();
-}
+TDependencySpace* TObject::GetDependencySpace() const { return TDependencySpace::GetGlobal(); }

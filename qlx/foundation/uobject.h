@@ -1,8 +1,12 @@
-// TObject, the root of the framework's classes, and the two macros by which a class joins the registry.
+// TObject, the root of the framework's classes, and the two macros by which a class joins the
+// registry.
 #pragma once
 
+#include <new>
 #include <string>
 
+#include "basekit/cmn/cmn_failure.h"
+#include "basekit/cmn/cmn_memory.h"
 #include "basekit/cmn/cmn_refcount.h"
 #include "qlx/foundation/qlx_fwd.h"
 #include "qlx/foundation/uclassdesc.h"
@@ -18,9 +22,14 @@
 #define QLX_DEFINE_CLASS(Class, Base)                                                              \
     ClassDesc Class::fgClassDesc(#Class, sizeof(Class), &Class::_DefaultConstructor,               \
                                  &Base::fgClassDesc);                                              \
-    void* Class::_DefaultConstructor() {                                                           \
-        return static_cast<TObject*>(new (Cmn_AllocateOrFailTag{}) Class);                         \
-    }                                                                                              \
+    void* Class::_DefaultConstructor() { return QLX_MakeDefault<Class>(); }                        \
+    const ClassDesc* Class::GetClassDescStatic() { return &fgClassDesc; }                          \
+    const ClassDesc* Class::GetClassDescDynamic() const { return &fgClassDesc; }
+
+/// Registers a class that is only a base, or needs arguments: it has no factory.
+#define QLX_DEFINE_CLASS_WITHOUT_FACTORY(Class, Base)                                              \
+    ClassDesc Class::fgClassDesc(#Class, sizeof(Class), nullptr, &Base::fgClassDesc);              \
+    void* Class::_DefaultConstructor() { return nullptr; }                                         \
     const ClassDesc* Class::GetClassDescStatic() { return &fgClassDesc; }                          \
     const ClassDesc* Class::GetClassDescDynamic() const { return &fgClassDesc; }
 
@@ -30,8 +39,8 @@ struct Cmn_AllocateOrFailTag {};
 QLX_API void* operator new(std::size_t size, Cmn_AllocateOrFailTag);
 QLX_API void operator delete(void* bytes, Cmn_AllocateOrFailTag) noexcept;
 
-/// The root of views, handlers, commands, behaviours and containers. Objects are made with new or by
-/// class name and ended with Free, which deletes them. User-interface thread only.
+/// The root of views, handlers, commands, behaviours and containers. Objects are made with new or
+/// by class name and ended with Free, which deletes them. User-interface thread only.
 class QLX_API TObject {
   public:
     TObject() = default;
@@ -86,6 +95,17 @@ class QLX_API TObject {
   private:
     short mReserved; // copied with the object, set by no one here
 };
+
+/// A default instance as an untyped pointer to its TObject; raises -108 when memory runs out for it
+/// or for what its constructor makes.
+template <class Class>
+[[nodiscard]] void* QLX_MakeDefault() {
+    try {
+        return static_cast<TObject*>(new (Cmn_AllocateOrFailTag{}) Class);
+    } catch (const std::bad_alloc&) {
+        Cmn_RaiseFailure(kFailure_OutOfMemory);
+    }
+}
 
 /// The object as T when it is one, else null. T is a registered class.
 template <class T>
