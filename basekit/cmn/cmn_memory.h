@@ -7,11 +7,13 @@
 /// Bytes from operator new, to be given back to operator delete; raises -108 when there are none.
 [[nodiscard]] QLX_API void* Cmn_AllocateOrFail(std::size_t size);
 
-/// Grows or shrinks a block that came from here (null for a first one), keeping its bytes; raises
-/// -108 when there is no room, and the old block stays as it was. Ended with Cmn_FreeBlock.
+/// Grows or shrinks a block that came from here (null for a first one), keeping its bytes. When
+/// there is no room the old block stays as it was and the answer is null. Ended with Cmn_FreeBlock.
+[[nodiscard]] QLX_API void* Cmn_Reallocate(void* block, std::size_t size);
+/// The same, but raises -108 when there is no room.
 [[nodiscard]] QLX_API void* Cmn_ReallocateOrFail(void* block, std::size_t size);
 QLX_API void Cmn_FreeBlock(void* block) noexcept;
 
-/// Lets so many further calls of the functions above succeed and fails all later ones; a
-/// negative count (the state at start) never fails. For tests; one count for the process.
+/// Lets so many further calls of the functions above succeed and fails all later ones; a negative
+/// count (the state at start) never fails. For tests; one count for the process.
 QLX_API void Cmn_FailAllocationsAfter(std::int64_t count);
