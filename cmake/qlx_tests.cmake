@@ -41,8 +41,8 @@ foreach(program IN LISTS test_programs)
     target_link_libraries(${program} PRIVATE qlx_test_support)
     # scripts/test_summary.py counts the cases in the report; a report of an earlier run must not stand
     # in for a program that crashed.
-    set(report ${CMAKE_BINARY_DIR}/reports/${program}.xml)
-    add_test(NAME ${program} COMMAND ${program} --gtest_output=xml:${report})
+    add_test(NAME ${program} COMMAND ${program} --gtest_output=xml:reports/${program}.xml
+             WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
     set_tests_properties(${program} PROPERTIES TIMEOUT 600)
     if(WIN32)
         set_tests_properties(${program} PROPERTIES FIXTURES_REQUIRED wine)
