@@ -21,7 +21,7 @@ file(COPY_FILE ${CMAKE_BINARY_DIR}/expat-config/expat_config.h.new
 
 set(expat_lib ${QLX_EXPAT_SOURCE}/expat/lib)
 add_library(qlx_expat STATIC ${expat_lib}/xmlparse.c ${expat_lib}/xmlrole.c ${expat_lib}/xmltok.c)
-target_include_directories(qlx_expat PRIVATE ${CMAKE_BINARY_DIR}/expat-config
-                           SYSTEM INTERFACE ${expat_lib})
+target_include_directories(qlx_expat PRIVATE ${CMAKE_BINARY_DIR}/expat-config)
+target_include_directories(qlx_expat SYSTEM INTERFACE ${expat_lib})
 target_compile_definitions(qlx_expat PUBLIC XML_STATIC PRIVATE HAVE_EXPAT_CONFIG_H)
 target_compile_options(qlx_expat PRIVATE -w -O2)

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+// A constant whose address a host takes: mingw exports it only when it is defined in a source.
+constexpr double Audio_MeterBallistics::kFloor;
+
 double Audio_MeterBallistics::ToDecibels(double amplitude) {
     // Also false for what is no number.
     if (!(amplitude > 0))

@@ -275,6 +275,9 @@ std::strong_ordering Time_SMPTE::Compare(const Time_SMPTE& other) const noexcept
 
 // ---- Time_SMPTEUtils ----
 
+// A constant whose address a host takes: mingw exports it only when it is defined in a source.
+constexpr std::size_t Time_SMPTEUtils::cMaxChars;
+
 bool Time_SMPTEUtils::NeedsThreeFrameDigits(ETimeCodeFormat format) {
     return Time_FormatRow(format).frameDigits == 3;
 }

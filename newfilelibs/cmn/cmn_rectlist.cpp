@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "basekit/cmn/cmn_failure.h"
+#include "basekit/cmn/cmn_memory.h"
 
 namespace {
 

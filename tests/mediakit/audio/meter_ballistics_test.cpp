@@ -43,5 +43,5 @@ TEST(MeterBallistics, SilenceNonsenseAndAClockThatGoesBackAreHarmless) {
     EXPECT_EQ(meter.GetPeak(), before);
     meter.Fall(100.0);
     EXPECT_TRUE(meter.IsAtRest());
-    EXPECT_EQ(meter.GetPeak(), +Audio_MeterBallistics::kFloor);
+    EXPECT_EQ(meter.GetPeak(), Audio_MeterBallistics::kFloor);
 }
