@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+#include <sstream>
+
+#include "newfilelibs/cmn/cmn_region.h"
+#include "tests/support/literal_region.h"
+
+// Seeded sequences of operations, done by the library and by the pairwise algorithms written out;
+// every list must be equal, cuts and order included. QLX_LONG_TESTS=1 runs many more rounds.
+
+namespace {
+
+using Rect = Cmn_Rect<int>;
+using Core = Cmn_RegionCore<int>;
+using literal::Rects;
+
+constexpr int kLow = std::numeric_limits<int>::min();
+constexpr int kHigh = std::numeric_limits<int>::max();
+
+Rects ToRects(const Core& core) { return {core.GetRectList().begin(), core.GetRectList().end()}; }
+
+struct Pair {
+    Core mCore;
+    Rects mRects;
+};
+
+// Where the rectangles of a sequence come from.
+enum class Shape { kLattice, kRandom, kSlivers, kExtremes, kTiny };
+constexpr Shape kShapes[] = {Shape::kLattice, Shape::kRandom, Shape::kSlivers, Shape::kExtremes,
+                             Shape::kTiny};
+
+class Player {
+  public:
+    Player(std::uint64_t seed, Shape shape, int count)
+        : mRandom(seed), mShape(shape), mCount(count) {}
+
+    // Plays one sequence over a few registers; returns what went wrong, or nothing.
+    std::string Play(int steps) {
+        for (Pair& pair : mPairs)
+            pair = Gather();
+        for (int step = 0; step < steps; ++step) {
+            const std::string wrong = Step();
+            if (!wrong.empty())
+                return "step " + std::to_string(step) + ": " + wrong;
+        }
+        return {};
+    }
+
+  private:
+    int Below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(mRandom); }
+    int Between(int low, int high) {
+        return std::uniform_int_distribution<int>(low, high)(mRandom);
+    }
+
+    Rect MakeRect() {
+        switch (mShape) {
+        case Shape::kLattice: {
+            const int x = Below(20) * 8;
+            const int y = Below(20) * 8;
+            return {x, y, x + 8 * Between(1, 3), y + 8 * Between(1, 2)};
+        }
+        case Shape::kRandom: {
+            const int x = Below(400);
+            const int y = Below(400);
+            return {x, y, x + Between(1, 60), y + Between(1, 60)};
+        }
+        case Shape::kSlivers: {
+            const int x = Below(200);
+            const int y = Below(200);
+            return Below(2) ? Rect(x, y, x + 1, y + Between(1, 150))
+                            : Rect(x, y, x + Between(1, 150), y + 1);
+        }
+        case Shape::kExtremes: {
+            const int edges[] = {kLow, kLow + 1, kLow + 5, -1, 0, 1, kHigh - 5, kHigh - 1, kHigh};
+            return {edges[Below(9)], edges[Below(9)], edges[Below(9)], edges[Below(9)]};
+        }
+        case Shape::kTiny: {
+            const int x = Below(6);
+            const int y = Below(6);
+            return {x, y, x + Between(0, 3), y + Between(0, 3)};
+        }
+        }
+        return {};
+    }
+
+    Pair Single() {
+        const Rect rect = MakeRect();
+        return {Core(rect), rect.Empty() ? Rects{} : Rects{rect}};
+    }
+
+    Pair Combine(const Pair& a, const Pair& b, int operation) {
+        Pair result;
+        switch (operation) {
+        case 0:
+            a.mCore.Union(result.mCore, b.mCore);
+            result.mRects = literal::Union(a.mRects, b.mRects);
+            break;
+        case 1:
+            a.mCore.Intersection(result.mCore, b.mCore);
+            result.mRects = literal::Intersection(a.mRects, b.mRects);
+            break;
+        case 2:
+            a.mCore.Difference(result.mCore, b.mCore);
+            result.mRects = literal::Difference(a.mRects, b.mRects);
+            break;
+        default:
+            a.mCore.Xor(result.mCore, b.mCore);
+            result.mRects = literal::Xor(a.mRects, b.mRects);
+        }
+        return result;
+    }
+
+    Pair Gather() {
+        Pair pair;
+        for (int i = 0, count = Between(0, mCount); i < count; ++i)
+            pair = Combine(pair, Single(), Below(8) == 0 ? 3 : 0);
+        return pair;
+    }
+
+    int Distance() {
+        switch (mShape) {
+        case Shape::kExtremes: {
+            const int distances[] = {kLow, kLow + 3, -7, -1, 0, 1, 7, kHigh - 3, kHigh};
+            return distances[Below(9)];
+        }
+        case Shape::kLattice:
+            return Between(-3, 3) * 8;
+        default:
+            return Between(-9, 9);
+        }
+    }
+
+    std::string Step() {
+        Pair& target = mPairs[Below(kPairs)];
+        const Pair a = mPairs[Below(kPairs)];
+        const Pair b = Below(3) == 0 ? Single() : mPairs[Below(kPairs)];
+        const int operation = Below(12);
+        std::ostringstream what;
+        what << "operation " << operation << " on\n"
+             << a.mCore.GetRectList() << "\nwith\n"
+             << b.mCore.GetRectList();
+        target = Perform(a, b, operation, what);
+        // Lists grow without end under xor and holes: begin anew now and then.
+        if (target.mRects.size() > kLargest || Below(25) == 0)
+            target = Gather();
+        return Compare(target, what.str());
+    }
+
+    Pair Perform(const Pair& a, const Pair& b, int operation, std::ostream& what) {
+        Pair result = a;
+        const int dx = Distance();
+        const int dy = Distance();
+        const Rect within = MakeRect();
+        what << "\nby " << dx << ", " << dy << " within " << within;
+        switch (operation) {
+        case 8:
+            result.mCore.Offset(dx, dy);
+            result.mRects = literal::Offset(a.mRects, dx, dy);
+            return result;
+        case 9:
+            result.mCore.Inset(dx, dy);
+            result.mRects = literal::Inset(a.mRects, dx, dy);
+            return result;
+        case 10:
+            result.mCore.Inset(Between(0, 2), 0);
+            result.mRects = ToRects(result.mCore);
+            return result;
+        case 11:
+            result.mCore.OffsetWithin(dx, dy, within);
+            result.mRects = literal::OffsetWithin(a.mRects, dx, dy, within);
+            return result;
+        default:
+            return Combine(a, b, operation % 4);
+        }
+    }
+
+    std::string Compare(const Pair& pair, const std::string& what) {
+        if (ToRects(pair.mCore) != pair.mRects) {
+            Core expected;
+            expected.AssignRects(pair.mRects.data(), pair.mRects.size());
+            std::ostringstream text;
+            text << what << "\nexpected\n"
+                 << expected.GetRectList() << "\ngot\n"
+                 << pair.mCore.GetRectList();
+            return text.str();
+        }
+        return CompareQueries(pair);
+    }
+
+    std::string CompareQueries(const Pair& pair) {
+        const Rect probe = MakeRect();
+        const Cmn_Point<int> point(probe.left, probe.bottom);
+        bool touches = false;
+        bool contains = false;
+        Rect bounds;
+        for (const Rect& rect : pair.mRects) {
+            touches = touches || rect.Overlaps(probe);
+            contains = contains || rect.Contains(point);
+            bounds = &rect == &pair.mRects.front() ? rect : bounds | rect;
+        }
+        Rect cached;
+        pair.mCore.GetBounds(cached);
+        if (pair.mCore.ContainsRect(probe) != touches)
+            return "ContainsRect";
+        if (pair.mCore.ContainsPoint(point) != contains)
+            return "ContainsPoint";
+        // Flattened lists keep the bounds they had before, moved the same way.
+        if (mShape != Shape::kExtremes && cached != bounds)
+            return "GetBounds";
+        return {};
+    }
+
+    static constexpr int kPairs = 3;
+    static constexpr std::size_t kLargest = 400;
+    std::mt19937_64 mRandom;
+    Shape mShape;
+    int mCount;
+    Pair mPairs[kPairs];
+};
+
+int Rounds(int quick) { return std::getenv("QLX_LONG_TESTS") ? quick * 50 : quick; }
+
+void PlayAll(int rounds, int count, int steps) {
+    for (int round = 0; round < rounds; ++round) {
+        for (const Shape shape : kShapes) {
+            const auto seed = static_cast<std::uint64_t>(round);
+            Player player(seed, shape, count);
+            ASSERT_EQ(player.Play(steps), "")
+                << "seed " << seed << ", shape " << static_cast<int>(shape) << ", count " << count;
+        }
+    }
+}
+
+TEST(CmnRegionLists, FewRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(150), 8, 12); }
+
+TEST(CmnRegionLists, DozensOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(25), 40, 12); }
+
+TEST(CmnRegionLists, HundredsOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(2), 300, 6); }
+
+} // namespace
