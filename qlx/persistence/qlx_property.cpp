@@ -1,0 +1,220 @@
+#include "qlx/persistence/qlx_property.h"
+
+#include "basekit/cmn/cmn_assert.h"
+#include "basekit/cmn/cmn_string.h"
+
+namespace {
+// By value; none has no name.
+constexpr std::string_view kTypeNames[kQLX_PropertyTypeCount] = {
+    "", "bool", "int32", "idtype", "string", "stringidx", "rgbcolor", "point", "rect", "int64"};
+
+bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// What is left of a text while numbers are read from its front.
+class Scanner {
+  public:
+    explicit Scanner(std::string_view text) : mText(text) {}
+
+    /// A signed decimal after blanks, held at the limits of 32 bits. False when there is none.
+    bool ScanInt32(std::int32_t& value) {
+        SkipBlanks();
+        std::size_t at = mAt;
+        const bool negative = at < mText.size() && mText[at] == '-';
+        if (at < mText.size() && (mText[at] == '-' || mText[at] == '+'))
+            ++at;
+        const std::size_t digits = at;
+        std::int64_t number = 0;
+        for (; at < mText.size() && mText[at] >= '0' && mText[at] <= '9'; ++at) {
+            number = number * 10 + (mText[at] - '0');
+            if (number > kBeyond) {
+                number = kBeyond;
+                mInRange = false;
+            }
+        }
+        if (at == digits)
+            return false;
+        mAt = at;
+        number = negative ? -number : number;
+        value = Cmn_ClampTo<std::int32_t>(number);
+        mInRange = mInRange && value == number;
+        return true;
+    }
+
+    /// "0x" and hexadecimal digits after blanks; the low 16 bits count.
+    bool ScanHex(std::uint16_t& value) {
+        SkipBlanks();
+        if (mText.substr(mAt, 2) != "0x")
+            return false;
+        std::size_t at = mAt + 2;
+        std::uint32_t number = 0;
+        for (; at < mText.size() && HexDigit(mText[at]) >= 0; ++at) {
+            mInRange = mInRange && number <= 0xFFF;
+            number = number << 4 | static_cast<std::uint32_t>(HexDigit(mText[at]));
+        }
+        if (at == mAt + 2)
+            return false;
+        mAt = at;
+        value = static_cast<std::uint16_t>(number);
+        return true;
+    }
+
+    [[nodiscard]] bool IsInRange() const { return mInRange; }
+    [[nodiscard]] bool IsAtEnd() const { return mAt == mText.size(); }
+
+  private:
+    static constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
+
+    static int HexDigit(char c) {
+        if (c >= '0' && c <= '9')
+            return c - '0';
+        const char lower = static_cast<char>(c | 0x20);
+        return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+    }
+    void SkipBlanks() {
+        while (mAt < mText.size() && IsBlank(mText[mAt]))
+            ++mAt;
+    }
+
+    std::string_view mText;
+    std::size_t mAt = 0;
+    bool mInRange = true;
+};
+
+/// How many numbers a text of the type holds.
+int ScanNumbers(Scanner& scanner, std::int32_t* numbers, int count) {
+    for (int i = 0; i < count; ++i)
+        if (!scanner.ScanInt32(numbers[i]))
+            return i;
+    return count;
+}
+
+int ScanColor(Scanner& scanner, std::uint16_t* components) {
+    for (int i = 0; i < 3; ++i)
+        if (!scanner.ScanHex(components[i]))
+            return i;
+    return 3;
+}
+
+/// The reason for a text of several numbers; empty when all are there and nothing else is.
+std::string CheckNumbers(const Scanner& scanner, int found, int wanted) {
+    if (found < wanted)
+        return std::to_string(found) + " of " + std::to_string(wanted) +
+               " numbers could be read, the others are taken as 0";
+    if (!scanner.IsInRange())
+        return "a number is out of range";
+    return scanner.IsAtEnd() ? std::string() : std::string("there is more after the last number");
+}
+
+template <class Int>
+std::string CheckInteger(std::string_view text, bool (*parse)(std::string_view, Int&),
+                         Int (*convert)(std::string_view)) {
+    Int value = 0;
+    if (parse(text, value))
+        return {};
+    return "read as " + std::to_string(convert(text)) + ": no whole number within range";
+}
+} // namespace
+
+QLX_PropertyType QLX_FindPropertyType(std::string_view name) noexcept {
+    switch (name.size()) {
+    case 4:
+        if (name == "bool")
+            return qlx_PropType_Bool;
+        return name == "rect" ? qlx_PropType_Rect : qlx_PropType_None;
+    case 5:
+        if (name == "int32")
+            return qlx_PropType_Int32;
+        if (name == "point")
+            return qlx_PropType_Point;
+        return name == "int64" ? qlx_PropType_Int64 : qlx_PropType_None;
+    case 6:
+        if (name == "string")
+            return qlx_PropType_String;
+        return name == "idtype" ? qlx_PropType_IDType : qlx_PropType_None;
+    case 8:
+        return name == "rgbcolor" ? qlx_PropType_Color : qlx_PropType_None;
+    case 9:
+        return name == "stringidx" ? qlx_PropType_String_Key : qlx_PropType_None;
+    default:
+        return qlx_PropType_None;
+    }
+}
+
+QLX_PropertyType QLX_StringToPropertyType(const std::string& name) {
+    const QLX_PropertyType type = QLX_FindPropertyType(name);
+    if (type == qlx_PropType_None)
+        Cmn_Assert("it != sStringToTypeMap.end()", __FILE__, __LINE__);
+    return type;
+}
+
+std::string QLX_PropertyTypeToString(QLX_PropertyType type) {
+    if (type > qlx_PropType_None && type < kQLX_PropertyTypeCount)
+        return std::string(kTypeNames[type]);
+    Cmn_Assert("it != sTypeToStringMap.end()", __FILE__, __LINE__);
+    return "<unknown>";
+}
+
+std::string QLX_CheckPropertyText(QLX_PropertyType type, std::string_view text) {
+    switch (type) {
+    case qlx_PropType_Bool:
+        return text == "true" || text == "false" ? "" : "read as false: neither true nor false";
+    case qlx_PropType_Int32:
+        return CheckInteger<std::int32_t>(text, Cmn_ParseInt32, Cmn_StringToInt32);
+    case qlx_PropType_Int64:
+        return CheckInteger<std::int64_t>(text, Cmn_ParseInt64, Cmn_StringToInt64);
+    case qlx_PropType_IDType: {
+        std::uint32_t id = 0;
+        if (Cmn_ParseID(text, id))
+            return {};
+        return "read as \"" + Cmn_IDToString(Cmn_StringToID(text)) +
+               "\": neither four characters nor 0x and eight digits";
+    }
+    case qlx_PropType_Color: {
+        std::uint16_t components[3] = {};
+        Scanner scanner(text);
+        const int found = ScanColor(scanner, components);
+        return CheckNumbers(scanner, found, 3);
+    }
+    case qlx_PropType_Point:
+    case qlx_PropType_Rect: {
+        const int wanted = type == qlx_PropType_Point ? 2 : 4;
+        std::int32_t numbers[4] = {};
+        Scanner scanner(text);
+        const int found = ScanNumbers(scanner, numbers, wanted);
+        return CheckNumbers(scanner, found, wanted);
+    }
+    case qlx_PropType_None:
+        return "no type";
+    case qlx_PropType_String:
+    case qlx_PropType_String_Key:
+        break;
+    }
+    return {};
+}
+
+bool QLX_TextToBool(std::string_view text) noexcept { return text == "true"; }
+std::int32_t QLX_TextToInt32(std::string_view text) { return Cmn_StringToInt32(text); }
+std::int64_t QLX_TextToInt64(std::string_view text) { return Cmn_StringToInt64(text); }
+std::uint32_t QLX_TextToIDType(std::string_view text) { return Cmn_StringToID(text); }
+
+CRGBColor QLX_TextToColor(std::string_view text) {
+    std::uint16_t components[3] = {};
+    Scanner scanner(text);
+    ScanColor(scanner, components);
+    return CRGBColor(components[0], components[1], components[2]);
+}
+
+VPoint QLX_TextToPoint(std::string_view text) {
+    std::int32_t numbers[2] = {};
+    Scanner scanner(text);
+    ScanNumbers(scanner, numbers, 2);
+    return VPoint(/*horizontal*/ numbers[1], /*vertical*/ numbers[0]);
+}
+
+VRect QLX_TextToRect(std::string_view text) {
+    std::int32_t numbers[4] = {};
+    Scanner scanner(text);
+    ScanNumbers(scanner, numbers, 4);
+    return VRect(/*left*/ numbers[1], /*top*/ numbers[0], /*right*/ numbers[3],
+                 /*bottom*/ numbers[2]);
+}

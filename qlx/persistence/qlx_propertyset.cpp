@@ -1,0 +1,1000 @@
+// A set is one block of memory: a header, an entry of 16 bytes a value, a tag of four bytes a
+// value, for larger sets an index, and behind them the bytes of names, texts, points and
+// rectangles.
+//
+// A tag is 28 bits of the name's hash with the type below them. Up to eight values are found by
+// comparing the tags one after the other, which takes one cache line; more by an open-addressed
+// index at most half full, whose cells are as narrow as the count allows. In both cases a match of
+// the tag is followed by one comparison of the names. A block is copied by copying its bytes.
+#include "qlx/persistence/qlx_propertyset.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "basekit/cmn/cmn_assert.h"
+#include "basekit/cmn/cmn_string.h"
+#include "basekit/sys/sys_typedstream.h"
+
+namespace {
+constexpr std::size_t kLinearLimit = 8;
+constexpr std::uint32_t kTypeMask = 15;
+constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
+
+// The order in which types are written.
+constexpr QLX_PropertyType kTypeOrder[] = {
+    qlx_PropType_Bool,   qlx_PropType_Int32,  qlx_PropType_Int64,
+    qlx_PropType_IDType, qlx_PropType_String, qlx_PropType_String_Key,
+    qlx_PropType_Color,  qlx_PropType_Point,  qlx_PropType_Rect};
+
+constexpr int RankOf(QLX_PropertyType type) {
+    for (int i = 0; i < 9; ++i)
+        if (kTypeOrder[i] == type)
+            return i;
+    return 9;
+}
+
+bool gSortedXMLMode = false;
+
+std::uint64_t Load8(const char* bytes) noexcept {
+    std::uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+}
+
+std::uint32_t Load4(const char* bytes) noexcept {
+    std::uint32_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+}
+
+/// Two multiplications over the first and the last bytes, one more for each further eight. The tag
+/// is taken from the top of the product, to which every input bit contributes.
+std::uint32_t TagOf(QLX_PropertyType type, std::string_view name) noexcept {
+    constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u;
+    constexpr std::uint64_t kSecond = 0xD6E8FEB86659FD93u;
+    const char* bytes = name.data();
+    std::size_t size = name.size();
+    std::uint64_t hash = size * kSecond;
+    while (size > 16) {
+        hash = (hash ^ Load8(bytes)) * kFirst;
+        hash ^= hash >> 32;
+        bytes += 8;
+        size -= 8;
+    }
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (size >= 8) {
+        first = Load8(bytes);
+        last = Load8(bytes + size - 8);
+    } else if (size >= 4) {
+        first = Load4(bytes);
+        last = Load4(bytes + size - 4);
+    } else if (size > 0) {
+        first = static_cast<unsigned char>(bytes[0]);
+        last = static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[size / 2])) << 8 |
+               static_cast<unsigned char>(bytes[size - 1]);
+    }
+    hash = (hash ^ first) * kFirst;
+    hash ^= hash >> 32;
+    hash = (hash ^ last) * kSecond;
+    return (static_cast<std::uint32_t>(hash >> 32) & ~kTypeMask) | static_cast<std::uint32_t>(type);
+}
+
+/// memcmp for equality without a call: names are short.
+bool SameBytes(const char* a, const char* b, std::size_t size) noexcept {
+    if (size >= 8) {
+        for (std::size_t i = 0; i + 8 < size; i += 8)
+            if (Load8(a + i) != Load8(b + i))
+                return false;
+        return Load8(a + size - 8) == Load8(b + size - 8);
+    }
+    if (size >= 4)
+        return Load4(a) == Load4(b) && Load4(a + size - 4) == Load4(b + size - 4);
+    for (std::size_t i = 0; i < size; ++i)
+        if (a[i] != b[i])
+            return false;
+    return true;
+}
+
+bool IsText(QLX_PropertyType type) {
+    return type == qlx_PropType_String || type == qlx_PropType_String_Key;
+}
+
+/// How many bytes a value of the type has outside its entry, texts aside.
+std::size_t FixedPayload(QLX_PropertyType type) {
+    if (type == qlx_PropType_Point)
+        return sizeof(VPoint);
+    return type == qlx_PropType_Rect ? sizeof(VRect) : 0;
+}
+
+std::uint64_t PackColor(const CRGBColor& color) {
+    return std::uint64_t{color.GetRed()} << 48 | std::uint64_t{color.GetGreen()} << 32 |
+           std::uint64_t{color.GetBlue()} << 16 | color.GetAlpha();
+}
+
+CRGBColor UnpackColor(std::uint64_t value) {
+    return CRGBColor(static_cast<std::uint16_t>(value >> 48),
+                     static_cast<std::uint16_t>(value >> 32),
+                     static_cast<std::uint16_t>(value >> 16), static_cast<std::uint16_t>(value));
+}
+
+void AppendEscaped(std::string& out, std::string_view text) {
+    if (text.find_first_of("&<>\"'\t\n\r") == std::string_view::npos)
+        out += text;
+    else
+        out += Cmn_XML_SimpleEscape(text);
+}
+} // namespace
+
+struct QLX_PropertySet::Entry {
+    std::uint64_t mValue; // a scalar; or where the payload lies, for a text with its size above
+    std::uint32_t mNameOffset;
+    std::uint32_t mNameSize;
+
+    [[nodiscard]] std::size_t PayloadOffset() const { return static_cast<std::uint32_t>(mValue); }
+    [[nodiscard]] std::size_t PayloadSize(QLX_PropertyType type) const {
+        return IsText(type) ? static_cast<std::size_t>(mValue >> 32) : FixedPayload(type);
+    }
+    void SetPayload(QLX_PropertyType type, std::size_t offset, std::size_t size) {
+        mValue = offset | (IsText(type) ? static_cast<std::uint64_t>(size) << 32 : 0);
+    }
+};
+
+struct QLX_PropertySet::Block {
+    std::uint32_t mReferences;
+    std::uint32_t mCount;
+    std::uint32_t mCapacity;
+    std::uint32_t mDataSize;
+    std::uint32_t mDataCapacity;
+    std::uint32_t mGarbage;    // bytes of data that no value uses any more
+    std::uint32_t mIndexShift; // a tag shifted right by it is its first cell; 0 without an index
+    std::uint32_t mCellSize;   // 1, 2 or 4
+
+    [[nodiscard]] Entry* Entries() noexcept { return reinterpret_cast<Entry*>(this + 1); }
+    [[nodiscard]] std::uint32_t* Tags() noexcept {
+        return reinterpret_cast<std::uint32_t*>(Entries() + mCapacity);
+    }
+    [[nodiscard]] unsigned char* Index() noexcept {
+        return reinterpret_cast<unsigned char*>(Tags() + mCapacity);
+    }
+    [[nodiscard]] std::size_t CellCount() const noexcept {
+        return mIndexShift ? std::size_t{1} << (32 - mIndexShift) : 0;
+    }
+    [[nodiscard]] char* Data() noexcept {
+        return reinterpret_cast<char*>(Index()) + CellCount() * mCellSize;
+    }
+    [[nodiscard]] QLX_PropertyType TypeAt(std::size_t index) noexcept {
+        return static_cast<QLX_PropertyType>(Tags()[index] & kTypeMask);
+    }
+    [[nodiscard]] std::string_view NameAt(std::size_t index) noexcept {
+        const Entry& entry = Entries()[index];
+        return {Data() + entry.mNameOffset, entry.mNameSize};
+    }
+
+    /// The number of the value in a cell, counting from 1; 0 for an empty cell.
+    template <class Cell>
+    [[nodiscard]] std::size_t CellAt(std::size_t cell) noexcept {
+        Cell number;
+        std::memcpy(&number, Index() + cell * sizeof(Cell), sizeof number);
+        return number;
+    }
+    [[nodiscard]] std::size_t CellAt(std::size_t cell) noexcept {
+        if (mCellSize == 1)
+            return CellAt<std::uint8_t>(cell);
+        return mCellSize == 2 ? CellAt<std::uint16_t>(cell) : CellAt<std::uint32_t>(cell);
+    }
+    void SetCell(std::size_t cell, std::size_t number) noexcept {
+        const std::uint8_t narrow = static_cast<std::uint8_t>(number);
+        const std::uint16_t middle = static_cast<std::uint16_t>(number);
+        const std::uint32_t wide = static_cast<std::uint32_t>(number);
+        unsigned char* const at = Index() + cell * mCellSize;
+        if (mCellSize == 1)
+            *at = narrow;
+        else if (mCellSize == 2)
+            std::memcpy(at, &middle, sizeof middle);
+        else
+            std::memcpy(at, &wide, sizeof wide);
+    }
+
+    void AddToIndex(std::size_t index) noexcept {
+        if (!mIndexShift)
+            return;
+        const std::size_t mask = CellCount() - 1;
+        std::size_t cell = Tags()[index] >> mIndexShift;
+        while (CellAt(cell) != 0)
+            cell = (cell + 1) & mask;
+        SetCell(cell, index + 1);
+    }
+    void RebuildIndex() noexcept {
+        std::memset(Index(), 0, CellCount() * mCellSize);
+        for (std::size_t i = 0; i < mCount; ++i)
+            AddToIndex(i);
+    }
+
+    template <class Cell>
+    [[nodiscard]] std::size_t Probe(std::uint32_t tag, std::string_view name) noexcept {
+        const std::size_t mask = CellCount() - 1;
+        for (std::size_t cell = tag >> mIndexShift;; cell = (cell + 1) & mask) {
+            const std::size_t number = CellAt<Cell>(cell);
+            if (number == 0)
+                return kNotFound;
+            if (Tags()[number - 1] == tag && IsNamed(number - 1, name))
+                return number - 1;
+        }
+    }
+    [[nodiscard]] bool IsNamed(std::size_t index, std::string_view name) noexcept {
+        const Entry& entry = Entries()[index];
+        return entry.mNameSize == name.size() &&
+               SameBytes(Data() + entry.mNameOffset, name.data(), name.size());
+    }
+};
+
+/// Keeps a replaced block until the end of an operation, whose arguments may lie in it.
+struct QLX_PropertySet::Hold {
+    Block* mBlock = nullptr;
+    Hold() = default;
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    ~Hold() { Release(mBlock); }
+};
+
+// Memory
+
+QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::size_t dataCapacity) {
+    if (capacity > kMostBytes / 4 || dataCapacity > kMostBytes)
+        throw std::length_error("a property set holds less than 4 GB");
+    Block header{};
+    header.mReferences = 1;
+    header.mCapacity = static_cast<std::uint32_t>(capacity);
+    header.mDataCapacity = static_cast<std::uint32_t>(dataCapacity);
+    header.mCellSize = capacity < 0xFF ? 1 : capacity < 0xFFFF ? 2 : 4;
+    if (capacity > kLinearLimit)
+        header.mIndexShift = 32 - static_cast<std::uint32_t>(std::bit_width(2 * capacity - 1));
+    const std::size_t size = sizeof(Block) + capacity * (sizeof(Entry) + sizeof(std::uint32_t)) +
+                             header.CellCount() * header.mCellSize + dataCapacity;
+    Block* const block = new (::operator new(size)) Block(header);
+    std::memset(block->Index(), 0, block->CellCount() * block->mCellSize);
+    return block;
+}
+
+void QLX_PropertySet::Release(Block* block) noexcept {
+    if (block && --block->mReferences == 0)
+        ::operator delete(block);
+}
+
+/// A copy of the block with room for as much as asked, without the garbage.
+QLX_PropertySet::Block* QLX_PropertySet::CopyBlock(std::size_t capacity,
+                                                   std::size_t dataCapacity) const {
+    Block* const copy = NewBlock(capacity, dataCapacity);
+    if (!mBlock)
+        return copy;
+    copy->mCount = mBlock->mCount;
+    std::memcpy(copy->Tags(), mBlock->Tags(), mBlock->mCount * sizeof(std::uint32_t));
+    std::memcpy(copy->Entries(), mBlock->Entries(), mBlock->mCount * sizeof(Entry));
+    if (mBlock->mGarbage == 0) {
+        std::memcpy(copy->Data(), mBlock->Data(), mBlock->mDataSize);
+        copy->mDataSize = mBlock->mDataSize;
+    } else {
+        for (std::size_t i = 0; i < copy->mCount; ++i) {
+            Entry& entry = copy->Entries()[i];
+            const auto move = [&](std::size_t from, std::size_t size) {
+                const std::uint32_t to = copy->mDataSize;
+                std::memcpy(copy->Data() + to, mBlock->Data() + from, size);
+                copy->mDataSize += static_cast<std::uint32_t>(size);
+                return to;
+            };
+            entry.mNameOffset = move(entry.mNameOffset, entry.mNameSize);
+            const QLX_PropertyType type = copy->TypeAt(i);
+            if (IsText(type) || FixedPayload(type)) {
+                const std::size_t size = entry.PayloadSize(type);
+                entry.SetPayload(type, move(entry.PayloadOffset(), size), size);
+            }
+        }
+    }
+    copy->RebuildIndex();
+    return copy;
+}
+
+/// Makes the block ours alone, with room for further values and bytes.
+void QLX_PropertySet::MakeRoom(std::size_t entries, std::size_t bytes, Hold& old) {
+    const std::size_t count = mBlock ? mBlock->mCount : 0;
+    const std::size_t used = mBlock ? mBlock->mDataSize : 0;
+    if (mBlock && mBlock->mReferences == 1 && count + entries <= mBlock->mCapacity &&
+        used + bytes <= mBlock->mDataCapacity)
+        return;
+    std::size_t capacity = count + entries;
+    std::size_t dataCapacity = used + bytes;
+    if (mBlock && mBlock->mReferences == 1) {
+        // Growing: half as much again, so that a run of stores costs a constant each.
+        if (capacity > mBlock->mCapacity)
+            capacity = std::max<std::size_t>(capacity, mBlock->mCapacity + mBlock->mCapacity / 2);
+        else
+            capacity = mBlock->mCapacity;
+        if (dataCapacity > mBlock->mDataCapacity) {
+            dataCapacity -= mBlock->mGarbage;
+            dataCapacity = std::max<std::size_t>(dataCapacity + dataCapacity / 2, 64);
+        } else {
+            dataCapacity = mBlock->mDataCapacity;
+        }
+    } else if (!mBlock) {
+        capacity = std::max<std::size_t>(capacity, 4);
+        dataCapacity = std::max<std::size_t>(dataCapacity, 64);
+    }
+    Block* const room = CopyBlock(capacity, std::min(dataCapacity, kMostBytes));
+    if (room->mDataSize + bytes > room->mDataCapacity) {
+        ::operator delete(room);
+        throw std::length_error("a property set holds less than 4 GB");
+    }
+    old.mBlock = mBlock;
+    mBlock = room;
+}
+
+QLX_PropertySet::QLX_PropertySet(const QLX_PropertySet& other) noexcept : mBlock(other.mBlock) {
+    if (mBlock)
+        ++mBlock->mReferences;
+}
+
+QLX_PropertySet::QLX_PropertySet(QLX_PropertySet&& other) noexcept
+    : mBlock(std::exchange(other.mBlock, nullptr)) {}
+
+QLX_PropertySet& QLX_PropertySet::operator=(const QLX_PropertySet& other) noexcept {
+    if (other.mBlock)
+        ++other.mBlock->mReferences;
+    Release(std::exchange(mBlock, other.mBlock));
+    return *this;
+}
+
+QLX_PropertySet& QLX_PropertySet::operator=(QLX_PropertySet&& other) noexcept {
+    std::swap(mBlock, other.mBlock);
+    return *this;
+}
+
+QLX_PropertySet::~QLX_PropertySet() { Release(mBlock); }
+
+void QLX_PropertySet::Clear() { Release(std::exchange(mBlock, nullptr)); }
+
+void QLX_PropertySet::ClearKeepMemory() {
+    // A large block is not worth clearing for the small sets that may follow.
+    if (!mBlock || mBlock->mReferences > 1 || mBlock->mCapacity > 1024) {
+        Clear();
+        return;
+    }
+    mBlock->mCount = 0;
+    mBlock->mDataSize = 0;
+    mBlock->mGarbage = 0;
+    std::memset(mBlock->Index(), 0, mBlock->CellCount() * mBlock->mCellSize);
+}
+
+QLX_PropertySet QLX_PropertySet::CopyCompact() const {
+    QLX_PropertySet copy;
+    if (!IsEmpty())
+        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage);
+    return copy;
+}
+
+// Look-ups
+
+std::size_t QLX_PropertySet::FindIndex(std::uint32_t tag, std::string_view name) const noexcept {
+    if (!mBlock)
+        return kNotFound;
+    if (!mBlock->mIndexShift) {
+        const std::uint32_t* const tags = mBlock->Tags();
+        for (std::size_t i = 0, count = mBlock->mCount; i < count; ++i)
+            if (tags[i] == tag && mBlock->IsNamed(i, name))
+                return i;
+        return kNotFound;
+    }
+    if (mBlock->mCellSize == 1)
+        return mBlock->Probe<std::uint8_t>(tag, name);
+    return mBlock->mCellSize == 2 ? mBlock->Probe<std::uint16_t>(tag, name)
+                                  : mBlock->Probe<std::uint32_t>(tag, name);
+}
+
+std::size_t QLX_PropertySet::FindIndex(QLX_PropertyType type,
+                                       std::string_view name) const noexcept {
+    return FindIndex(TagOf(type, name), name);
+}
+
+bool QLX_PropertySet::FindScalar(QLX_PropertyType type, std::string_view name,
+                                 std::uint64_t& value) const noexcept {
+    const std::size_t index = FindIndex(type, name);
+    if (index == kNotFound)
+        return false;
+    value = mBlock->Entries()[index].mValue;
+    return true;
+}
+
+bool QLX_PropertySet::FindText(QLX_PropertyType type, std::string_view name,
+                               std::string& value) const {
+    const std::size_t index = FindIndex(type, name);
+    if (index == kNotFound)
+        return false;
+    const Entry& entry = mBlock->Entries()[index];
+    value.assign(mBlock->Data() + entry.PayloadOffset(), entry.PayloadSize(type));
+    return true;
+}
+
+bool QLX_PropertySet::GetBoolProperty(std::string_view name, bool& value) const {
+    std::uint64_t raw = 0;
+    if (!FindScalar(qlx_PropType_Bool, name, raw))
+        return false;
+    value = raw != 0;
+    return true;
+}
+
+bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int32_t& value) const {
+    std::uint64_t raw = 0;
+    if (!FindScalar(qlx_PropType_Int32, name, raw))
+        return false;
+    value = static_cast<std::int32_t>(raw);
+    return true;
+}
+
+bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int64_t& value) const {
+    std::int32_t narrow = 0;
+    if (!GetInt32Property(name, narrow))
+        return false;
+    value = narrow;
+    return true;
+}
+
+bool QLX_PropertySet::GetInt64Property(std::string_view name, std::int64_t& value) const {
+    std::uint64_t raw = 0;
+    if (!FindScalar(qlx_PropType_Int64, name, raw))
+        return false;
+    value = static_cast<std::int64_t>(raw);
+    return true;
+}
+
+bool QLX_PropertySet::GetIDTypeProperty(std::string_view name, std::uint32_t& value) const {
+    std::uint64_t raw = 0;
+    if (!FindScalar(qlx_PropType_IDType, name, raw))
+        return false;
+    value = static_cast<std::uint32_t>(raw);
+    return true;
+}
+
+bool QLX_PropertySet::GetStringProperty(std::string_view name, std::string& value) const {
+    return FindText(qlx_PropType_String, name, value);
+}
+
+bool QLX_PropertySet::GetStringKeyProperty(std::string_view name, std::string& value) const {
+    return FindText(qlx_PropType_String_Key, name, value);
+}
+
+bool QLX_PropertySet::GetColorProperty(std::string_view name, CRGBColor& value) const {
+    std::uint64_t raw = 0;
+    if (!FindScalar(qlx_PropType_Color, name, raw))
+        return false;
+    value = UnpackColor(raw);
+    return true;
+}
+
+bool QLX_PropertySet::GetPointProperty(std::string_view name, VPoint& value) const {
+    QLX_PropertyView view;
+    if (!Find(qlx_PropType_Point, name, view))
+        return false;
+    value = view.mPoint;
+    return true;
+}
+
+bool QLX_PropertySet::GetRectProperty(std::string_view name, VRect& value) const {
+    QLX_PropertyView view;
+    if (!Find(qlx_PropType_Rect, name, view))
+        return false;
+    value = view.mRect;
+    return true;
+}
+
+bool QLX_PropertySet::HasProperty(QLX_PropertyType type, std::string_view name) const {
+    return FindIndex(type, name) != kNotFound;
+}
+
+std::size_t QLX_PropertySet::GetCount() const noexcept { return mBlock ? mBlock->mCount : 0; }
+
+QLX_PropertyView QLX_PropertySet::GetAt(std::size_t index) const {
+    const Entry& entry = mBlock->Entries()[index];
+    QLX_PropertyView view;
+    view.mName = mBlock->NameAt(index);
+    view.mType = mBlock->TypeAt(index);
+    const char* const payload = mBlock->Data() + entry.PayloadOffset();
+    switch (view.mType) {
+    case qlx_PropType_String:
+    case qlx_PropType_String_Key:
+        view.mText = std::string_view(payload, entry.PayloadSize(view.mType));
+        break;
+    case qlx_PropType_Point:
+        std::memcpy(static_cast<void*>(&view.mPoint), payload, sizeof view.mPoint);
+        break;
+    case qlx_PropType_Rect:
+        std::memcpy(static_cast<void*>(&view.mRect), payload, sizeof view.mRect);
+        break;
+    case qlx_PropType_Color:
+        view.mColor = UnpackColor(entry.mValue);
+        break;
+    default:
+        view.mInteger = static_cast<std::int64_t>(entry.mValue);
+    }
+    return view;
+}
+
+bool QLX_PropertySet::Find(QLX_PropertyType type, std::string_view name,
+                           QLX_PropertyView& view) const {
+    const std::size_t index = FindIndex(type, name);
+    if (index == kNotFound)
+        return false;
+    view = GetAt(index);
+    return true;
+}
+
+bool operator==(const QLX_PropertySet& a, const QLX_PropertySet& b) {
+    if (a.mBlock == b.mBlock)
+        return true;
+    if (a.GetCount() != b.GetCount())
+        return false;
+    for (std::size_t i = 0; i < a.GetCount(); ++i) {
+        const QLX_PropertyView mine = a.GetAt(i);
+        QLX_PropertyView theirs;
+        if (!b.Find(mine.mType, mine.mName, theirs) || mine.mInteger != theirs.mInteger ||
+            mine.mText != theirs.mText || PackColor(mine.mColor) != PackColor(theirs.mColor) ||
+            mine.mPoint != theirs.mPoint || mine.mRect != theirs.mRect)
+            return false;
+    }
+    return true;
+}
+
+// Stores
+
+/// Appends a name that is not there yet, for which there is room; its value is still 0.
+std::size_t QLX_PropertySet::Append(std::uint32_t tag, std::string_view name) {
+    const std::size_t index = mBlock->mCount;
+    Entry& entry = mBlock->Entries()[index];
+    entry.mValue = 0;
+    entry.mNameOffset = mBlock->mDataSize;
+    entry.mNameSize = static_cast<std::uint32_t>(name.size());
+    if (!name.empty())
+        std::memcpy(mBlock->Data() + mBlock->mDataSize, name.data(), name.size());
+    mBlock->mDataSize += entry.mNameSize;
+    mBlock->Tags()[index] = tag;
+    ++mBlock->mCount;
+    mBlock->AddToIndex(index);
+    return index;
+}
+
+void QLX_PropertySet::StoreScalar(QLX_PropertyType type, std::string_view name,
+                                  std::uint64_t value) {
+    const std::uint32_t tag = TagOf(type, name);
+    std::size_t index = FindIndex(tag, name);
+    Hold old;
+    if (index == kNotFound) {
+        MakeRoom(1, name.size(), old);
+        index = Append(tag, name);
+    } else {
+        MakeRoom(0, 0, old);
+    }
+    mBlock->Entries()[index].mValue = value;
+}
+
+void QLX_PropertySet::StoreBytes(std::uint32_t tag, std::string_view name, const void* bytes,
+                                 std::size_t size) {
+    const QLX_PropertyType type = static_cast<QLX_PropertyType>(tag & kTypeMask);
+    std::size_t index = FindIndex(tag, name);
+    Hold old;
+    if (index == kNotFound) {
+        MakeRoom(1, name.size() + size, old);
+        index = Append(tag, name);
+    } else {
+        MakeRoom(0, size, old);
+        mBlock->mGarbage += static_cast<std::uint32_t>(mBlock->Entries()[index].PayloadSize(type));
+    }
+    if (size)
+        std::memcpy(mBlock->Data() + mBlock->mDataSize, bytes, size);
+    mBlock->Entries()[index].SetPayload(type, mBlock->mDataSize, size);
+    mBlock->mDataSize += static_cast<std::uint32_t>(size);
+}
+
+void QLX_PropertySet::SetBoolProperty(std::string_view name, bool value) {
+    StoreScalar(qlx_PropType_Bool, name, value);
+}
+void QLX_PropertySet::SetInt32Property(std::string_view name, std::int32_t value) {
+    StoreScalar(qlx_PropType_Int32, name, static_cast<std::uint64_t>(std::int64_t{value}));
+}
+void QLX_PropertySet::SetInt64Property(std::string_view name, std::int64_t value) {
+    StoreScalar(qlx_PropType_Int64, name, static_cast<std::uint64_t>(value));
+}
+void QLX_PropertySet::SetIDTypeProperty(std::string_view name, std::uint32_t value) {
+    StoreScalar(qlx_PropType_IDType, name, value);
+}
+void QLX_PropertySet::SetStringProperty(std::string_view name, std::string_view value) {
+    StoreBytes(TagOf(qlx_PropType_String, name), name, value.data(), value.size());
+}
+void QLX_PropertySet::SetStringKeyProperty(std::string_view name, std::string_view value) {
+    StoreBytes(TagOf(qlx_PropType_String_Key, name), name, value.data(), value.size());
+}
+void QLX_PropertySet::SetColorProperty(std::string_view name, const CRGBColor& value) {
+    StoreScalar(qlx_PropType_Color, name, PackColor(value));
+}
+void QLX_PropertySet::SetPointProperty(std::string_view name, const VPoint& value) {
+    StoreBytes(TagOf(qlx_PropType_Point, name), name, &value, sizeof value);
+}
+void QLX_PropertySet::SetRectProperty(std::string_view name, const VRect& value) {
+    StoreBytes(TagOf(qlx_PropType_Rect, name), name, &value, sizeof value);
+}
+
+bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type,
+                                  std::string_view text) {
+    switch (type) {
+    case qlx_PropType_Bool:
+        SetBoolProperty(name, QLX_TextToBool(text));
+        return true;
+    case qlx_PropType_Int32:
+        SetInt32Property(name, QLX_TextToInt32(text));
+        return true;
+    case qlx_PropType_IDType:
+        SetIDTypeProperty(name, QLX_TextToIDType(text));
+        return true;
+    case qlx_PropType_String:
+        SetStringProperty(name, text);
+        return true;
+    case qlx_PropType_String_Key:
+        SetStringKeyProperty(name, text);
+        return true;
+    case qlx_PropType_Color:
+        SetColorProperty(name, QLX_TextToColor(text));
+        return true;
+    case qlx_PropType_Point:
+        SetPointProperty(name, QLX_TextToPoint(text));
+        return true;
+    case qlx_PropType_Rect:
+        SetRectProperty(name, QLX_TextToRect(text));
+        return true;
+    case qlx_PropType_Int64:
+        SetInt64Property(name, QLX_TextToInt64(text));
+        return true;
+    case qlx_PropType_None:
+        break;
+    }
+    return false;
+}
+
+void QLX_PropertySet::SetProperty(const QLX_PropertyView& value) {
+    switch (value.mType) {
+    case qlx_PropType_String:
+        SetStringProperty(value.mName, value.mText);
+        break;
+    case qlx_PropType_String_Key:
+        SetStringKeyProperty(value.mName, value.mText);
+        break;
+    case qlx_PropType_Color:
+        SetColorProperty(value.mName, value.mColor);
+        break;
+    case qlx_PropType_Point:
+        SetPointProperty(value.mName, value.mPoint);
+        break;
+    case qlx_PropType_Rect:
+        SetRectProperty(value.mName, value.mRect);
+        break;
+    case qlx_PropType_Bool:
+    case qlx_PropType_Int32:
+    case qlx_PropType_IDType:
+    case qlx_PropType_Int64:
+        StoreScalar(value.mType, value.mName, static_cast<std::uint64_t>(value.mInteger));
+        break;
+    case qlx_PropType_None:
+        break;
+    }
+}
+
+bool QLX_PropertySet::RemoveProperty(QLX_PropertyType type, std::string_view name) {
+    const std::size_t index = FindIndex(type, name);
+    if (index == kNotFound)
+        return false;
+    Hold old;
+    MakeRoom(0, 0, old);
+    Entry* const entries = mBlock->Entries();
+    std::uint32_t* const tags = mBlock->Tags();
+    mBlock->mGarbage +=
+        static_cast<std::uint32_t>(entries[index].mNameSize + entries[index].PayloadSize(type));
+    std::copy(entries + index + 1, entries + mBlock->mCount, entries + index);
+    std::copy(tags + index + 1, tags + mBlock->mCount, tags + index);
+    --mBlock->mCount;
+    mBlock->RebuildIndex();
+    return true;
+}
+
+void QLX_PropertySet::Merge(const QLX_PropertySet& over) {
+    if (over.IsEmpty() || over.mBlock == mBlock)
+        return;
+    if (IsEmpty()) {
+        *this = over;
+        return;
+    }
+    Block* const from = over.mBlock;
+    std::size_t missing = 0;
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < from->mCount; ++i) {
+        const Entry& entry = from->Entries()[i];
+        bytes += entry.PayloadSize(from->TypeAt(i));
+        if (FindIndex(from->Tags()[i], from->NameAt(i)) == kNotFound) {
+            ++missing;
+            bytes += entry.mNameSize;
+        }
+    }
+    Hold old;
+    MakeRoom(missing, bytes, old);
+    for (std::size_t i = 0; i < from->mCount; ++i) {
+        const Entry& entry = from->Entries()[i];
+        const QLX_PropertyType type = from->TypeAt(i);
+        const std::uint32_t tag = from->Tags()[i];
+        if (IsText(type) || FixedPayload(type)) {
+            StoreBytes(tag, from->NameAt(i), from->Data() + entry.PayloadOffset(),
+                       entry.PayloadSize(type));
+            continue;
+        }
+        std::size_t index = FindIndex(tag, from->NameAt(i));
+        if (index == kNotFound)
+            index = Append(tag, from->NameAt(i));
+        mBlock->Entries()[index].mValue = entry.mValue;
+    }
+}
+
+// Text
+
+void QLX_PropertySet::SetSortedXMLMode(bool sorted) { gSortedXMLMode = sorted; }
+bool QLX_PropertySet::GetSortedXMLMode() { return gSortedXMLMode; }
+
+namespace {
+/// The value as the source format writes it, not yet escaped. Points and rectangles have 32 bits
+/// there.
+void AppendValueText(std::string& out, const QLX_PropertyView& view) {
+    char text[64];
+    switch (view.mType) {
+    case qlx_PropType_Bool:
+        out += view.mInteger ? "true" : "false";
+        return;
+    case qlx_PropType_IDType:
+        out += Cmn_IDToString(static_cast<std::uint32_t>(view.mInteger));
+        return;
+    case qlx_PropType_String:
+    case qlx_PropType_String_Key:
+        out += view.mText;
+        return;
+    case qlx_PropType_Color:
+        std::snprintf(text, sizeof text, "0x%x 0x%x 0x%x", view.mColor.GetRed(),
+                      view.mColor.GetGreen(), view.mColor.GetBlue());
+        out += text;
+        return;
+    case qlx_PropType_Point:
+        std::snprintf(text, sizeof text, "%d %d", static_cast<int>(view.mPoint.v),
+                      static_cast<int>(view.mPoint.h));
+        out += text;
+        return;
+    case qlx_PropType_Rect:
+        std::snprintf(text, sizeof text, "%d %d %d %d", static_cast<int>(view.mRect.Top()),
+                      static_cast<int>(view.mRect.Left()), static_cast<int>(view.mRect.Bottom()),
+                      static_cast<int>(view.mRect.Right()));
+        out += text;
+        return;
+    default:
+        out += std::to_string(view.mInteger);
+    }
+}
+} // namespace
+
+namespace {
+void AppendElement(std::string& out, const QLX_PropertyView& view, std::string_view extraAttributes,
+                   int indent) {
+    out.append(static_cast<std::size_t>(std::max(indent, 0)), '\t');
+    out += "<property name=\"";
+    AppendEscaped(out, view.mName);
+    out += "\" type=\"";
+    out += QLX_PropertyTypeToString(view.mType);
+    out += "\" value=\"";
+    std::string value;
+    AppendValueText(value, view);
+    AppendEscaped(out, value);
+    out += '"';
+    out += extraAttributes;
+    out += "/>";
+}
+} // namespace
+
+void QLX_PropertySet::AppendXML(std::string& out, std::string_view extraAttributes, int indent,
+                                const char* lineEnd, const std::set<std::string>& excluded,
+                                bool sorted, const ElementHook& beforeLine,
+                                const ElementHook& behind) const {
+    std::vector<std::size_t> order;
+    order.reserve(GetCount());
+    for (std::size_t i = 0; i < GetCount(); ++i)
+        if (excluded.empty() || !excluded.count(std::string(mBlock->NameAt(i))))
+            order.push_back(i);
+    const auto before = [&](std::size_t a, std::size_t b) {
+        if (sorted) {
+            const int names = mBlock->NameAt(a).compare(mBlock->NameAt(b));
+            if (names != 0)
+                return names < 0;
+        }
+        return RankOf(mBlock->TypeAt(a)) < RankOf(mBlock->TypeAt(b));
+    };
+    std::stable_sort(order.begin(), order.end(), before);
+    for (const std::size_t index : order) {
+        const QLX_PropertyView view = GetAt(index);
+        if (beforeLine)
+            beforeLine(view);
+        AppendElement(out, view, extraAttributes, indent);
+        if (behind)
+            behind(view);
+        out += lineEnd;
+    }
+}
+
+std::string QLX_PropertySet::ToXML(const std::string& extraAttributes, int indent,
+                                   const char* lineEnd,
+                                   const std::set<std::string>& excluded) const {
+    std::string out;
+    AppendXML(out, extraAttributes, indent, lineEnd, excluded, gSortedXMLMode);
+    return out;
+}
+
+std::string QLX_PropertySet::ToString() const {
+    std::vector<std::size_t> order(GetCount());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        const int names = mBlock->NameAt(a).compare(mBlock->NameAt(b));
+        return names != 0 ? names < 0 : RankOf(mBlock->TypeAt(a)) < RankOf(mBlock->TypeAt(b));
+    });
+    std::string out;
+    for (const std::size_t index : order) {
+        const QLX_PropertyView view = GetAt(index);
+        out += view.mName;
+        out += ' ';
+        out += QLX_PropertyTypeToString(view.mType);
+        out += ' ';
+        AppendValueText(out, view);
+        out += '\n';
+    }
+    return out;
+}
+
+// Streams
+
+void QLX_PropertySet::StreamOut(Sys_TypedOutStream& stream) const {
+    for (const QLX_PropertyType type : kTypeOrder) {
+        std::int32_t count = 0;
+        for (std::size_t i = 0; i < GetCount(); ++i)
+            count += mBlock->TypeAt(i) == type;
+        stream.WriteInt32(type);
+        stream.WriteInt32(count);
+        for (std::size_t i = 0; count > 0 && i < GetCount(); ++i) {
+            if (mBlock->TypeAt(i) != type)
+                continue;
+            const QLX_PropertyView view = GetAt(i);
+            stream.WriteString(view.mName);
+            switch (type) {
+            case qlx_PropType_Bool:
+                stream.WriteBool(view.mInteger != 0);
+                break;
+            case qlx_PropType_Int32:
+                stream.WriteInt32(static_cast<std::int32_t>(view.mInteger));
+                break;
+            case qlx_PropType_Int64:
+                stream.WriteInt64(view.mInteger);
+                break;
+            case qlx_PropType_IDType:
+                stream.WriteUInt32(static_cast<std::uint32_t>(view.mInteger));
+                break;
+            case qlx_PropType_Color:
+                stream.WriteUInt16(view.mColor.GetRed());
+                stream.WriteUInt16(view.mColor.GetGreen());
+                stream.WriteUInt16(view.mColor.GetBlue());
+                break;
+            case qlx_PropType_Point:
+                stream.WriteInt32(static_cast<std::int32_t>(view.mPoint.v));
+                stream.WriteInt32(static_cast<std::int32_t>(view.mPoint.h));
+                break;
+            case qlx_PropType_Rect:
+                stream.WriteInt32(static_cast<std::int32_t>(view.mRect.Top()));
+                stream.WriteInt32(static_cast<std::int32_t>(view.mRect.Left()));
+                stream.WriteInt32(static_cast<std::int32_t>(view.mRect.Bottom()));
+                stream.WriteInt32(static_cast<std::int32_t>(view.mRect.Right()));
+                break;
+            default:
+                stream.WriteString(view.mText);
+            }
+        }
+    }
+}
+
+namespace {
+/// Reads one value behind its name and stores it; nothing is stored when the stream ends in it.
+void StreamInValue(Sys_TypedInStream& stream, QLX_PropertyType type, std::string_view name,
+                   QLX_PropertySet& set) {
+    switch (type) {
+    case qlx_PropType_Bool: {
+        bool value = false;
+        if (stream.ReadBool(value))
+            set.SetBoolProperty(name, value);
+        break;
+    }
+    case qlx_PropType_Int32: {
+        std::int32_t value = 0;
+        if (stream.ReadInt32(value))
+            set.SetInt32Property(name, value);
+        break;
+    }
+    case qlx_PropType_Int64: {
+        std::int64_t value = 0;
+        if (stream.ReadInt64(value))
+            set.SetInt64Property(name, value);
+        break;
+    }
+    case qlx_PropType_IDType: {
+        std::uint32_t value = 0;
+        if (stream.ReadUInt32(value))
+            set.SetIDTypeProperty(name, value);
+        break;
+    }
+    case qlx_PropType_Color: {
+        std::uint16_t red = 0, green = 0, blue = 0;
+        if (stream.ReadUInt16(red) && stream.ReadUInt16(green) && stream.ReadUInt16(blue))
+            set.SetColorProperty(name, CRGBColor(red, green, blue));
+        break;
+    }
+    case qlx_PropType_Point: {
+        std::int32_t vertical = 0, horizontal = 0;
+        if (stream.ReadInt32(vertical) && stream.ReadInt32(horizontal))
+            set.SetPointProperty(name, VPoint(horizontal, vertical));
+        break;
+    }
+    case qlx_PropType_Rect: {
+        std::int32_t top = 0, left = 0, bottom = 0, right = 0;
+        if (stream.ReadInt32(top) && stream.ReadInt32(left) && stream.ReadInt32(bottom) &&
+            stream.ReadInt32(right))
+            set.SetRectProperty(name, VRect(left, top, right, bottom));
+        break;
+    }
+    default: {
+        std::string_view text;
+        if (stream.ReadStringView(text)) {
+            if (type == qlx_PropType_String)
+                set.SetStringProperty(name, text);
+            else
+                set.SetStringKeyProperty(name, text);
+        }
+    }
+    }
+}
+} // namespace
+
+void QLX_PropertySet::StreamIn(Sys_TypedInStream& stream) {
+    for (const QLX_PropertyType type : kTypeOrder) {
+        std::int32_t typeInStream = 0;
+        std::int32_t count = 0;
+        if (!stream.ReadInt32(typeInStream))
+            return;
+        CMN_ASSERT(typeInStream == type);
+        if (!stream.ReadInt32(count))
+            return;
+        if (count < 0) {
+            stream.Fail("a count below zero");
+            return;
+        }
+        // A count that lies ends with the bytes: each value takes some.
+        for (std::int32_t i = 0; i < count; ++i) {
+            std::string_view name;
+            if (!stream.ReadStringView(name))
+                return;
+            StreamInValue(stream, type, name, *this);
+            if (stream.HasFailed())
+                return;
+        }
+    }
+}

@@ -1,0 +1,32 @@
+// String-table files: the localised texts of one language by key.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "basekit/sys/sys_file.h"
+#include "qlx/persistence/qlx_persistence.h"
+
+struct QLX_SourceProblem;
+
+/// The file's text: a heading comment with the description's name, "{", a line a key in key order
+/// (tab, key, the source text in quotes when there is one, the localised text in quotes), "}".
+///
+/// Inside quotes a double quote has a backslash before it. A backslash stands for itself, except in
+/// a run of backslashes right before a double quote or the text's end, where each is doubled; so
+/// every text is read back as it was. Throws std::runtime_error naming a key that has no written
+/// form (empty, with a tab or a line end, beginning with "//") and a text that is no UTF-8.
+[[nodiscard]] QLX_API std::string
+QLX_WriteStringTable(const QLX_StringTable& table, const std::string& name, LineEndings endings);
+
+/// Reads what QLX_WriteStringTable wrote; texts may span lines, lines that begin with "//" and
+/// blank lines may stand anywhere between keys. Throws std::runtime_error ("file:line:column:
+/// reason") for anything else. Of a key that stands twice the last one counts; problems, when
+/// given, tells.
+[[nodiscard]] QLX_API QLX_StringTable
+QLX_ReadStringTable(std::string_view text, const std::string& file,
+                    std::vector<QLX_SourceProblem>* problems = nullptr);
+
+/// The heading's name; empty when there is none.
+[[nodiscard]] QLX_API std::string QLX_GetStringTableName(std::string_view text);

@@ -1,0 +1,336 @@
+// The XML reader. Expat does the parsing, with its own guard against entity expansion left on; what
+// is made here is the tree.
+#include "qlx/persistence/qlx_sourceformat.h"
+
+#include <algorithm>
+#include <cstring>
+#include <typeinfo>
+#include <utility>
+
+#include <expat.h>
+
+namespace {
+constexpr std::size_t kBlockSize = 1024;
+constexpr std::size_t kLargestBlock = 1 << 20;
+constexpr std::size_t kMostProblems = 1000;
+constexpr std::size_t kMostKnownFilters = 8;
+constexpr const char* kProperty = "property";
+constexpr const char* kIdentifier = "Identifier";
+
+bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+} // namespace
+
+QLX_SourceObserver::~QLX_SourceObserver() = default;
+void QLX_SourceObserver::ContainerStarted(QLX_RawPropertyContainer&, Place) {}
+void QLX_SourceObserver::ContainerEnded(QLX_RawPropertyContainer&, Place) {}
+void QLX_SourceObserver::PropertyMet(QLX_RawPropertyContainer&, const std::string&,
+                                     const std::string&, const std::string&,
+                                     const QLX_PropertyFilter&, Place) {}
+void QLX_SourceObserver::CommentMet(const std::string&, Place) {}
+
+/// What expat calls. Nothing may be thrown through it: an exception is kept and the parser stopped.
+struct QLX_XMLParser::Callbacks {
+    template <class Body>
+    static void Guarded(void* user, Body body) noexcept {
+        QLX_XMLParser& parser = *static_cast<QLX_XMLParser*>(user);
+        if (parser.mStopped)
+            return;
+        try {
+            body(parser);
+        } catch (...) {
+            parser.mException = std::current_exception();
+            parser.Stop();
+        }
+    }
+    static void Start(void* user, const char* name, const char** attributes) {
+        Guarded(user, [&](QLX_XMLParser& parser) { parser.startElement(name, attributes); });
+    }
+    static void End(void* user, const char* name) {
+        Guarded(user, [&](QLX_XMLParser& parser) { parser.endElement(name); });
+    }
+    static void Comment(void* user, const char* text) {
+        Guarded(user, [&](QLX_XMLParser& parser) {
+            parser.mObserver->CommentMet(text, parser.GetPlace());
+        });
+    }
+    /// Text between elements means nothing; a tool is told where some stands that is not blank.
+    static void Text(void* user, const char* text, int size) {
+        Guarded(user, [&](QLX_XMLParser& parser) {
+            if (parser.mObserver && !std::all_of(text, text + size, IsBlank))
+                parser.AddProblem(QLX_SourceProblem::kWarning, "text between elements is not kept");
+        });
+    }
+};
+
+QLX_XMLParser::QLX_XMLParser(Sys_File* file, QLX_RawPropertyContainerFactory* factory)
+    : mFile(file), mFactory(factory ? factory : &mPlainFactory),
+      mScratchFilter(QLX_PropertyFilter::DefaultFilter()) {}
+
+QLX_XMLParser::~QLX_XMLParser() {
+    for (const OpenContainer& open : mOpen)
+        delete open.mContainer;
+}
+
+QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
+    struct ParserHolder {
+        XML_Parser mParser = XML_ParserCreate(nullptr);
+        ~ParserHolder() { XML_ParserFree(mParser); }
+    } holder;
+    if (!holder.mParser)
+        throw std::bad_alloc();
+    mParser = holder.mParser;
+    XML_SetUserData(mParser, this);
+    XML_SetElementHandler(mParser, Callbacks::Start, Callbacks::End);
+    XML_SetCharacterDataHandler(mParser, Callbacks::Text);
+    if (mObserver)
+        XML_SetCommentHandler(mParser, Callbacks::Comment);
+    try {
+        FeedParser();
+    } catch (const Sys_FileError& error) {
+        mStopped = true;
+        AddProblem(QLX_SourceProblem::kError, error.GetReason());
+    }
+    mParser = nullptr;
+    if (mException)
+        std::rethrow_exception(std::exchange(mException, nullptr));
+    if (mProblemCount > mProblems.size())
+        mProblems.push_back(
+            {mFile->GetLoc().GetPath(), 0, 0, QLX_SourceProblem::kWarning,
+             std::to_string(mProblemCount - mProblems.size()) + " further problems"});
+    if (!mStopped && !mOutermost)
+        mProblems.push_back({mFile->GetLoc().GetPath(), 0, 0, QLX_SourceProblem::kError,
+                             "the file holds no container"});
+    return mStopped ? nullptr : mOutermost.release();
+}
+
+void QLX_XMLParser::FeedParser() {
+    // A token that outgrows its block is scanned anew with each block, so blocks grow until it
+    // fits.
+    std::size_t blockSize = kBlockSize;
+    std::vector<char> block(blockSize);
+    std::uint64_t fed = 0;
+    for (;;) {
+        const std::size_t count = mFile->Read(block.data(), blockSize);
+        const bool last = count < blockSize;
+        fed += count;
+        if (XML_Parse(mParser, block.data(), static_cast<int>(count), last) == XML_STATUS_ERROR) {
+            if (!mStopped)
+                AddProblem(QLX_SourceProblem::kError, XML_ErrorString(XML_GetErrorCode(mParser)));
+            mStopped = true;
+            return;
+        }
+        if (last)
+            return;
+        const XML_Index reached = XML_GetCurrentByteIndex(mParser);
+        const bool behind = reached < 0 || fed - static_cast<std::uint64_t>(reached) > blockSize;
+        blockSize = behind ? std::min(blockSize * 2, kLargestBlock) : kBlockSize;
+        if (block.size() < blockSize)
+            block.resize(blockSize);
+    }
+}
+
+std::string QLX_XMLParser::PoolString(const std::string& text) { return *mPool.insert(text).first; }
+
+void QLX_XMLParser::Stop() {
+    mStopped = true;
+    XML_StopParser(mParser, XML_FALSE);
+}
+
+QLX_SourceObserver::Place QLX_XMLParser::GetPlace() const {
+    if (!mParser)
+        return {0, 0};
+    return {static_cast<int>(XML_GetCurrentLineNumber(mParser)),
+            static_cast<int>(XML_GetCurrentColumnNumber(mParser)) + 1};
+}
+
+void QLX_XMLParser::AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason) {
+    // An error ends the reading, so there is room for it.
+    if (++mProblemCount > kMostProblems && severity != QLX_SourceProblem::kError)
+        return;
+    const QLX_SourceObserver::Place place = GetPlace();
+    mProblems.push_back({mFile->GetLoc().GetPath(), place.mLine, place.mColumn, severity, reason});
+}
+
+void QLX_XMLParser::startElement(const char* name, const char** attributes) {
+    if (++mDepth > mMaximumDepth) {
+        AddProblem(QLX_SourceProblem::kError,
+                   "elements are nested more than " + std::to_string(mMaximumDepth) + " deep");
+        Stop();
+        return;
+    }
+    if (std::strcmp(name, kProperty) == 0)
+        StartProperty(attributes);
+    else
+        StartContainer(name, attributes);
+}
+
+void QLX_XMLParser::endElement(const char* name) {
+    --mDepth;
+    if (std::strcmp(name, kProperty) == 0)
+        return;
+    FlushScratch();
+    std::unique_ptr<QLX_RawPropertyContainer> closed(mOpen.back().mContainer);
+    mOpen.pop_back();
+    if (mObserver)
+        mObserver->ContainerEnded(*closed, GetPlace());
+    if (mOpen.empty())
+        mOutermost = std::move(closed);
+    else
+        mOpen.back().mContainer->AddChild(std::move(closed));
+}
+
+void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
+    FlushScratch();
+    mName = name;
+    std::unique_ptr<QLX_RawPropertyContainer> made(mFactory->MakeContainer(mName));
+    if (!made)
+        made.reset(mPlainFactory.MakeContainer(mName));
+    QLX_RawPropertyContainer& container = *made;
+    const bool plain = typeid(container) == typeid(QLX_RawPropertyContainer) && !made->IsFrozen();
+    mOpen.push_back({made.get(), plain});
+    made.release();
+    const QLX_PropertyFilter& filter = QLX_PropertyFilter::DefaultFilter();
+    for (; *attributes; attributes += 2) {
+        const bool isIdentifier = std::strcmp(attributes[0], kIdentifier) == 0;
+        if (plain) {
+            UseScratchFor(&container, filter);
+            mScratch.SetFromText(attributes[0],
+                                 isIdentifier ? qlx_PropType_IDType : qlx_PropType_String,
+                                 attributes[1]);
+        } else if (isIdentifier) {
+            container.SetIDTypeProperty(attributes[0], QLX_TextToIDType(attributes[1]), filter);
+        } else {
+            container.SetStringProperty(attributes[0], attributes[1], filter);
+        }
+    }
+    if (mObserver) {
+        FlushScratch();
+        mObserver->ContainerStarted(container, GetPlace());
+    }
+}
+
+void QLX_XMLParser::StartProperty(const char** attributes) {
+    if (mOpen.empty()) {
+        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept");
+        return;
+    }
+    const char* name = nullptr;
+    const char* type = nullptr;
+    const char* value = nullptr;
+    bool filtered = false;
+    for (const char** at = attributes; *at; at += 2) {
+        if (std::strcmp(at[0], "name") == 0)
+            name = at[1];
+        else if (std::strcmp(at[0], "type") == 0)
+            type = at[1];
+        else if (std::strcmp(at[0], "value") == 0)
+            value = at[1];
+        else
+            filtered = true;
+    }
+    if (!name || !type || !value) {
+        const char* const missing = !name ? "name" : !type ? "type" : "value";
+        AddProblem(QLX_SourceProblem::kWarning, std::string("a property without \"") + missing +
+                                                    "\" is not kept" +
+                                                    (name ? std::string(": ") + name : ""));
+        return;
+    }
+    StoreProperty(mOpen.back(), name, type, value,
+                  filtered ? FilterOf(attributes) : QLX_PropertyFilter::RootFilter());
+}
+
+void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, const char* type,
+                                  const char* value, const QLX_PropertyFilter& filter) {
+    const QLX_PropertyType known = QLX_FindPropertyType(type);
+    if (known == qlx_PropType_None)
+        AddProblem(QLX_SourceProblem::kWarning, std::string("the property \"") + name +
+                                                    "\" has the unknown type \"" + type +
+                                                    "\" and is not kept");
+    if (mObserver)
+        mObserver->PropertyMet(*open.mContainer, name, type, value, filter, GetPlace());
+    if (open.mPlain && known != qlx_PropType_None) {
+        UseScratchFor(open.mContainer, filter);
+        mScratch.SetFromText(name, known, value);
+        return;
+    }
+    // A subclass has its own say in every setter, and an unknown type its assertions.
+    mName = name;
+    mType = type;
+    mValue = value;
+    open.mContainer->SetProperty(mName, mType, mValue, filter);
+}
+
+const QLX_PropertyFilter& QLX_XMLParser::FilterOf(const char** attributes) {
+    const auto isOwn = [](const char* name) {
+        return std::strcmp(name, "name") == 0 || std::strcmp(name, "type") == 0 ||
+               std::strcmp(name, "value") == 0;
+    };
+    mFilterKey.clear();
+    for (const char** at = attributes; *at; at += 2) {
+        if (isOwn(at[0]))
+            continue;
+        // Neither byte can stand in an attribute.
+        mFilterKey += at[0];
+        mFilterKey += '\1';
+        mFilterKey += at[1];
+        mFilterKey += '\2';
+    }
+    if (mLastKnown >= mKnownFilters.size() || mKnownFilters[mLastKnown].mKey != mFilterKey) {
+        const auto found =
+            std::find_if(mKnownFilters.begin(), mKnownFilters.end(),
+                         [&](const KnownFilter& known) { return known.mKey == mFilterKey; });
+        mLastKnown = static_cast<std::size_t>(found - mKnownFilters.begin());
+        if (found == mKnownFilters.end()) {
+            std::map<std::string, std::string> map;
+            std::string foreign;
+            for (std::size_t i = 0; i < FILTER_HIERARCHY_SIZE; ++i)
+                map[QLX_GetFilterHierarchyName(i)].clear();
+            for (const char** at = attributes; *at; at += 2) {
+                if (isOwn(at[0]))
+                    continue;
+                if (!map.count(at[0]))
+                    foreign = at[0];
+                map[at[0]] = at[1];
+            }
+            std::string& language = map[QLX_GetFilterHierarchyName(1)];
+            if (language == QLX_Language::GetFileCode(QLX_Language::English))
+                language.clear();
+            KnownFilter known{mFilterKey, QLX_PropertyFilter(map), foreign};
+            if (known.mFilter == QLX_PropertyFilter::RootFilter())
+                known.mFilter = QLX_PropertyFilter::RootFilter();
+            if (mKnownFilters.size() < kMostKnownFilters) {
+                mKnownFilters.push_back(std::move(known));
+            } else {
+                mLastKnown = mNextReplaced++ % kMostKnownFilters;
+                mKnownFilters[mLastKnown] = std::move(known);
+            }
+        }
+    }
+    const KnownFilter& known = mKnownFilters[mLastKnown];
+    if (!known.mForeign.empty())
+        AddProblem(QLX_SourceProblem::kWarning,
+                   "the attribute \"" + known.mForeign + "\" is no filter's; no look-up sees it");
+    return known.mFilter;
+}
+
+/// Properties of one container and filter are gathered in a set that keeps its memory, and copied
+/// into the container in a piece of the right size.
+void QLX_XMLParser::UseScratchFor(QLX_RawPropertyContainer* container,
+                                  const QLX_PropertyFilter& filter) {
+    if (mScratchContainer == container && mScratchFilter.SharesMapWith(filter))
+        return;
+    FlushScratch();
+    mScratchContainer = container;
+    mScratchFilter = filter;
+}
+
+void QLX_XMLParser::FlushScratch() {
+    if (mScratch.IsEmpty())
+        return;
+    QLX_PropertySet& set = mScratchContainer->mFilterPropertyMap[mScratchFilter];
+    if (set.IsEmpty())
+        set = mScratch.CopyCompact();
+    else
+        set.Merge(mScratch);
+    mScratch.ClearKeepMemory();
+}
