@@ -147,6 +147,28 @@ struct Cmn_Rect {
     /// answers 0) and returns their number. Defined for int.
     int Subtract(const Cmn_Rect& cutter, Cmn_Rect* outP) const noexcept;
 
+    /// Subtract without the check, for loops.
+    constexpr int Cut(const Cmn_Rect& cutter, Cmn_Rect* pieces) const noexcept {
+        const Cmn_Rect source = *this; // the pieces may be written over both operands
+        const Cmn_Rect cut = cutter;
+        const T rowsTop = std::max(source.top, cut.top);
+        const T rowsBottom = std::min(source.bottom, cut.bottom);
+        int count = 0;
+        const auto keep = [&](const Cmn_Rect& piece) {
+            pieces[count] = piece;
+            count += piece.Empty() ? 0 : 1;
+        };
+        keep({source.left, source.top, source.right, std::min(source.bottom, cut.top)});
+        keep({source.left, rowsTop, std::min(source.right, cut.left), rowsBottom});
+        keep({std::max(source.left, cut.right), rowsTop, source.right, rowsBottom});
+        // Written only when it is kept: four pieces leave no place after them.
+        if (const Cmn_Rect below{source.left, std::max(source.top, cut.bottom), source.right,
+                                 source.bottom};
+            !below.Empty())
+            pieces[count++] = below;
+        return count;
+    }
+
   private:
     static constexpr T Length(T from, T to) noexcept {
         if constexpr (std::integral<T> && sizeof(T) < sizeof(std::int64_t))

@@ -6,6 +6,7 @@
 
 #include "basekit/cmn/cmn_failure.h"
 #include "basekit/cmn/cmn_memory.h"
+#include "basekit/cmn/cmn_memory.h"
 
 namespace {
 
@@ -46,6 +47,17 @@ void Cmn_RectList::Reserve(std::size_t capacity) {
         return;
     Cmn_Rect<int>* data = AllocateRects(capacity);
     CopyRects(data, mData, mSize);
+    if (!IsInline())
+        Release();
+    mData = data;
+    mCapacity = static_cast<std::uint32_t>(capacity);
+}
+
+// New memory in place of the old; the contents go.
+void Cmn_RectList::Replace(std::size_t capacity) {
+    const std::size_t ahead = IsInline() ? 0 : mCapacity + mCapacity / 2;
+    capacity = std::max(capacity, ahead);
+    Cmn_Rect<int>* data = AllocateRects(capacity);
     if (!IsInline())
         Release();
     mData = data;

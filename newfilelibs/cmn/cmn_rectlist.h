@@ -71,6 +71,12 @@ class QLX_API Cmn_RectList {
     void Assign(const Cmn_Rect<int>* rects, std::size_t count);
     /// Grows with empty rectangles or cuts the end off.
     void Resize(std::size_t count);
+    /// Any contents: for writing all of them. Grows ahead when it has grown before.
+    void ResizeForOverwrite(std::size_t count) {
+        if (count > mCapacity)
+            Replace(count);
+        mSize = static_cast<std::uint32_t>(count);
+    }
     /// Removes one and closes the gap.
     void Erase(std::size_t index) noexcept;
     /// Keeps its memory.
@@ -87,6 +93,7 @@ class QLX_API Cmn_RectList {
         return reinterpret_cast<const Cmn_Rect<int>*>(mInline);
     }
     void Release() noexcept;
+    void Replace(std::size_t capacity);
     void TakeFrom(Cmn_RectList& other) noexcept;
 
     Cmn_Rect<int>* mData = InlineData(); // owned unless it is mInline

@@ -1,212 +1,34 @@
 #include "newfilelibs/cmn/cmn_region.h"
 
-#include <algorithm>
-#include <deque>
-#include <vector>
-
 #include "newfilelibs/cmn/cmn_interval.h"
+#include "newfilelibs/cmn/cmn_rectindex.h"
+#include "newfilelibs/cmn/cmn_regionoperations.h"
 
 namespace {
 
-using Rects = std::vector<Cmn_Rect<int>>;
-
 using Rect = Cmn_Rect<int>;
 
-Rect Intersect(const Rect& a, const Rect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
+Rect Moved(const Rect& rect, int dx, int dy) noexcept {
+    return {Cmn_SaturatingAdd(rect.left, dx), Cmn_SaturatingAdd(rect.top, dy),
+            Cmn_SaturatingAdd(rect.right, dx), Cmn_SaturatingAdd(rect.bottom, dy)};
 }
 
-bool Overlap(const Rect& a, const Rect& b) {
-    const Rect both = Intersect(a, b);
-    return both.left < both.right && both.top < both.bottom;
+// Whether moving keeps the edge's distance to all others.
+bool FitsMoved(int low, int high, int delta) noexcept {
+    return delta < 0 ? low >= std::numeric_limits<int>::min() - delta
+                     : high <= std::numeric_limits<int>::max() - delta;
 }
 
-Rects Subtract(const Rect& source, const Rect& cutter) {
-    constexpr int low = std::numeric_limits<int>::min();
-    constexpr int high = std::numeric_limits<int>::max();
-    const Rect halves[] = {
-        {low, low, high, cutter.top},
-        {low, cutter.top, cutter.left, cutter.bottom},
-        {cutter.right, cutter.top, high, cutter.bottom},
-        {low, cutter.bottom, high, high},
-    };
-    Rects pieces;
-    for (const Rect& half : halves) {
-        if (Overlap(source, half))
-            pieces.push_back(Intersect(source, half));
-    }
-    return pieces;
+bool FitsMoved(const Rect& bounds, int dx, int dy) noexcept {
+    return FitsMoved(bounds.left, bounds.right, dx) && FitsMoved(bounds.top, bounds.bottom, dy);
 }
 
-bool MergeSideBySide(const Rect& i, const Rect& j, Rect& merged) {
-    if (i.top != j.top || i.bottom != j.bottom)
-        return false;
-    if (i.right == j.left)
-        merged = Rect(i.left, i.top, j.right, i.bottom);
-    else if (i.left == j.right)
-        merged = Rect(j.left, i.top, i.right, i.bottom);
-    else
-        return false;
-    return true;
+Rect Shrunk(const Rect& rect, int dx, int dy) noexcept {
+    const int left = Cmn_WrappingAdd(rect.left, dx);
+    const int top = Cmn_WrappingAdd(rect.top, dy);
+    return {left, top, std::max(left, Cmn_WrappingSubtract(rect.right, dx)),
+            std::max(top, Cmn_WrappingSubtract(rect.bottom, dy))};
 }
-
-bool MergeOneAboveOther(const Rect& i, const Rect& j, Rect& merged) {
-    if (i.left != j.left || i.right != j.right)
-        return false;
-    if (i.bottom == j.top)
-        merged = Rect(i.left, i.top, i.right, j.bottom);
-    else if (i.top == j.bottom)
-        merged = Rect(i.left, j.top, i.right, i.bottom);
-    else
-        return false;
-    return true;
-}
-
-template <class Merge>
-bool Sweep(Rects& rects, Merge merge) {
-    bool any = false;
-    for (std::size_t i = 0; i < rects.size(); ++i) {
-        for (std::size_t j = i + 1; j < rects.size(); ++j) {
-            Rect merged;
-            if (merge(rects[i], rects[j], merged)) {
-                rects.erase(rects.begin() + static_cast<std::ptrdiff_t>(j));
-                rects.erase(rects.begin() + static_cast<std::ptrdiff_t>(i));
-                rects.push_back(merged);
-                any = true;
-                break;
-            }
-        }
-    }
-    return any;
-}
-
-void Join(Rects& rects) {
-    if (rects.size() < 2)
-        return;
-    bool any = true;
-    while (any) {
-        any = Sweep(rects, MergeSideBySide);
-        any = Sweep(rects, MergeOneAboveOther) || any;
-    }
-    std::stable_sort(rects.begin(), rects.end(), [](const Rect& a, const Rect& b) {
-        return a.top != b.top ? a.top < b.top : a.left < b.left;
-    });
-}
-
-Rects Intersection(const Rects& a, const Rects& b, bool join) {
-    Rects result;
-    for (const Rect& one : a) {
-        for (const Rect& other : b) {
-            if (Overlap(one, other))
-                result.push_back(Intersect(one, other));
-        }
-    }
-    if (join)
-        Join(result);
-    return result;
-}
-
-Rects Union(const Rects& a, const Rects& b, bool join) {
-    if (a.empty() || b.empty())
-        return a.empty() ? b : a;
-    const bool thisIsLarger = a.size() > b.size();
-    const Rects& larger = thisIsLarger ? a : b;
-    const Rects& smaller = thisIsLarger ? b : a;
-
-    Rects result;
-    std::deque<Rect> pendingLarger;
-    Rects pendingSmaller;
-    std::vector<bool> marked(smaller.size());
-    for (const Rect& one : larger) {
-        bool overlaps = false;
-        for (std::size_t i = 0; i < smaller.size(); ++i) {
-            if (Overlap(one, smaller[i])) {
-                overlaps = true;
-                marked[i] = true;
-            }
-        }
-        if (overlaps)
-            pendingLarger.push_back(one);
-        else
-            result.push_back(one);
-    }
-    for (std::size_t i = 0; i < smaller.size(); ++i)
-        (marked[i] ? pendingSmaller : result).push_back(smaller[i]);
-
-    while (!pendingLarger.empty()) {
-        const Rect one = pendingLarger.front();
-        pendingLarger.pop_front();
-        const auto found =
-            std::find_if(pendingSmaller.begin(), pendingSmaller.end(),
-                         [&](const Rect& candidate) { return Overlap(one, candidate); });
-        if (found == pendingSmaller.end()) {
-            result.push_back(one);
-            continue;
-        }
-        const Rect other = *found;
-        const Rect both = Intersect(one, other);
-        result.push_back(both);
-        for (const Rect& piece : Subtract(one, both))
-            pendingLarger.push_back(piece);
-        pendingSmaller.erase(found);
-        for (const Rect& piece : Subtract(other, both))
-            pendingSmaller.push_back(piece);
-    }
-    result.insert(result.end(), pendingSmaller.begin(), pendingSmaller.end());
-    if (join)
-        Join(result);
-    return result;
-}
-
-Rects Difference(const Rects& a, const Rects& b, bool join) {
-    if (a.empty() || b.empty())
-        return a;
-    Rects result;
-    std::deque<Rect> pending;
-    const auto firstOverlapping = [&](const Rect& rect) {
-        return std::find_if(b.begin(), b.end(),
-                            [&](const Rect& cutter) { return Overlap(rect, cutter); });
-    };
-    for (const Rect& one : a) {
-        if (firstOverlapping(one) == b.end())
-            result.push_back(one);
-        else
-            pending.push_back(one);
-    }
-    while (!pending.empty()) {
-        const Rect one = pending.front();
-        pending.pop_front();
-        const auto cutter = firstOverlapping(one);
-        if (cutter == b.end()) {
-            result.push_back(one);
-            continue;
-        }
-        for (const Rect& piece : Subtract(one, *cutter))
-            pending.push_back(piece);
-    }
-    if (join)
-        Join(result);
-    return result;
-}
-
-Rects Inset(Rects rects, int dx, int dy) {
-    const auto wrap = [](std::int64_t value) {
-        return static_cast<int>(static_cast<std::uint32_t>(value));
-    };
-    for (std::size_t i = 0; i < rects.size(); ++i) {
-        Rect& rect = rects[i];
-        rect.left = wrap(std::int64_t{rect.left} + dx);
-        rect.top = wrap(std::int64_t{rect.top} + dy);
-        rect.right = std::max(wrap(std::int64_t{rect.right} - dx), rect.left);
-        rect.bottom = std::max(wrap(std::int64_t{rect.bottom} - dy), rect.top);
-        if (rect.left == rect.right || rect.top == rect.bottom)
-            rects.erase(rects.begin() + static_cast<std::ptrdiff_t>(i));
-    }
-    return rects;
-}
-
-Rects ToVector(const Cmn_RectList& list) { return {list.begin(), list.end()}; }
 
 } // namespace
 
@@ -218,45 +40,56 @@ Cmn_RegionCore<int>::Cmn_RegionCore(const Cmn_Rect<int>& rect) {
     mBounds = rect;
 }
 
-void Cmn_RegionCore<int>::Pass_Join() {
+// Binary operations
+
+void Cmn_RegionCore<int>::CopyList(const Cmn_RegionCore& other) {
+    mRects = other.mRects;
+    mKnown = other.mKnown;
     mFlags |= kFlag_BoundsStale;
-    if (mRects.size() < 2 || (mFlags & kFlag_NoJoining))
-        return;
-    Rects rects = ToVector(mRects);
-    Join(rects);
-    mRects.Assign(rects.data(), rects.size());
 }
 
-void Cmn_RegionCore<int>::Pass_SortRects() {
-    std::stable_sort(mRects.Edit(), mRects.Edit() + mRects.size(),
-                     [](const Rect& a, const Rect& b) {
-                         return a.top != b.top ? a.top < b.top : a.left < b.left;
-                     });
-}
-
-void Cmn_RegionCore<int>::AssignRects(const Cmn_Rect<int>* rects, std::size_t count) {
-    mRects.Assign(rects, count);
+// Takes the rectangles over and runs the joining pass on them.
+void Cmn_RegionCore<int>::FinishFrom(Cmn_UnjoinedRects& unjoined) {
+    mKnown = unjoined.mDisjoint ? std::uint32_t{kKnown_Disjoint} : 0;
+    if (unjoined.mRects.size() < 2 || (mFlags & kFlag_NoJoining)) {
+        mRects.Assign(unjoined.mRects.data(), unjoined.mRects.size());
+    } else {
+        Cmn_JoinRects(unjoined, mRects);
+        mKnown |= unjoined.mDisjoint ? kKnown_Joined : 0U;
+    }
     mFlags |= kFlag_BoundsStale;
 }
 
 void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
-    const Rects rects = ::Union(ToVector(mRects), ToVector(other.mRects), false);
-    result.AssignRects(rects.data(), rects.size());
-    if (!IsEmpty() && !other.IsEmpty())
-        result.Pass_Join();
+    if (IsEmpty() || other.IsEmpty()) {
+        result.CopyList(IsEmpty() ? other : *this);
+        return;
+    }
+    const bool thisIsLarger = mRects.size() > other.mRects.size();
+    Cmn_UnjoinedRects unjoined;
+    Cmn_UniteRects(Cmn_RectOperand(thisIsLarger ? *this : other),
+                   Cmn_RectOperand(thisIsLarger ? other : *this), unjoined);
+    result.FinishFrom(unjoined);
+}
+
+void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
+    Union(*this, other); // an operation reads its operands before it writes
 }
 
 void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
-    const Rects rects = ::Intersection(ToVector(mRects), ToVector(other.mRects), false);
-    result.AssignRects(rects.data(), rects.size());
-    result.Pass_Join();
+    Cmn_UnjoinedRects unjoined;
+    Cmn_IntersectRects(Cmn_RectOperand(*this), Cmn_RectOperand(other), unjoined);
+    result.FinishFrom(unjoined);
 }
 
 void Cmn_RegionCore<int>::Difference(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
-    const Rects rects = ::Difference(ToVector(mRects), ToVector(other.mRects), false);
-    result.AssignRects(rects.data(), rects.size());
-    if (!IsEmpty() && !other.IsEmpty())
-        result.Pass_Join();
+    if (other.IsEmpty() || IsEmpty()) {
+        result.CopyList(*this);
+        return;
+    }
+    Cmn_UnjoinedRects unjoined;
+    Cmn_SubtractRects(Cmn_RectOperand(*this), Cmn_RectOperand(other), unjoined);
+    result.FinishFrom(unjoined);
 }
 
 void Cmn_RegionCore<int>::Xor(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
@@ -269,21 +102,55 @@ void Cmn_RegionCore<int>::Xor(Cmn_RegionCore& result, const Cmn_RegionCore& othe
     either.Difference(result, both);
 }
 
+// Joining
+
+void Cmn_RegionCore<int>::Pass_Join() {
+    mFlags |= kFlag_BoundsStale;
+    if (mRects.size() < 2 || (mFlags & kFlag_NoJoining))
+        return;
+    Cmn_UnjoinedRects unjoined;
+    unjoined.mRects.Append(mRects.data(), mRects.size());
+    unjoined.mDisjoint = IsKnown(kKnown_Disjoint);
+    FinishFrom(unjoined);
+}
+
+void Cmn_RegionCore<int>::Pass_SortRects() {
+    Cmn_SortRects(mRects.data(), mRects.size(), 0, mRects);
+}
+
+// Changes
+
 void Cmn_RegionCore<int>::Offset(int dx, int dy) noexcept {
-    const auto move = [dx, dy](const Rect& rect) {
-        return Rect(Cmn_SaturatingAdd(rect.left, dx), Cmn_SaturatingAdd(rect.top, dy),
-                    Cmn_SaturatingAdd(rect.right, dx), Cmn_SaturatingAdd(rect.bottom, dy));
-    };
+    if (!FitsMoved(Cmn_RectScan::BoundsOf(mRects.data(), mRects.size()), dx, dy))
+        mKnown = 0;
     Rect* rects = mRects.Edit();
     for (std::size_t i = 0; i < mRects.size(); ++i)
-        rects[i] = move(rects[i]);
+        rects[i] = Moved(rects[i], dx, dy);
     if (!(mFlags & kFlag_BoundsStale) && !mBounds.Empty())
-        mBounds = move(mBounds);
+        mBounds = Moved(mBounds, dx, dy);
 }
 
 void Cmn_RegionCore<int>::Inset(int dx, int dy) noexcept {
-    const Rects rects = ::Inset(ToVector(mRects), dx, dy);
-    AssignRects(rects.data(), rects.size());
+    // Growing makes rectangles overlap, and so may wrapping edges.
+    const Rect bounds = Cmn_RectScan::BoundsOf(mRects.data(), mRects.size());
+    if (dx < 0 || dy < 0 || !FitsMoved(bounds, dx, dy) || !FitsMoved(bounds, -dx, -dy))
+        mKnown = 0;
+    Rect* rects = mRects.Edit();
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < mRects.size(); ++i) {
+        const Rect shrunk = Shrunk(rects[i], dx, dy);
+        if (!shrunk.Empty()) {
+            rects[kept++] = shrunk;
+            continue;
+        }
+        mKnown &= ~std::uint32_t{kKnown_Joined};
+        // Deliberate: the one that moves up into the removed one's place is passed over and keeps
+        // its size. Callers rely on the resulting lists.
+        if (++i < mRects.size())
+            rects[kept++] = rects[i];
+    }
+    mRects.Resize(kept);
+    mFlags |= kFlag_BoundsStale;
 }
 
 void Cmn_RegionCore<int>::OffsetWithin(int dx, int dy, const Cmn_Rect<int>& within) {
@@ -293,7 +160,7 @@ void Cmn_RegionCore<int>::OffsetWithin(int dx, int dy, const Cmn_Rect<int>& with
     Intersection(inside, window);
     Difference(outside, window);
     if (inside.IsEmpty()) {
-        *this = outside;
+        *this = std::move(outside);
         return;
     }
     inside.Offset(dx, dy);
@@ -301,15 +168,19 @@ void Cmn_RegionCore<int>::OffsetWithin(int dx, int dy, const Cmn_Rect<int>& with
     inside.Intersection(moved, window);
     Cmn_RegionCore result;
     outside.Union(result, moved);
-    *this = result;
+    *this = std::move(result);
     mFlags |= kFlag_BoundsStale;
 }
 
-void Cmn_RegionCore<int>::Clear() noexcept {
-    mRects.Clear();
-    mBounds = Rect();
-    mFlags = 0;
+void Cmn_RegionCore<int>::Clear() noexcept { *this = Cmn_RegionCore(); }
+
+void Cmn_RegionCore<int>::AssignRects(const Cmn_Rect<int>* rects, std::size_t count) {
+    mRects.Assign(rects, count);
+    mKnown = 0;
+    mFlags |= kFlag_BoundsStale;
 }
+
+// Queries
 
 void Cmn_RegionCore<int>::GetBounds(Cmn_Rect<int>& bounds) const noexcept {
     if (!(mFlags & kFlag_BoundsStale)) {
@@ -320,27 +191,20 @@ void Cmn_RegionCore<int>::GetBounds(Cmn_Rect<int>& bounds) const noexcept {
         bounds = Rect();
         return;
     }
-    bounds = mRects[0];
-    for (const Rect& rect : mRects)
-        bounds |= rect;
-    mBounds = bounds;
+    mBounds = Cmn_RectScan::BoundsOf(mRects.data(), mRects.size());
     mFlags &= ~std::uint32_t{kFlag_BoundsStale};
+    bounds = mBounds;
 }
 
 bool Cmn_RegionCore<int>::ContainsPoint(const Cmn_Point<int>& point) const noexcept {
-    for (const Rect& rect : mRects) {
-        if (rect.Contains(point))
-            return true;
-    }
-    return false;
+    constexpr int last = std::numeric_limits<int>::max();
+    return point.x != last && point.y != last &&
+           ContainsRect({point.x, point.y, point.x + 1, point.y + 1});
 }
 
 bool Cmn_RegionCore<int>::ContainsRect(const Cmn_Rect<int>& rect) const noexcept {
-    for (const Rect& one : mRects) {
-        if (one.Overlaps(rect))
-            return true;
-    }
-    return false;
+    const Cmn_RectIndexView view{mRects.data(), mRects.size()};
+    return view.FindFirst(rect, 0) < view.mCount;
 }
 
 Cmn_RegionImpl<int>::~Cmn_RegionImpl() = default;

@@ -14,6 +14,8 @@
 #include <new>
 #include <utility>
 
+struct Cmn_UnjoinedRects;
+
 template <class T>
 class Cmn_RegionCore;
 template <class T>
@@ -44,6 +46,9 @@ class QLX_API Cmn_RegionCore<int> {
     /// This without the other; with an empty other a copy of this one's list.
     void Difference(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
     void Xor(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
+
+    /// Union into this core itself, with the same list as the one above.
+    void UniteWith(const Cmn_RegionCore& other);
 
     // Changes
 
@@ -94,6 +99,20 @@ class QLX_API Cmn_RegionCore<int> {
     Cmn_RectList mRects;
     mutable Cmn_Rect<int> mBounds;
     mutable std::uint32_t mFlags = 0;
+
+  private:
+    // What is known of the list besides, so that operations need not find it out again.
+    enum EKnown : std::uint32_t {
+        kKnown_Disjoint = 1, // no two rectangles overlap and none is empty
+        kKnown_Joined = 2    // and no two are to be merged, and they are sorted
+    };
+
+    [[nodiscard]] bool IsKnown(EKnown what) const noexcept { return (mKnown & what) != 0; }
+    void CopyList(const Cmn_RegionCore& other);
+    void FinishFrom(Cmn_UnjoinedRects& unjoined);
+    friend struct Cmn_RectOperand;
+
+    std::uint32_t mKnown = kKnown_Disjoint | kKnown_Joined;
 };
 
 /// A shared core. Not changed any more once the operation that built it has returned.
@@ -119,8 +138,9 @@ class QLX_API Cmn_RegionImpl<int> : public Cmn_RefCountObject {
 /// A region without an implementation (moved from, or made when memory ran out) acts as an empty
 /// one, and its queries report it as a trace assertion.
 ///
-/// Impl derives from Cmn_RegionImpl<T> and offers `bool ImplQuery(int selector, void** io)` and a
-/// static `Impl* GetSharedEmpty()`.
+/// Impl derives from Cmn_RegionImpl<T> and offers `bool ImplQuery(int selector, void** io)`,
+/// `bool MayChange()` (nothing beside the core would have to follow) and a static
+/// `Impl* GetSharedEmpty()`.
 template <class T, class Impl>
 class Cmn_Region {
   public:
@@ -195,6 +215,9 @@ class Cmn_Region {
     }
     [[nodiscard]] static Cmn_RefCountPtr<Impl> NewImpl();
     [[nodiscard]] bool OwnImpl() const;
+    [[nodiscard]] bool IsOnlyOwner() const noexcept;
+    Cmn_Region& UniteWith(const Cmn_RegionCore<T>& other);
+    static void Finish(Cmn_RegionCore<T>& core) noexcept;
     template <class Operation>
     [[nodiscard]] static Cmn_Region Make(Operation operation);
 

@@ -28,17 +28,21 @@ Cmn_RefCountPtr<Impl> Cmn_Region<T, Impl>::NewImpl() {
     return impl;
 }
 
+// What readers would compute on demand is computed now: regions are read from any thread.
+template <class T, class Impl>
+void Cmn_Region<T, Impl>::Finish(Cmn_RegionCore<T>& core) noexcept {
+    Cmn_Rect<T> bounds;
+    core.GetBounds(bounds);
+}
+
 template <class T, class Impl>
 template <class Operation>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Make(Operation operation) {
     Cmn_RefCountPtr<Impl> impl = NewImpl();
     if (!impl)
         return Cmn_Region();
-    Cmn_RegionCore<T>& core = impl->EditCore();
-    operation(core);
-    // Filled now, so that no reader has to: regions are read from any thread.
-    Cmn_Rect<T> bounds;
-    core.GetBounds(bounds);
+    operation(impl->EditCore());
+    Finish(impl->EditCore());
     return Cmn_Region(std::move(impl));
 }
 
@@ -93,14 +97,29 @@ Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Copy() const {
 }
 
 template <class T, class Impl>
-Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Region& other) {
-    mImpl = Union(other).mImpl;
+bool Cmn_Region<T, Impl>::IsOnlyOwner() const noexcept {
+    return mImpl && mImpl->GetReferenceCount() == 1 && mImpl->MayChange();
+}
+
+template <class T, class Impl>
+Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_RegionCore<T>& other) {
+    if (!IsOnlyOwner()) {
+        mImpl = Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other); }).mImpl;
+        return *this;
+    }
+    mImpl->EditCore().UniteWith(other);
+    Finish(mImpl->EditCore());
     return *this;
 }
 
 template <class T, class Impl>
+Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Region& other) {
+    return UniteWith(other.GetCore());
+}
+
+template <class T, class Impl>
 Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Rect<T>& rect) {
-    return UniteWith(Cmn_Region(rect));
+    return UniteWith(Cmn_RegionCore<T>(rect));
 }
 
 template <class T, class Impl>

@@ -32,6 +32,9 @@ class QLX_API QLX_RegionImpl_HRGN : public Cmn_RegionImpl<int> {
     /// Running out of memory raises -108 and changes nothing.
     virtual bool ImplQuery(int selector, void** io);
 
+    /// Whether the core may be changed while nobody shares it: there is no handle to go out of
+    /// step.
+    [[nodiscard]] bool MayChange() const noexcept { return mHandle == nullptr; }
     [[nodiscard]] bool HasHandle() const noexcept { return mHandle != nullptr; }
     /// What empty regions share; never ends and never holds a handle.
     [[nodiscard]] static QLX_RegionImpl_HRGN* GetSharedEmpty() noexcept;

@@ -1,0 +1,94 @@
+// "Which is the first rectangle of a list that overlaps this one?", asked many times. Every eight
+// rectangles of the list have a bounding box and every eight boxes another, in list order, so a
+// search goes down the list and leaves out what lies elsewhere. Lists of regions are sorted by top,
+// which makes eight neighbours a flat strip: of n rectangles spread evenly some sqrt(n) are looked
+// at.
+#pragma once
+
+#include "newfilelibs/cmn/cmn_rectscan.h"
+#include "newfilelibs/cmn/cmn_scratch.h"
+
+/// A list and its boxes, none of it owned. Without boxes every rectangle is looked at.
+struct Cmn_RectIndexView {
+    static constexpr std::size_t kBlock = 8;  ///< rectangles a box
+    static constexpr std::size_t kGroup = 64; ///< rectangles a box of boxes
+    /// Shorter lists are searched as fast without boxes.
+    static constexpr std::size_t kWorthwhile = 24;
+
+    const Cmn_Rect<int>* mRects = nullptr;
+    std::size_t mCount = 0;
+    const Cmn_Rect<int>* mBlocks = nullptr;
+    const Cmn_Rect<int>* mGroups = nullptr;
+
+    [[nodiscard]] static constexpr std::size_t BlockCount(std::size_t count) noexcept {
+        return (count + kBlock - 1) / kBlock;
+    }
+    [[nodiscard]] static constexpr std::size_t GroupCount(std::size_t count) noexcept {
+        return (count + kGroup - 1) / kGroup;
+    }
+    /// Fills the boxes of a whole list: BlockCount(count) and GroupCount(count) of them.
+    static void FillBoxes(const Cmn_Rect<int>* rects, std::size_t count, Cmn_Rect<int>* blocks,
+                          Cmn_Rect<int>* groups) noexcept;
+
+    /// The first index from `from` on whose rectangle overlaps the probe with positive area, or the
+    /// count.
+    [[nodiscard]] std::size_t FindFirst(const Cmn_Rect<int>& probe,
+                                        std::size_t from) const noexcept {
+        if (probe.Empty())
+            return mCount;
+        const Cmn_RectScan::OverlapProbe scan(probe);
+        // The scan takes a flat rectangle inside the probe for an overlap; such ones are passed
+        // over.
+        while ((from = Search(scan, from)) < mCount && mRects[from].Empty())
+            ++from;
+        return from;
+    }
+
+  private:
+    [[nodiscard]] std::size_t Search(const Cmn_RectScan::OverlapProbe& scan,
+                                     std::size_t from) const noexcept {
+        return mBlocks ? SearchBoxes(scan, from)
+                       : Cmn_RectScan::FindFirst(scan, mRects, from, mCount);
+    }
+    [[nodiscard]] std::size_t SearchBoxes(const Cmn_RectScan::OverlapProbe& scan,
+                                          std::size_t from) const noexcept;
+    [[nodiscard]] std::size_t SearchBlocks(const Cmn_RectScan::OverlapProbe& scan,
+                                           std::size_t block, std::size_t endBlock) const noexcept;
+};
+
+/// Boxes for a list that stays as it is while they are used.
+class Cmn_RectIndex {
+  public:
+    Cmn_RectIndex(const Cmn_Rect<int>* rects, std::size_t count);
+    [[nodiscard]] const Cmn_RectIndexView& View() const noexcept { return mView; }
+
+  private:
+    Cmn_Scratch<Cmn_Rect<int>, 32> mBoxes;
+    Cmn_RectIndexView mView;
+};
+
+/// Rectangles in order that are appended and removed while the first overlapping one is asked for.
+/// Indices stay: a removed rectangle leaves a place that overlaps nothing.
+class Cmn_PendingRects {
+  public:
+    void Append(const Cmn_Rect<int>& rect);
+    void Remove(std::size_t index) noexcept;
+    [[nodiscard]] std::size_t size() const noexcept { return mRects.size(); }
+    [[nodiscard]] const Cmn_Rect<int>& operator[](std::size_t index) const noexcept {
+        return mRects[index];
+    }
+    [[nodiscard]] bool IsRemoved(std::size_t index) const noexcept {
+        return mRects[index] == Cmn_RectScan::kNowhere;
+    }
+    [[nodiscard]] std::size_t FindFirst(const Cmn_Rect<int>& probe,
+                                        std::size_t from) const noexcept;
+
+  private:
+    void FillBoxes();
+    void RefreshBlock(std::size_t block) noexcept;
+    void RefreshGroup(std::size_t group) noexcept;
+
+    Cmn_Scratch<Cmn_Rect<int>, 48> mRects;
+    Cmn_Scratch<Cmn_Rect<int>, 16> mBlocks;
+    Cmn_Scratch<Cmn_Rect<int>, 4> mGroups;
+};
