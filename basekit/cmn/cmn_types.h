@@ -26,8 +26,12 @@
 #define QLX_API_TEMPLATE __attribute__((visibility("default")))
 #endif
 
+/// A four-character code. The name changes nothing for the compiler; debuggers show such a value as
+/// its characters.
+using Cmn_ID = std::uint32_t;
+
 /// A four-character code as a number: the first character is the most significant byte.
-[[nodiscard]] constexpr std::uint32_t Cmn_FourChar(const char (&text)[5]) noexcept {
+[[nodiscard]] constexpr Cmn_ID Cmn_FourChar(const char (&text)[5]) noexcept {
     std::uint32_t code = 0;
     for (int i = 0; i < 4; ++i)
         code = code << 8 | static_cast<unsigned char>(text[i]);
