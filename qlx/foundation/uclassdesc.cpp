@@ -1,12 +1,12 @@
 #include "qlx/foundation/uclassdesc.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <new>
 
 #include "basekit/cmn/cmn_failure.h"
 #include "basekit/cmn/cmn_memory.h"
 #include "basekit/cmn/cmn_trace.h"
+#include "basekit/sys/sys_file.h"
 
 CIterator::~CIterator() = default;
 
@@ -138,17 +138,22 @@ void CBaseClassIterator::Advance() {
 }
 
 void ClassDesc::DumpClassHierarchy() {
-    std::FILE* file = std::fopen("class_hierarchy.txt", "w");
-    if (!file)
-        return;
+    std::string text;
     for (const ClassDesc* d = fgClassDescList; d; d = d->mNext) {
-        std::fputs(d->mClassName.c_str(), file);
+        text += d->mClassName;
         char separator = ':';
-        for (const ClassDesc* base = d->mBase; base; base = base->mBase) {
-            std::fprintf(file, "%c%s", separator, base->mClassName.c_str());
+        CBaseClassIterator ancestors(d);
+        for (ancestors.Advance(); ancestors.More(); ancestors.Advance()) {
+            text += separator;
+            text += ancestors.CurrentClassDesc()->GetClassName();
             separator = ',';
         }
-        std::fputc('\n', file);
+        text += '\n';
     }
-    std::fclose(file);
+    const Sys_FileLoc file = Sys_FileLoc::ApplicationFolder().GetChild("class_hierarchy.txt");
+    try {
+        Sys_SafeWriter::Replace(file, text);
+    } catch (const Sys_FileError& error) {
+        Cmn_Trace(kTrace_Files, "%s", error.what());
+    }
 }
