@@ -1,0 +1,276 @@
+#include "qlx/views/uapplication.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "basekit/cmn/cmn_string.h"
+#include "basekit/cmn/cmn_trace.h"
+#include "basekit/sys/sys_clock.h"
+#include "qlx/views/ubehavior.h"
+#include "qlx/views/ucommand.h"
+#include "qlx/views/ucommandmanager.h"
+#include "qlx/views/uevent.h"
+#include "qlx/views/ustguard.h"
+
+QLX_DEFINE_CLASS(TApplication, TCommandHandler)
+
+TApplication* gApplication = nullptr;
+
+bool TApplication::sMacAppKeyDownHandled = true;
+std::vector<TEventHandler*> TApplication::sTargetHandlingEventStack;
+
+namespace {
+
+TEventHandler* sPreMenuLoopTarget = nullptr; // not owned
+
+} // namespace
+
+TEventHandler* TApplicationData::GetPreMenuLoopTarget() { return sPreMenuLoopTarget; }
+
+void TApplicationData::SetPreMenuLoopTarget(TEventHandler* handler) {
+    sPreMenuLoopTarget = handler;
+}
+
+TApplication::TApplication() : mPrevious(std::exchange(gApplication, this)) {
+    sTargetHandlingEventStack.reserve(16);
+}
+
+TApplication::~TApplication() {
+    DropPosted();
+    for (TApplication** application = &gApplication; *application;
+         application = &(*application)->mPrevious) {
+        if (*application == this) {
+            *application = mPrevious;
+            break;
+        }
+    }
+}
+
+// Target
+
+void TApplication::SetTarget(TEventHandler* handler) {
+    TEventHandler* const next = handler ? handler : this;
+    TEventHandler* const old = GetTarget();
+    if (next == old)
+        return;
+    mTarget = next == this ? nullptr : next;
+    const StGuard self(this);
+    old->ResignedTarget();
+    // The old target may have made yet another one the target, or have freed the new one.
+    if (self && GetTarget() == next)
+        next->BecameTarget();
+}
+
+void TApplication::ForgetHandler(TEventHandler* handler) {
+    for (TApplication* application = gApplication; application;
+         application = application->mPrevious) {
+        if (application->mTarget == handler)
+            application->mTarget = nullptr;
+        if (!application->mPosted.empty())
+            application->ForgetPosted(handler);
+    }
+    std::replace(sTargetHandlingEventStack.begin(), sTargetHandlingEventStack.end(), handler,
+                 static_cast<TEventHandler*>(nullptr));
+    if (sPreMenuLoopTarget == handler)
+        sPreMenuLoopTarget = nullptr;
+    ForgetIdleWish(handler);
+}
+
+// Keys
+
+/// A key down on its way: the stack entry and the flag, restored on every way out.
+class TApplication::StKeyDown {
+  public:
+    StKeyDown() {
+        sTargetHandlingEventStack.push_back(nullptr);
+        sMacAppKeyDownHandled = true;
+    }
+    ~StKeyDown() {
+        sMacAppKeyDownHandled = true;
+        if (!sTargetHandlingEventStack.empty())
+            sTargetHandlingEventStack.pop_back();
+    }
+    StKeyDown(const StKeyDown&) = delete;
+    StKeyDown& operator=(const StKeyDown&) = delete;
+};
+
+void TApplication::ClearFromTargetHandlingEventStack(TEventHandler* handler) {
+    const auto entry =
+        std::find(sTargetHandlingEventStack.begin(), sTargetHandlingEventStack.end(), handler);
+    if (entry != sTargetHandlingEventStack.end())
+        *entry = nullptr;
+}
+
+void TApplication::LogCommandKey(const TToolboxEvent& event) {
+    TEventHandler* const handler =
+        sTargetHandlingEventStack.empty() ? nullptr : sTargetHandlingEventStack.back();
+    if (!handler)
+        return;
+    const std::uint32_t code = event.mCharacterCode;
+    Cmn_Trace(kTrace_CommandKeys, "Command Key %c(%x) handled by %s %s",
+              code >= 0x20 && code < 0x7F ? static_cast<int>(code) : '?',
+              static_cast<unsigned>(code), handler->GetClassDescDynamic()->GetClassName().c_str(),
+              Cmn_IDToString(handler->GetIdentifier()).c_str());
+}
+
+bool TApplication::HandleKeyDownEvent(TToolboxEvent* event) {
+    if (!event)
+        return false;
+    const StGuard self(this);
+    EndIdleTime();
+    if (self)
+        GetTarget()->KeyEventToComponents(event);
+    bool isHandled = false;
+    if (self) {
+        const StKeyDown keyDown;
+        const bool isCommandKey = event->IsCommandKeyPressed();
+        if (isCommandKey)
+            GetTarget()->HandleCommandKey(event);
+        else
+            GetTarget()->HandleKeyCommand(event);
+        isHandled = sMacAppKeyDownHandled;
+        if (isCommandKey && isHandled && Cmn_TraceIsEnabled(kTrace_CommandKeys))
+            LogCommandKey(*event);
+    }
+    if (self)
+        RescheduleTimers();
+    return isHandled;
+}
+
+void TApplication::HandleKeyUpEvent(TToolboxEvent* event) {
+    if (!event)
+        return;
+    const StGuard self(this);
+    EndIdleTime();
+    if (self)
+        GetTarget()->KeyEventToComponents(event);
+    if (self)
+        GetTarget()->HandleKeyUp(event);
+}
+
+// Menu commands
+
+void TApplication::BeginMenuLoop() { TApplicationData::SetPreMenuLoopTarget(GetTarget()); }
+
+void TApplication::EndMenuLoop() { TApplicationData::SetPreMenuLoopTarget(nullptr); }
+
+void TApplication::SendMenuCommand(std::int32_t command) {
+    TEventHandler* const target = TApplicationData::GetPreMenuLoopTarget();
+    (target ? target : GetTarget())->HandleMenuCommand(command);
+}
+
+void TApplication::SetUndoText(bool done, TCommand* command) {
+    StScratchText name;
+    if (command)
+        command->GetCommandName(&*name);
+    StScratchText text;
+    *text = done ? "Undo" : "Redo";
+    if (!name->empty())
+        text->append(" ").append(*name);
+    TCommandManager::SetCommandName(kCommand_Undo, *text);
+}
+
+// Activities
+
+void TApplication::ActivityStarted(const std::string&) {}
+void TApplication::ActivityEnded(const std::string&) {}
+
+std::int32_t TApplication::StCommandValidator::sValidateCount = 0;
+std::string TApplication::StCommandValidator::sCmdName;
+
+TApplication::StCommandValidator::StCommandValidator(const std::string& commandName) {
+    if (sValidateCount++ != 0)
+        return;
+    sCmdName = commandName;
+    if (gApplication)
+        gApplication->ActivityStarted("performing " + sCmdName);
+}
+
+TApplication::StCommandValidator::~StCommandValidator() {
+    if (sValidateCount <= 0 || --sValidateCount != 0 || !gApplication)
+        return;
+    try {
+        gApplication->ActivityEnded("performing " + sCmdName);
+    } catch (...) {
+        ReportSafely("activity end");
+    }
+}
+
+namespace {
+
+constexpr std::size_t kScratchTexts = 8;
+constexpr std::size_t kLargestScratchText = 4096;
+
+std::vector<std::string>& ScratchTexts() {
+    static auto* const texts = [] {
+        auto* const made = new std::vector<std::string>;
+        made->reserve(kScratchTexts);
+        return made;
+    }();
+    return *texts;
+}
+
+} // namespace
+
+TApplication::StScratchText::StScratchText() {
+    std::vector<std::string>& texts = ScratchTexts();
+    if (texts.empty())
+        return;
+    mText = std::move(texts.back());
+    texts.pop_back();
+}
+
+TApplication::StScratchText::~StScratchText() {
+    std::vector<std::string>& texts = ScratchTexts();
+    if (texts.size() == kScratchTexts || mText.capacity() > kLargestScratchText)
+        return;
+    mText.clear();
+    texts.push_back(std::move(mText));
+}
+
+TApplication::StActivity::StActivity(const char* verb, const std::string& name) {
+    if (!gApplication)
+        return;
+    mText->append(verb).append(name);
+    gApplication->ActivityStarted(*mText);
+    mIsOpen = true;
+}
+
+TApplication::StActivity::~StActivity() {
+    if (!mIsOpen)
+        return;
+    try {
+        End();
+    } catch (...) {
+        ReportSafely("activity end");
+    }
+}
+
+void TApplication::StActivity::End() {
+    if (std::exchange(mIsOpen, false) && gApplication)
+        gApplication->ActivityEnded(*mText);
+}
+
+// Exceptions that nobody above could do anything about
+
+void TApplication::ReportException(const char* where, std::exception_ptr exception) {
+    try {
+        std::rethrow_exception(exception);
+    } catch (const std::exception& x) {
+        Cmn_TraceWrite("EXCEPTION in %s, x.what()=%s", where, x.what());
+    } catch (...) {
+        Cmn_TraceWrite("EXCEPTION in %s", where);
+    }
+}
+
+void TApplication::ReportSafely(const char* where) {
+    const std::exception_ptr exception = std::current_exception();
+    try {
+        if (gApplication)
+            gApplication->ReportException(where, exception);
+        else
+            Cmn_TraceWrite("EXCEPTION in %s", where);
+    } catch (...) {
+        Cmn_TraceWrite("EXCEPTION in %s, and in reporting it", where);
+    }
+}
