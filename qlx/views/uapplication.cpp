@@ -148,6 +148,14 @@ void TApplication::HandleKeyUpEvent(TToolboxEvent* event) {
         GetTarget()->HandleKeyUp(event);
 }
 
+bool TApplication::DeliverKeyDown(TToolboxEvent* event) {
+    return HandleKeyDownEvent(event);
+}
+
+void TApplication::DeliverKeyUp(TToolboxEvent* event) {
+    HandleKeyUpEvent(event);
+}
+
 // Menu commands
 
 void TApplication::BeginMenuLoop() { TApplicationData::SetPreMenuLoopTarget(GetTarget()); }

@@ -43,6 +43,10 @@ class QLX_API TApplication : public TCommandHandler {
     /// True when some handler consumed it.
     bool HandleKeyDownEvent(TToolboxEvent* event);
     void HandleKeyUpEvent(TToolboxEvent* event);
+    /// The road of a key as the event loop sends it. True when somebody took it.
+    bool DeliverKeyDown(TToolboxEvent* event);
+    void DeliverKeyUp(TToolboxEvent* event);
+
     /// Writes the handler into the innermost entry of sTargetHandlingEventStack, if there is one.
     static void SetTargetHandlingEvent(TEventHandler* handler) {
         if (!sTargetHandlingEventStack.empty())
