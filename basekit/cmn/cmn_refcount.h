@@ -55,6 +55,9 @@ class Cmn_RefCountPtr {
     template <class U>
     requires std::is_convertible_v<U*, T*> Cmn_RefCountPtr(const Cmn_RefCountPtr<U>& other)
     noexcept : mObject(other.Get()) { Add(); }
+    template <class U>
+    requires std::is_convertible_v<U*, T*> Cmn_RefCountPtr(Cmn_RefCountPtr<U>&& other)
+    noexcept : mObject(other.Detach()) {}
     ~Cmn_RefCountPtr() { Remove(); }
 
     Cmn_RefCountPtr& operator=(Cmn_RefCountPtr other) noexcept {
@@ -67,6 +70,8 @@ class Cmn_RefCountPtr {
     T& operator*() const noexcept { return *mObject; }
     explicit operator bool() const noexcept { return mObject != nullptr; }
     void Reset() noexcept { *this = Cmn_RefCountPtr(); }
+    /// Hands the object over together with this pointer's reference, and points at nothing.
+    [[nodiscard]] T* Detach() noexcept { return std::exchange(mObject, nullptr); }
 
     friend bool operator==(const Cmn_RefCountPtr& a, const Cmn_RefCountPtr& b) noexcept {
         return a.mObject == b.mObject;
@@ -113,6 +118,9 @@ class Cmn_AliasedRefCountPtr {
     template <class U>
     requires std::is_convertible_v<U*, T*> Cmn_AliasedRefCountPtr(const Cmn_RefCountPtr<U>& other)
     noexcept : mObject(other.Get()), mOwner(other.Get()) { Add(); }
+    template <class U>
+    requires std::is_convertible_v<U*, T*> Cmn_AliasedRefCountPtr(Cmn_RefCountPtr<U>&& other)
+    noexcept : mObject(other.Get()), mOwner(other.Detach()) {}
     ~Cmn_AliasedRefCountPtr() {
         if (mOwner)
             mOwner->RemoveReference();

@@ -1,5 +1,6 @@
 #include "basekit/cmn/cmn_trace.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -11,8 +12,9 @@ void WriteToStandardError(const char* line) {
     std::fputc('\n', stderr);
 }
 
-std::uint64_t sEnabledChannels = 0;
-Cmn_TraceSink sSink = &WriteToStandardError;
+// Any thread may trace; what reaches the sink from several at once is the sink's to order.
+constinit std::atomic<std::uint64_t> sEnabledChannels{0};
+constinit std::atomic<Cmn_TraceSink> sSink{&WriteToStandardError};
 
 bool IsChannel(int channel) { return channel >= 0 && channel < kTrace_ChannelCount; }
 
@@ -24,9 +26,9 @@ void FormatAndWrite(const char* format, std::va_list arguments) {
     if (length >= static_cast<int>(sizeof shortLine)) {
         std::string longLine(static_cast<std::size_t>(length), '\0');
         std::vsnprintf(longLine.data(), longLine.size() + 1, format, again);
-        sSink(longLine.c_str());
+        sSink.load()(longLine.c_str());
     } else if (length >= 0) {
-        sSink(shortLine);
+        sSink.load()(shortLine);
     }
     va_end(again);
 }
@@ -37,11 +39,15 @@ void Cmn_TraceEnable(int channel, bool on) {
     if (!IsChannel(channel))
         return;
     const std::uint64_t bit = std::uint64_t{1} << channel;
-    sEnabledChannels = on ? sEnabledChannels | bit : sEnabledChannels & ~bit;
+    if (on)
+        sEnabledChannels.fetch_or(bit, std::memory_order_relaxed);
+    else
+        sEnabledChannels.fetch_and(~bit, std::memory_order_relaxed);
 }
 
 bool Cmn_TraceIsEnabled(int channel) {
-    return IsChannel(channel) && (sEnabledChannels >> channel & 1) != 0;
+    return IsChannel(channel) &&
+           (sEnabledChannels.load(std::memory_order_relaxed) >> channel & 1) != 0;
 }
 
 void Cmn_Trace(int channel, const char* format, ...) {
@@ -61,7 +67,5 @@ void Cmn_TraceWrite(const char* format, ...) {
 }
 
 Cmn_TraceSink Cmn_SetTraceSink(Cmn_TraceSink sink) {
-    const Cmn_TraceSink previous = sSink;
-    sSink = sink ? sink : &WriteToStandardError;
-    return previous;
+    return sSink.exchange(sink ? sink : &WriteToStandardError);
 }

@@ -13,13 +13,11 @@ Sys_ClockSource sSource = &SystemSeconds;
 
 } // namespace
 
-double Sys_Clock_Seconds() {
-    return sSource();
-}
+double Sys_Clock_Seconds() { return sSource(); }
 
 std::uint32_t Sys_Clock_Ticks() {
     return static_cast<std::uint32_t>(
-        static_cast<std::uint64_t>(sSource() * kSys_ClockTicksPerSecond));
+        static_cast<std::int64_t>(sSource() * kSys_ClockTicksPerSecond));
 }
 
 Sys_ClockSource Sys_SetClockSource(Sys_ClockSource source) {

@@ -1,5 +1,5 @@
-// The framework's clock. Idle times, multi-click and tap intervals are read from here, so a test that
-// sets the source needs no sleeping.
+// The framework's clock. Idle times, multi-click and tap intervals are read from here, so a test
+// that sets the source needs no sleeping.
 #pragma once
 
 #include "basekit/cmn/cmn_types.h"
