@@ -108,6 +108,7 @@ class QLX_RecordingReader {
         if (AtEnd() || mLine[mPlace] == '#')
             return;
         QLX_RecordedCall call{};
+        mMakesCanvas = false;
         if (Take("@"))
             call.canvas = CanvasNumber();
         const std::size_t begin = mPlace;

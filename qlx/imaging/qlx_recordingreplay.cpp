@@ -78,7 +78,7 @@ class Player {
     [[nodiscard]] int Count(int count, std::size_t first, std::size_t last) const {
         for (std::size_t i = first; i <= last; ++i)
             if (const QLX_RecordedNumbers& numbers = Get<QLX_RecordedNumbers>(i))
-                count = std::min(count, Cmn_ClampTo<int>(numbers->size()));
+                count = std::min(count, Cmn_ClampTo<int>(std::int64_t(numbers->size())));
         return count;
     }
     // As Count, for indexes into a list of colours as well: none when any leads out of it.
