@@ -1,0 +1,260 @@
+#include "qlx/views/uinvalidateview.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "basekit/cmn/cmn_assert.h"
+#include "qlx/views/uviewextras.h"
+
+QLX_DEFINE_CLASS(TInvalidateView, TView);
+
+namespace {
+
+constexpr VRect kRegionLimits(std::numeric_limits<int>::min(), std::numeric_limits<int>::min(),
+                              std::numeric_limits<int>::max(), std::numeric_limits<int>::max());
+
+bool FitsRegion(const VPoint& point) { return kRegionLimits.Contains(point); }
+
+/// Halves joined pairwise: n rectangles cost O(n log n) unions of small regions instead of n unions
+/// with the whole.
+QLX_Region UnionOf(const Cmn_Rect<int>* rects, std::size_t count) {
+    if (count == 0)
+        return QLX_Region();
+    if (count == 1)
+        return QLX_Region(*rects);
+    const std::size_t half = count / 2;
+    return UnionOf(rects, half).Union(UnionOf(rects + half, count - half));
+}
+
+std::uint64_t CountPixels(const QLX_Region& region) {
+    std::uint64_t pixels = 0;
+    for (const Cmn_Rect<int>& rect : region.GetRectList())
+        pixels += static_cast<std::uint64_t>(std::int64_t{rect.right} - rect.left) *
+                  static_cast<std::uint64_t>(std::int64_t{rect.bottom} - rect.top);
+    return pixels;
+}
+
+} // namespace
+
+TInvalidateView::TInvalidateView() = default;
+
+TInvalidateView::~TInvalidateView() = default;
+
+TObject* TInvalidateView::Clone() {
+    auto* copy = static_cast<TInvalidateView*>(TView::Clone());
+    if (!copy)
+        return nullptr;
+    // Bytes so far: what has a destructor is made anew.
+    new (&copy->mPending) std::vector<Cmn_Rect<int>>();
+    new (&copy->mInvalid) QLX_Region();
+    new (&copy->mDrawRegion) QLX_Region();
+    new (&copy->mMoved) QLX_Region();
+    new (&copy->mPainter) PainterPtr();
+    copy->mFocused = nullptr;
+    copy->mExpected = {};
+    copy->mDrawing = false;
+    copy->mDrawLog = nullptr;
+    return copy;
+}
+
+TInvalidateView* TInvalidateView::GetInvalidateView() {
+    return mPainter || !mSuperView ? this : TView::GetInvalidateView();
+}
+
+// The invalid region
+
+void TInvalidateView::InvalidateRect(const VRect& rect) {
+    const VRect cut = rect & GetExtent() & kRegionLimits;
+    if (cut.Empty())
+        return;
+    const Cmn_Rect<int> narrow = cut.ToCmn_Rect();
+    if (!mPending.empty() && VRect(mPending.back()).Contains(cut))
+        return;
+    const bool first = !NeedsDrawing();
+    mPending.push_back(narrow);
+    if (first)
+        BecameInvalid();
+}
+
+void TInvalidateView::InvalidateRegion(const QLX_Region& region) {
+    for (const Cmn_Rect<int>& rect : region.GetRectList())
+        InvalidateRect(rect);
+}
+
+void TInvalidateView::ValidateAll() {
+    mPending.clear();
+    mInvalid = QLX_Region();
+}
+
+const QLX_Region& TInvalidateView::GetInvalidRegion() const {
+    MergePending();
+    return mInvalid;
+}
+
+bool TInvalidateView::NeedsDrawing() const {
+    return !mPending.empty() || !mInvalid.IsEmpty() || !mMoved.IsEmpty();
+}
+
+void TInvalidateView::MergePending() const {
+    if (mPending.empty())
+        return;
+    const QLX_Region pending = UnionOf(mPending.data(), mPending.size());
+    mPending.clear();
+    mInvalid = mInvalid.IsEmpty() ? pending : QLX_Region(mInvalid.Union(pending));
+}
+
+void TInvalidateView::BecameInvalid() {}
+
+void TInvalidateView::Drawn(const QLX_Region&) {}
+
+// Drawing
+
+void TInvalidateView::SetDrawingPainter(const PainterPtr& painter) {
+    mPainter = painter;
+    mFocused = nullptr;
+    mExpected = {};
+    mMoved = QLX_Region();
+}
+
+void TInvalidateView::DrawInvalid() {
+    if (mDrawing || !mPainter || !NeedsDrawing() || !mPainter->IsValid())
+        return;
+    const StDispatch dispatch;
+    MergePending();
+    const VRect limits = GetExtent() & kRegionLimits;
+    mDrawRegion = mInvalid.Intersection(QLX_Region(limits.ToCmn_Rect()));
+    mInvalid = QLX_Region();
+    mDrawBounds = mDrawRegion.GetBounds();
+    mDrawRegionIsRect = mDrawRegion.IsRectangular();
+    mFocused = nullptr;
+    mExpected = {};
+    if (!mDrawRegion.IsEmpty()) {
+        mDrawing = true;
+        HandleDraw(mDrawBounds);
+        mDrawing = false;
+        mPainter->Flush();
+        ++mCosts.mFrames;
+        mCosts.mPixelsPainted += CountPixels(mDrawRegion);
+    }
+    mFocused = nullptr;
+    mExpected = {};
+    const QLX_Region shown = mMoved.IsEmpty() ? mDrawRegion : QLX_Region(mDrawRegion.Union(mMoved));
+    mMoved = QLX_Region();
+    mDrawRegion = QLX_Region();
+    Drawn(shown);
+}
+
+void TInvalidateView::DrawViewOn(const PainterPtr& painter, TView* view, const VRect& area) {
+    if (!painter || !view || mDrawing)
+        return;
+    const StDispatch dispatch;
+    const PainterPtr own = std::exchange(mPainter, painter);
+    const TDrawCosts costs = mCosts;
+    std::vector<TDrawnView>* log = std::exchange(mDrawLog, nullptr);
+    mFocused = nullptr;
+    mExpected = {};
+    view->HandleDraw(area);
+    painter->Flush();
+    mFocused = nullptr;
+    mExpected = {};
+    mDrawLog = log;
+    mCosts = costs;
+    mPainter = own;
+}
+
+bool TInvalidateView::ClipToDrawing(VRect& rect) const {
+    rect &= GetExtent();
+    if (mDrawing)
+        rect &= VRect(mDrawBounds);
+    if (rect.Empty())
+        return false;
+    return !mDrawing || mDrawRegionIsRect ||
+           mDrawRegion.ContainsRect((rect & kRegionLimits).ToCmn_Rect());
+}
+
+void TInvalidateView::ExpectFocus(const TView* view, const VPoint& toHere, const VRect& rect) {
+    mExpected = {view, toHere, rect};
+    mFocused = nullptr;
+}
+
+bool TInvalidateView::FocusOn(TView* view) {
+    if (!mPainter || !mPainter->IsValid())
+        return false;
+    if (mExpected.view == view) {
+        SetClipFor(mExpected.toHere, mExpected.rect);
+    } else {
+        const VPoint toHere = view->GetOffsetTo(this);
+        VRect rect = view->GetVisibleRect() + toHere;
+        if (!ClipToDrawing(rect))
+            rect = VRect();
+        SetClipFor(toHere, rect);
+    }
+    mFocused = view;
+    view->DoFocus(mPainter);
+    return true;
+}
+
+// A place that painters cannot express (beyond 32 bits) gets an empty clip: nothing wrong is drawn.
+void TInvalidateView::SetClipFor(const VPoint& toHere, const VRect& rect) {
+    const VPoint origin = -toHere + GetLocalOffset();
+    const VRect local = rect - toHere;
+    if (!FitsRegion(origin) || !FitsRegion(local[kTopLeft]) || !FitsRegion(local[kBottomRight]) ||
+        local.Empty()) {
+        mPainter->SetWindowOrigin({0, 0});
+        mPainter->SetClip(Cmn_Rect<int>(0, 0, 0, 0));
+        return;
+    }
+    mPainter->SetWindowOrigin(origin.ToCmn_Point());
+    if (!mDrawing || mDrawRegionIsRect) {
+        mPainter->SetClip(local.ToCmn_Rect());
+        return;
+    }
+    const QLX_Region clip =
+        mDrawRegion.Intersection(QLX_Region((rect & kRegionLimits).ToCmn_Rect()));
+    mPainter->SetClip(
+        QLX_Region(clip.Offset(static_cast<int>(-toHere.h), static_cast<int>(-toHere.v))));
+}
+
+// Scrolling
+
+bool TInvalidateView::IsCovered(const TView* view, const VRect& rect) const {
+    if (view->HasAdorners())
+        return true; // they stay where they are while the contents move
+    for (const TView* each = view; each != this && each->mSuperView; each = each->mSuperView) {
+        const TView* super = each->mSuperView;
+        if (super->HasAdorners() && super->GetCurrentHL() != kHighlight_Off)
+            return true;
+        const VPoint superToHere = super->GetOffsetTo(this);
+        for (int i = super->CountSubViews(); i >= 1 && super->GetSubView(i) != each; --i) {
+            const TView* front = super->GetSubView(i);
+            if (front->IsShown() && !((front->GetFrame() + superToHere) & rect).Empty())
+                return true;
+        }
+    }
+    return false;
+}
+
+bool TInvalidateView::ScrollPixels(const TView* view, const VRect& rect, const VPoint& delta) {
+    const VRect cut = rect & kRegionLimits;
+    if (mDrawing || !mPainter || !mPainter->IsValid() || cut.Empty() || !FitsRegion(delta) ||
+        IsCovered(view, cut))
+        return false;
+    const Cmn_Rect<int> area = cut.ToCmn_Rect();
+    const int dx = static_cast<int>(delta.h);
+    const int dy = static_cast<int>(delta.v);
+    mFocused = nullptr;
+    mExpected = {};
+    mPainter->SetWindowOrigin(GetLocalOffset().ToCmn_Point());
+    mPainter->SetClip(area);
+    QLX_Region toRepaint;
+    mPainter->ScrollCanvas(area, dx, dy, toRepaint);
+    const bool first = !NeedsDrawing();
+    MergePending();
+    mInvalid = QLX_Region(mInvalid.OffsetWithin(dx, dy, area).Union(toRepaint));
+    mMoved = QLX_Region(mMoved.Union(QLX_Region(area)));
+    if (first)
+        BecameInvalid();
+    return true;
+}
