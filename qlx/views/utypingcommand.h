@@ -1,0 +1,34 @@
+// The typing since the last undo as one command: text and selection before and after.
+#pragma once
+
+#include "qlx/views/ucommand.h"
+#include "qlx/views/utextediting.h"
+
+class TEditText;
+
+/// Made by a text field with its first change and kept as the field's last command; every further
+/// change goes into it. The context is the field itself.
+class QLX_API TTypingCommand : public TCommand {
+  public:
+    QLX_DECLARE_CLASS(TTypingCommand);
+    static constexpr std::int32_t kNumber = 0x54797065; // a number of no menu item
+
+    TTypingCommand();
+    ~TTypingCommand() override;
+    void ITypingCommand(TEditText* field, const QLX_TextEditing& before);
+    /// Takes the field's state as the one to redo.
+    void Grow();
+
+    [[nodiscard]] TObject* Clone() override;
+    void DoIt() override;
+    void UndoIt() override;
+    void Completed() override;
+    bool ShouldTraceCommand() override;
+    std::int64_t GetMemoryFootPrint() override;
+
+  private:
+    TEditText* mField = nullptr; // not owned; the context, which frees this command with itself
+    QLX_TextEditing mBefore;
+    QLX_TextEditing mAfter;
+    bool mFirst = true;
+};
