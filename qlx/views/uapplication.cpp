@@ -5,11 +5,15 @@
 
 #include "basekit/cmn/cmn_string.h"
 #include "basekit/cmn/cmn_trace.h"
-#include "basekit/sys/sys_clock.h"
+#include "newfilelibs/daw/daw_eventmodifiers.h"
+#include "newfilelibs/daw/daw_keyboardstate.h"
+#include "newfilelibs/daw/daw_keyevent.h"
+#include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/ucommand.h"
 #include "qlx/views/ucommandmanager.h"
 #include "qlx/views/uevent.h"
+#include "qlx/views/ukeybindings.h"
 #include "qlx/views/ustguard.h"
 
 QLX_DEFINE_CLASS(TApplication, TCommandHandler)
@@ -148,12 +152,62 @@ void TApplication::HandleKeyUpEvent(TToolboxEvent* event) {
         GetTarget()->HandleKeyUp(event);
 }
 
+CKeyBindings* TApplication::SetKeyBindings(CKeyBindings* bindings) {
+    return std::exchange(mKeyBindings, bindings);
+}
+
+namespace {
+
+DAW_EKeyCode KeyCodeOf(const TToolboxEvent& event) {
+    std::uint32_t code = kDAW_Key_None;
+    event.GetEvent().GetProperty(kQLX_EventProperty_KeyCode, &code, sizeof code);
+    return static_cast<DAW_EKeyCode>(code);
+}
+
+Cmn_RefCountPtr<DAW_KeyEvent> KeyEventOf(TToolboxEvent& event, DAW_EKeyState state) {
+    std::uint32_t character = 0;
+    event.GetEvent().GetProperty(kQLX_EventProperty_Character, &character, sizeof character);
+    std::string text;
+    if (character != 0)
+        Cmn_AppendUTF8(text, character);
+    return DAW_KeyEvent::New(
+        KeyCodeOf(event), event.IsAutoKeyEvent() ? kDAW_AutoKey_Yes : kDAW_AutoKey_No, text, state);
+}
+
+} // namespace
+
 bool TApplication::DeliverKeyDown(TToolboxEvent* event) {
-    return HandleKeyDownEvent(event);
+    // Keys without a binding, typed text above all, take the short road and allocate nothing.
+    if (!event || !mKeyBindings || !mKeyBindings->Concerns(KeyCodeOf(*event)))
+        return HandleKeyDownEvent(event);
+    const StGuard self(this);
+    EndIdleTime();
+    if (!self)
+        return false;
+    const auto sendToTarget = [&] { return self && HandleKeyDownEvent(event); };
+    const bool isTaken = mKeyBindings->DeliverKeyDown(
+        *KeyEventOf(*event, kDAW_Key_IsDown), event->GetDAWEventModifiers(),
+        QLX_Keyboard::GetDAWKeyboardState(), GetTarget(), sendToTarget);
+    if (self)
+        RescheduleTimers();
+    return isTaken;
 }
 
 void TApplication::DeliverKeyUp(TToolboxEvent* event) {
+    if (event && mKeyBindings && mKeyBindings->Concerns(KeyCodeOf(*event))) {
+        const StGuard self(this);
+        mKeyBindings->DeliverKeyUp(*KeyEventOf(*event, kDAW_Key_IsUp),
+                                   event->GetDAWEventModifiers(),
+                                   QLX_Keyboard::GetDAWKeyboardState());
+        if (!self)
+            return;
+    }
     HandleKeyUpEvent(event);
+}
+
+void TApplication::ReleaseAllKeys() {
+    if (mKeyBindings)
+        mKeyBindings->ReleaseAllKeys();
 }
 
 // Menu commands

@@ -8,6 +8,8 @@
 
 #include "qlx/views/ucommandhandler.h"
 
+class CKeyBindings;
+
 /// What the application remembers apart from itself.
 class QLX_API TApplicationData {
   public:
@@ -43,9 +45,18 @@ class QLX_API TApplication : public TCommandHandler {
     /// True when some handler consumed it.
     bool HandleKeyDownEvent(TToolboxEvent* event);
     void HandleKeyUpEvent(TToolboxEvent* event);
-    /// The road of a key as the event loop sends it. True when somebody took it.
+    /// The whole road of a key as the event loop sends it: to the target and to the command that
+    /// the key is bound to, in the order that the key bindings give. True when somebody took it.
     bool DeliverKeyDown(TToolboxEvent* event);
+    /// Ends the command that the key performed, then sends the key up to the target.
     void DeliverKeyUp(TToolboxEvent* event);
+    /// Ends the commands whose keys are held: their going up will not be seen here, as after the
+    /// application was deactivated.
+    void ReleaseAllKeys();
+    /// The bindings of the user's keys (not owned); null, the default, for none. Returns the
+    /// previous.
+    CKeyBindings* SetKeyBindings(CKeyBindings* bindings);
+    [[nodiscard]] CKeyBindings* GetKeyBindings() const { return mKeyBindings; }
 
     /// Writes the handler into the innermost entry of sTargetHandlingEventStack, if there is one.
     static void SetTargetHandlingEvent(TEventHandler* handler) {
@@ -182,9 +193,10 @@ class QLX_API TApplication : public TCommandHandler {
     static void LogCommandKey(const TToolboxEvent& event);
     static void ReportSafely(const char* where);
 
-    TEventHandler* mTarget = nullptr; // not owned; null: this
-    TApplication* mPrevious;          // not owned
-    std::vector<Posted> mPosted;      // waiting from mPostedHead on
+    TEventHandler* mTarget = nullptr;     // not owned; null: this
+    TApplication* mPrevious;              // not owned
+    CKeyBindings* mKeyBindings = nullptr; // not owned
+    std::vector<Posted> mPosted;          // waiting from mPostedHead on
     std::size_t mPostedHead = 0;
     std::uint64_t mPostTurn = 1;
     bool mIsIdle = false;

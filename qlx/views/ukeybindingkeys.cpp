@@ -84,6 +84,12 @@ void CKeyBindings::AddTextFieldClass(const std::string& className) {
         classes.push_back(className);
 }
 
+bool CKeyBindings::Concerns(DAW_EKeyCode keyCode) const {
+    return mByKeyCode.contains(keyCode) ||
+           std::any_of(mHeld.begin(), mHeld.end(),
+                       [keyCode](const Held& held) { return held.mKeyCode == keyCode; });
+}
+
 bool CKeyBindings::DeliverKeyDown(const DAW_KeyEvent& key,
                                   const Cmn_AliasedRefCountPtr<DAW_EventModifiers>& modifiers,
                                   const Cmn_RefCountPtr<DAW_KeyboardState>& keyboard,

@@ -135,6 +135,10 @@ class QLX_API CKeyBindings {
     [[nodiscard]] const CKeyBinding* Find(DAW_EKeyCode keyCode, const DAW_EventModifiers& modifiers,
                                           TEventHandler* target) const;
 
+    /// Whether the key is in any binding, or held for a command. Keys of which this is false need
+    /// not be delivered through the bindings. Allocates nothing.
+    [[nodiscard]] bool Concerns(DAW_EKeyCode keyCode) const;
+
     /// Whether a stroke goes to the target before a binding gets it: a key without Ctrl, Alt or the
     /// Windows key while a text or numeric field is the target.
     [[nodiscard]] static bool TargetComesFirst(TEventHandler* target,
