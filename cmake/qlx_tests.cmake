@@ -12,6 +12,7 @@ endif()
 # Relative to the source folder, which main() makes the working directory: see tests/support/main.cpp.
 file(RELATIVE_PATH build_folder ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR})
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
+list(FILTER support_sources EXCLUDE REGEX "/fuzz_replay\\.cpp$")  # a main of its own, see qlx_fuzz.cmake
 add_library(qlx_test_support STATIC ${support_sources})
 target_link_libraries(qlx_test_support PUBLIC qlx_build qlx GTest::gtest GTest::gmock)
 target_compile_definitions(qlx_test_support PUBLIC

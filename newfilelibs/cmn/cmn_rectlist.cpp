@@ -6,7 +6,6 @@
 
 #include "basekit/cmn/cmn_failure.h"
 #include "basekit/cmn/cmn_memory.h"
-#include "basekit/cmn/cmn_memory.h"
 
 namespace {
 

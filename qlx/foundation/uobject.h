@@ -93,7 +93,7 @@ class QLX_API TObject {
     void IObject() {}
 
   private:
-    short mReserved; // copied with the object, set by no one here
+    [[maybe_unused]] short mReserved; // copied with the object, set by no one here
 };
 
 /// A default instance as an untyped pointer to its TObject; raises -108 when memory runs out for it
