@@ -1,6 +1,7 @@
 // Working arrays that cost nothing while they are small: the first elements lie on the stack.
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <type_traits>
