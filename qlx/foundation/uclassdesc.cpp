@@ -24,7 +24,23 @@ ClassDesc::ClassDesc(const char* name, std::uint64_t size, DefaultConstructor co
 
 ClassDesc::~ClassDesc() { delete mSubClasses; }
 
+void ClassDesc::SetFields(const char* name, std::uint64_t size, DefaultConstructor constructor) {
+    mClassName = name;
+    mClassSize = size;
+    mDefaultConstructor = constructor;
+}
+
+void ClassDesc::Unlink() {
+    for (ClassDesc** link = &fgClassDescList; *link; link = &(*link)->mNext) {
+        if (*link == this) {
+            *link = mNext;
+            return;
+        }
+    }
+}
+
 void ClassDesc::Initialize(const ClassDesc* base) {
+    Unlink();
     delete mSubClasses;
     mSubClasses = nullptr;
     mBase = nullptr;
@@ -42,7 +58,9 @@ void ClassDesc::Register(const ClassDesc* base) {
 short ClassDesc::AssignNewClassID() { return ++fgNextClassID; }
 
 void ClassDesc::AddBaseClass(const ClassDesc* base) {
-    if (!mBase && base != this)
+    // A base that descends from this class would close a ring.
+    const bool isRing = base && base->DescendsFrom(this, false);
+    if (!mBase && !isRing)
         mBase = base;
 }
 

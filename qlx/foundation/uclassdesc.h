@@ -22,11 +22,15 @@ class QLX_API ClassDesc {
     /// base that is this very descriptor counts as none.
     ClassDesc(const char* name, std::uint64_t size, DefaultConstructor constructor,
               const ClassDesc* base = nullptr);
+    /// A descriptor that is filled by SetFields and registered by Initialize.
+    ClassDesc() = default;
     ~ClassDesc();
     ClassDesc(const ClassDesc&) = delete;
     ClassDesc& operator=(const ClassDesc&) = delete;
 
+    void SetFields(const char* name, std::uint64_t size, DefaultConstructor constructor);
     /// Registers a descriptor that was filled field by field: new identifier, base, no subclasses.
+    /// One that is registered already moves to the front of the list.
     void Initialize(const ClassDesc* base);
     static short AssignNewClassID();
 
@@ -74,12 +78,13 @@ class QLX_API ClassDesc {
 
   private:
     void Register(const ClassDesc* base);
+    void Unlink();
 
     // The order of the fields is part of the binary interface.
-    DefaultConstructor mDefaultConstructor;
+    DefaultConstructor mDefaultConstructor = nullptr;
     ClassDesc* mNext = nullptr; // not owned; the class registered before this one
     std::string mClassName;
-    std::uint64_t mClassSize;
+    std::uint64_t mClassSize = 0;
     short mClassID = 0;
     const ClassDesc* mBase = nullptr;                     // not owned
     std::vector<const ClassDesc*>* mSubClasses = nullptr; // owned; made by the first subclass
