@@ -109,8 +109,10 @@ TCommandHandler::StBusy* TCommandHandler::StBusy::sInnermost = nullptr;
 
 /// One command on its way through PerformCommand.
 struct TCommandHandler::Run {
+    TCommandHandler* mPerformer; // not owned; only to be used while mHandler is alive
     TCommand* mCommand;
     const StGuard& mHandler;
+    TCommand* mCommitted = nullptr; // stayed the last command when it was committed for this one
     std::uint64_t mLife = 0;
     bool mIsInDoIt = false;
 
@@ -246,7 +248,7 @@ void TCommandHandler::PerformCommand(TCommand* command) {
 
 void TCommandHandler::PerformTraced(TCommand* command) {
     const StGuard self(this);
-    Run run{command, self};
+    Run run{this, command, self};
     try {
         if (command->ShouldTraceCommand())
             PerformNamed(run);
@@ -286,6 +288,7 @@ void TCommandHandler::Perform(Run& run) {
         CommitLastCommand();
     run.mLife = AddAlive(command);
     if (run.mHandler) {
+        run.mCommitted = mLastCommand;
         struct RestoreFlag {
             TCommandHandler* mHandler;
             const StGuard& mGuard;
@@ -317,7 +320,7 @@ void TCommandHandler::Finish(Run& run) {
             return;
     }
     if (run.mHandler && command->CanBeUndone()) {
-        KeepCommand(command);
+        run.mPerformer->KeepCommand(command, run.mCommitted);
         return;
     }
     const bool frees = command->ShouldFreeOnCompletion();
@@ -337,11 +340,11 @@ void TCommandHandler::TakeFromKeeper(TCommand* command) {
         command->Commit();
 }
 
-void TCommandHandler::KeepCommand(TCommand* command) {
+void TCommandHandler::KeepCommand(TCommand* command, const TCommand* committed) {
     const StGuard self(this);
     // There is a last command here when the command performed another one from its DoIt.
     const std::uint64_t life = AddAlive(command);
-    if (mLastCommand && mLastCommand != command)
+    if (mLastCommand && mLastCommand != command && mLastCommand != committed)
         CommitLastCommand();
     if (!self || !IsAliveAs(command, life))
         return;
@@ -361,7 +364,7 @@ void TCommandHandler::Discard(Run& run, const char* text) {
     const bool isAlive = run.CommandIsAlive();
     const bool frees = isAlive && command->ShouldFreeOnCompletion();
     const bool isLast = isAlive && command->mKeeper;
-    const bool isInCommand = run.mIsInDoIt || (run.mHandler && mInCommand);
+    const bool isInCommand = run.mIsInDoIt || (run.mHandler && run.mPerformer->mInCommand);
     if (Cmn_TraceIsEnabled(kTrace_Commands))
         Cmn_Trace(kTrace_Commands,
                   "TCommandHandler::PerformCommand - EXCEPTION command=%p (%s), CommandNumber=%d, "

@@ -65,11 +65,11 @@ class QLX_API TCommandHandler : public TEventHandler {
     void PerformTraced(TCommand* command);
     void PerformNamed(Run& run);
     void Perform(Run& run);
-    void Finish(Run& run);
-    void TakeFromKeeper(TCommand* command);
-    void KeepCommand(TCommand* command);
-    void Discard(Run& run, const char* text);
-    void LetGo(TCommand* command);
+    static void Finish(Run& run);
+    static void TakeFromKeeper(TCommand* command);
+    void KeepCommand(TCommand* command, const TCommand* committed);
+    static void Discard(Run& run, const char* text);
+    static void LetGo(TCommand* command);
     void UndoOrRedo();
     static void UndoOrRedoBusy(TCommand* command, bool wasDone);
     static void EndDisplaced(TCommand* command);
