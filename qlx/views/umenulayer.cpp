@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "basekit/cmn/cmn_assert.h"
 #include "basekit/sys/sys_clock.h"
 #include "newfilelibs/cmn/cmn_polygon.h"
 #include "newfilelibs/daw/daw_keynames.h"
@@ -178,7 +179,9 @@ void TMenuLayer::Free() {
 }
 
 TObject* TMenuLayer::Clone() {
-    return nullptr; // there is one at a time, and no copy of what is open
+    // There is one at a time, and no copy of what is open.
+    Cmn_Assert("false && \"a menu layer is not cloned\"", "qlx/views/umenulayer", __LINE__);
+    return nullptr;
 }
 
 void TMenuLayer::Switch(TMenu* menu, const VRect& anchor) {
