@@ -111,6 +111,7 @@ void Time_MeterMap::RemoveMeter(std::int64_t bar) {
 }
 
 void Time_MeterMap::PlaceChanges() noexcept {
+    ++mChangeCount;
     for (std::size_t i = 1; i < mChanges.size(); ++i) {
         const Change& before = mChanges[i - 1];
         const std::int64_t ticks =

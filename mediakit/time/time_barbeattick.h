@@ -81,9 +81,9 @@ struct Time_Meter {
     std::int32_t numerator = 4;
     std::int32_t denominator = 4;
 
-    /// Numerator 1..999, denominator a power of two from 1 to 64.
+    /// Numerator 1..99, denominator a power of two from 1 to 64.
     [[nodiscard]] constexpr bool IsValid() const noexcept {
-        return numerator >= 1 && numerator <= 999 && denominator >= 1 && denominator <= 64 &&
+        return numerator >= 1 && numerator <= 99 && denominator >= 1 && denominator <= 64 &&
                (denominator & (denominator - 1)) == 0;
     }
     [[nodiscard]] constexpr std::int64_t DisplayTicksPerBeat() const noexcept {
@@ -110,6 +110,8 @@ class QLX_API Time_MeterMap {
     /// Takes a change out; bar 1 returns to 4/4. Unknown bars are ignored.
     void RemoveMeter(std::int64_t bar);
     [[nodiscard]] const Time_Meter& GetMeter(std::int64_t bar) const noexcept;
+    /// Grows with every change.
+    [[nodiscard]] std::uint32_t GetChangeCount() const noexcept { return mChangeCount; }
 
     /// Beats and ticks beyond the bar carry into the following bars.
     [[nodiscard]] Time_TickLength ToTicks(const Time_BarBeatTick& position) const noexcept;
@@ -127,6 +129,7 @@ class QLX_API Time_MeterMap {
     [[nodiscard]] const Change& ChangeAtTick(std::int64_t tick) const noexcept;
 
     std::vector<Change> mChanges; ///< sorted; never empty, the first is at bar 1
+    std::uint32_t mChangeCount = 0;
 };
 
 /// Which tempo holds from which tick, in thousandths of a quarter note a minute. Starts as 120 BPM
