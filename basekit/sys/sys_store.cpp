@@ -1,0 +1,3 @@
+#include "basekit/sys/sys_store.h"
+
+Sys_Store::~Sys_Store() = default;
