@@ -1,10 +1,9 @@
 #include "qlx/persistence/qlx_persistence.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "basekit/cmn/cmn_assert.h"
-#include "qlx/persistence/qlx_genericproperty.h"
+#include "qlx/persistence/qlx_readlistener.h"
 #include "qlx/persistence/qlx_sourceformat.h"
 
 namespace {
@@ -12,15 +11,7 @@ constexpr const char* kRootName = "viewhierarchy";
 constexpr const char* kFilterMarker = "Filter";
 constexpr const char* kDefaultLayout = "Default";
 
-QLX_PropertyReadListener* gReadListener = nullptr; // not owned
 } // namespace
-
-QLX_PropertyReadListener::~QLX_PropertyReadListener() = default;
-
-QLX_PropertyReadListener*
-QLX_PropertyReadListener::SetListener(QLX_PropertyReadListener* listener) {
-    return std::exchange(gReadListener, listener);
-}
 
 QLX_RawPropertyContainer::QLX_RawPropertyContainer() = default;
 QLX_RawPropertyContainer::QLX_RawPropertyContainer(const std::string& name) : mName(name) {}
@@ -142,93 +133,70 @@ void QLX_RawPropertyContainer::FreezeProperties() {
         child->FreezeProperties();
 }
 
-// Look-ups
-
-namespace {
-template <class Value>
-std::string TextOf(const Value& value, QLX_PropertyType type) {
-    return QLX_GenericProperty(value, type).AsString();
-}
-/// A caller may leave the output unset when it only looks at the answer; its bytes are read as
-/// bytes.
-std::string TextOf(const bool& value, QLX_PropertyType) {
-    unsigned char byte;
-    std::memcpy(&byte, &value, 1);
-    return byte ? "true" : "false";
-}
-
-template <class Value>
-bool Told(const QLX_RawPropertyContainer& container, std::string_view name, QLX_PropertyType type,
-          const Value& value, bool found) {
-    if (gReadListener)
-        gReadListener->PropertyRead({&container, name, type, found, TextOf(value, type)});
-    return found;
-}
-} // namespace
+// Look-ups. What every one pays beyond the set's own look-up is one test: a container whose set may
+// not be read as it is, because there is none or because somebody listens, takes the other road.
 
 bool QLX_RawPropertyContainer::GetBoolProperty(std::string_view name, bool& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetBoolProperty(name, value);
-    return Told(*this, name, qlx_PropType_Bool, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Bool, value, &QLX_PropertySet::GetBoolProperty);
+    return mCurrentSet.GetBoolProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetInt32Property(std::string_view name, std::int32_t& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetInt32Property(name, value);
-    return Told(*this, name, qlx_PropType_Int32, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Int32, value, &QLX_PropertySet::GetInt32Property);
+    return mCurrentSet.GetInt32Property(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetInt32Property(std::string_view name, std::int64_t& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetInt32Property(name, value);
-    if (gReadListener)
-        gReadListener->PropertyRead(
-            {this, name, qlx_PropType_Int32, found, TextOf(value, qlx_PropType_Int64)});
-    return found;
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Int32, value, &QLX_PropertySet::GetInt32Property);
+    return mCurrentSet.GetInt32Property(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetInt64Property(std::string_view name, std::int64_t& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetInt64Property(name, value);
-    return Told(*this, name, qlx_PropType_Int64, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Int64, value, &QLX_PropertySet::GetInt64Property);
+    return mCurrentSet.GetInt64Property(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetIDTypeProperty(std::string_view name,
                                                  std::uint32_t& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetIDTypeProperty(name, value);
-    return Told(*this, name, qlx_PropType_IDType, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_IDType, value, &QLX_PropertySet::GetIDTypeProperty);
+    return mCurrentSet.GetIDTypeProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetStringProperty(std::string_view name, std::string& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetStringProperty(name, value);
-    return Told(*this, name, qlx_PropType_String, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_String, value, &QLX_PropertySet::GetStringProperty);
+    return mCurrentSet.GetStringProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetStringKeyProperty(std::string_view name,
                                                     std::string& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetStringKeyProperty(name, value);
-    return Told(*this, name, qlx_PropType_String_Key, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_String_Key, value,
+                             &QLX_PropertySet::GetStringKeyProperty);
+    return mCurrentSet.GetStringKeyProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetColorProperty(std::string_view name, CRGBColor& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetColorProperty(name, value);
-    return Told(*this, name, qlx_PropType_Color, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Color, value, &QLX_PropertySet::GetColorProperty);
+    return mCurrentSet.GetColorProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetPointProperty(std::string_view name, VPoint& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetPointProperty(name, value);
-    return Told(*this, name, qlx_PropType_Point, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Point, value, &QLX_PropertySet::GetPointProperty);
+    return mCurrentSet.GetPointProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetRectProperty(std::string_view name, VRect& value) const {
-    CMN_ASSERT(mHasCurrentSet);
-    const bool found = mCurrentSet.GetRectProperty(name, value);
-    return Told(*this, name, qlx_PropType_Rect, value, found);
+    if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
+        return GetListenedTo(name, qlx_PropType_Rect, value, &QLX_PropertySet::GetRectProperty);
+    return mCurrentSet.GetRectProperty(name, value);
 }
 
 // Filters

@@ -79,7 +79,7 @@ class QLX_API QLX_RawPropertyContainer {
                              const std::string& valueText, const QLX_PropertyFilter& filter);
 
     // Look-ups in the current set: true and the value, or false and the output untouched. A filter
-    // has to be current; otherwise the assertion "mCurrentSet" is raised and nothing is found.
+    // has to be current; otherwise the assertion "mHasCurrentSet" is raised and nothing is found.
     bool GetBoolProperty(std::string_view name, bool& value) const;
     bool GetInt32Property(std::string_view name, std::int32_t& value) const;
     bool GetInt32Property(std::string_view name, std::int64_t& value) const;
@@ -165,6 +165,9 @@ class QLX_API QLX_RawPropertyContainer {
         QLX_PropertySet mSet;
     };
 
+    template <class Value>
+    bool GetListenedTo(std::string_view name, QLX_PropertyType type, Value& value,
+                       bool (QLX_PropertySet::*get)(std::string_view, Value&) const) const;
     void CheckNotFrozen() const;
     void SelectHere(const QLX_PropertyFilter& filter);
     [[nodiscard]] MergedSet* FindMerged(const QLX_PropertyFilter& filter);

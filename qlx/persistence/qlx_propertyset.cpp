@@ -1,11 +1,3 @@
-// A set is one block of memory: a header, an entry of 16 bytes a value, a tag of four bytes a
-// value, for larger sets an index, and behind them the bytes of names, texts, points and
-// rectangles.
-//
-// A tag is 28 bits of the name's hash with the type below them. Up to eight values are found by
-// comparing the tags one after the other, which takes one cache line; more by an open-addressed
-// index at most half full, whose cells are as narrow as the count allows. In both cases a match of
-// the tag is followed by one comparison of the names. A block is copied by copying its bytes.
 #include "qlx/persistence/qlx_propertyset.h"
 
 #include <algorithm>
@@ -21,10 +13,13 @@
 #include "basekit/cmn/cmn_assert.h"
 #include "basekit/cmn/cmn_string.h"
 #include "basekit/sys/sys_typedstream.h"
+#include "qlx/persistence/qlx_propertyblock.h"
+
+using namespace QLX_PropertyBytes;
 
 namespace {
 constexpr std::size_t kLinearLimit = 8;
-constexpr std::uint32_t kTypeMask = 15;
+constexpr std::size_t kMostValues = 1 << 26; // keeps every offset within 32 bits
 constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
 
 // The order in which types are written.
@@ -41,78 +36,6 @@ constexpr int RankOf(QLX_PropertyType type) {
 }
 
 bool gSortedXMLMode = false;
-
-std::uint64_t Load8(const char* bytes) noexcept {
-    std::uint64_t value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
-}
-
-std::uint32_t Load4(const char* bytes) noexcept {
-    std::uint32_t value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
-}
-
-/// Two multiplications over the first and the last bytes, one more for each further eight. The tag
-/// is taken from the top of the product, to which every input bit contributes.
-std::uint32_t TagOf(QLX_PropertyType type, std::string_view name) noexcept {
-    constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u;
-    constexpr std::uint64_t kSecond = 0xD6E8FEB86659FD93u;
-    const char* bytes = name.data();
-    std::size_t size = name.size();
-    std::uint64_t hash = size * kSecond;
-    while (size > 16) {
-        hash = (hash ^ Load8(bytes)) * kFirst;
-        hash ^= hash >> 32;
-        bytes += 8;
-        size -= 8;
-    }
-    std::uint64_t first = 0;
-    std::uint64_t last = 0;
-    if (size >= 8) {
-        first = Load8(bytes);
-        last = Load8(bytes + size - 8);
-    } else if (size >= 4) {
-        first = Load4(bytes);
-        last = Load4(bytes + size - 4);
-    } else if (size > 0) {
-        first = static_cast<unsigned char>(bytes[0]);
-        last = static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[size / 2])) << 8 |
-               static_cast<unsigned char>(bytes[size - 1]);
-    }
-    hash = (hash ^ first) * kFirst;
-    hash ^= hash >> 32;
-    hash = (hash ^ last) * kSecond;
-    return (static_cast<std::uint32_t>(hash >> 32) & ~kTypeMask) | static_cast<std::uint32_t>(type);
-}
-
-/// memcmp for equality without a call: names are short.
-bool SameBytes(const char* a, const char* b, std::size_t size) noexcept {
-    if (size >= 8) {
-        for (std::size_t i = 0; i + 8 < size; i += 8)
-            if (Load8(a + i) != Load8(b + i))
-                return false;
-        return Load8(a + size - 8) == Load8(b + size - 8);
-    }
-    if (size >= 4)
-        return Load4(a) == Load4(b) && Load4(a + size - 4) == Load4(b + size - 4);
-    for (std::size_t i = 0; i < size; ++i)
-        if (a[i] != b[i])
-            return false;
-    return true;
-}
-
-bool IsText(QLX_PropertyType type) {
-    return type == qlx_PropType_String || type == qlx_PropType_String_Key;
-}
-
-/// How many bytes a value of the type has outside its entry, texts aside.
-std::size_t FixedPayload(QLX_PropertyType type) {
-    if (type == qlx_PropType_Point)
-        return sizeof(VPoint);
-    return type == qlx_PropType_Rect ? sizeof(VRect) : 0;
-}
 
 std::uint64_t PackColor(const CRGBColor& color) {
     return std::uint64_t{color.GetRed()} << 48 | std::uint64_t{color.GetGreen()} << 32 |
@@ -133,108 +56,54 @@ void AppendEscaped(std::string& out, std::string_view text) {
 }
 } // namespace
 
-struct QLX_PropertySet::Entry {
-    std::uint64_t mValue; // a scalar; or where the payload lies, for a text with its size above
-    std::uint32_t mNameOffset;
-    std::uint32_t mNameSize;
+std::uint64_t QLX_PropertyBytes::HashMiddle(std::string_view name) noexcept {
+    constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
+    std::uint64_t hash = 0;
+    for (std::size_t at = 8; at + 8 < name.size(); at += 8) {
+        hash = (hash ^ Load8(name.data() + at)) * kFactor;
+        hash ^= hash >> 32;
+    }
+    return hash * kFactor;
+}
 
-    [[nodiscard]] std::size_t PayloadOffset() const { return static_cast<std::uint32_t>(mValue); }
-    [[nodiscard]] std::size_t PayloadSize(QLX_PropertyType type) const {
-        return IsText(type) ? static_cast<std::size_t>(mValue >> 32) : FixedPayload(type);
-    }
-    void SetPayload(QLX_PropertyType type, std::size_t offset, std::size_t size) {
-        mValue = offset | (IsText(type) ? static_cast<std::uint64_t>(size) << 32 : 0);
-    }
-};
+std::size_t QLX_PropertySet::Block::CellAt(std::size_t cell) noexcept {
+    if (mCellSize == 1)
+        return CellAt<std::uint8_t>(cell);
+    return mCellSize == 2 ? CellAt<std::uint16_t>(cell) : CellAt<std::uint32_t>(cell);
+}
 
-struct QLX_PropertySet::Block {
-    std::uint32_t mReferences;
-    std::uint32_t mCount;
-    std::uint32_t mCapacity;
-    std::uint32_t mDataSize;
-    std::uint32_t mDataCapacity;
-    std::uint32_t mGarbage;    // bytes of data that no value uses any more
-    std::uint32_t mIndexShift; // a tag shifted right by it is its first cell; 0 without an index
-    std::uint32_t mCellSize;   // 1, 2 or 4
+std::size_t QLX_PropertySet::Block::FindInLarge(const Key& key) noexcept {
+    return mCellSize == 2 ? Probe<std::uint16_t>(key) : Probe<std::uint32_t>(key);
+}
 
-    [[nodiscard]] Entry* Entries() noexcept { return reinterpret_cast<Entry*>(this + 1); }
-    [[nodiscard]] std::uint32_t* Tags() noexcept {
-        return reinterpret_cast<std::uint32_t*>(Entries() + mCapacity);
-    }
-    [[nodiscard]] unsigned char* Index() noexcept {
-        return reinterpret_cast<unsigned char*>(Tags() + mCapacity);
-    }
-    [[nodiscard]] std::size_t CellCount() const noexcept {
-        return mIndexShift ? std::size_t{1} << (32 - mIndexShift) : 0;
-    }
-    [[nodiscard]] char* Data() noexcept {
-        return reinterpret_cast<char*>(Index()) + CellCount() * mCellSize;
-    }
-    [[nodiscard]] QLX_PropertyType TypeAt(std::size_t index) noexcept {
-        return static_cast<QLX_PropertyType>(Tags()[index] & kTypeMask);
-    }
-    [[nodiscard]] std::string_view NameAt(std::size_t index) noexcept {
-        const Entry& entry = Entries()[index];
-        return {Data() + entry.mNameOffset, entry.mNameSize};
-    }
+void QLX_PropertySet::Block::SetCell(std::size_t cell, std::size_t number) noexcept {
+    const std::uint8_t narrow = static_cast<std::uint8_t>(number);
+    const std::uint16_t middle = static_cast<std::uint16_t>(number);
+    const std::uint32_t wide = static_cast<std::uint32_t>(number);
+    char* const at = Index() + cell * mCellSize;
+    if (mCellSize == 1)
+        std::memcpy(at, &narrow, sizeof narrow);
+    else if (mCellSize == 2)
+        std::memcpy(at, &middle, sizeof middle);
+    else
+        std::memcpy(at, &wide, sizeof wide);
+}
 
-    /// The number of the value in a cell, counting from 1; 0 for an empty cell.
-    template <class Cell>
-    [[nodiscard]] std::size_t CellAt(std::size_t cell) noexcept {
-        Cell number;
-        std::memcpy(&number, Index() + cell * sizeof(Cell), sizeof number);
-        return number;
-    }
-    [[nodiscard]] std::size_t CellAt(std::size_t cell) noexcept {
-        if (mCellSize == 1)
-            return CellAt<std::uint8_t>(cell);
-        return mCellSize == 2 ? CellAt<std::uint16_t>(cell) : CellAt<std::uint32_t>(cell);
-    }
-    void SetCell(std::size_t cell, std::size_t number) noexcept {
-        const std::uint8_t narrow = static_cast<std::uint8_t>(number);
-        const std::uint16_t middle = static_cast<std::uint16_t>(number);
-        const std::uint32_t wide = static_cast<std::uint32_t>(number);
-        unsigned char* const at = Index() + cell * mCellSize;
-        if (mCellSize == 1)
-            *at = narrow;
-        else if (mCellSize == 2)
-            std::memcpy(at, &middle, sizeof middle);
-        else
-            std::memcpy(at, &wide, sizeof wide);
-    }
+void QLX_PropertySet::Block::AddToCells(std::size_t index) noexcept {
+    const std::size_t mask = CellCount() - 1;
+    std::size_t cell = Tags()[index] >> mIndexShift;
+    while (CellAt(cell) != 0)
+        cell = (cell + 1) & mask;
+    SetCell(cell, index + 1);
+}
 
-    void AddToIndex(std::size_t index) noexcept {
-        if (!mIndexShift)
-            return;
-        const std::size_t mask = CellCount() - 1;
-        std::size_t cell = Tags()[index] >> mIndexShift;
-        while (CellAt(cell) != 0)
-            cell = (cell + 1) & mask;
-        SetCell(cell, index + 1);
-    }
-    void RebuildIndex() noexcept {
-        std::memset(Index(), 0, CellCount() * mCellSize);
-        for (std::size_t i = 0; i < mCount; ++i)
-            AddToIndex(i);
-    }
-
-    template <class Cell>
-    [[nodiscard]] std::size_t Probe(std::uint32_t tag, std::string_view name) noexcept {
-        const std::size_t mask = CellCount() - 1;
-        for (std::size_t cell = tag >> mIndexShift;; cell = (cell + 1) & mask) {
-            const std::size_t number = CellAt<Cell>(cell);
-            if (number == 0)
-                return kNotFound;
-            if (Tags()[number - 1] == tag && IsNamed(number - 1, name))
-                return number - 1;
-        }
-    }
-    [[nodiscard]] bool IsNamed(std::size_t index, std::string_view name) noexcept {
-        const Entry& entry = Entries()[index];
-        return entry.mNameSize == name.size() &&
-               SameBytes(Data() + entry.mNameOffset, name.data(), name.size());
-    }
-};
+void QLX_PropertySet::Block::RebuildIndex() noexcept {
+    if (!mIndexShift)
+        return;
+    std::memset(Index(), 0, CellCount() * mCellSize);
+    for (std::size_t i = 0; i < mCount; ++i)
+        AddToCells(i);
+}
 
 /// Keeps a replaced block until the end of an operation, whose arguments may lie in it.
 struct QLX_PropertySet::Hold {
@@ -248,7 +117,7 @@ struct QLX_PropertySet::Hold {
 // Memory
 
 QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::size_t dataCapacity) {
-    if (capacity > kMostBytes / 4 || dataCapacity > kMostBytes)
+    if (capacity > kMostValues || dataCapacity > kMostBytes)
         throw std::length_error("a property set holds less than 4 GB");
     Block header{};
     header.mReferences = 1;
@@ -256,11 +125,17 @@ QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::siz
     header.mDataCapacity = static_cast<std::uint32_t>(dataCapacity);
     header.mCellSize = capacity < 0xFF ? 1 : capacity < 0xFFFF ? 2 : 4;
     if (capacity > kLinearLimit)
-        header.mIndexShift = 32 - static_cast<std::uint32_t>(std::bit_width(2 * capacity - 1));
-    const std::size_t size = sizeof(Block) + capacity * (sizeof(Entry) + sizeof(std::uint32_t)) +
-                             header.CellCount() * header.mCellSize + dataCapacity;
-    Block* const block = new (::operator new(size)) Block(header);
-    std::memset(block->Index(), 0, block->CellCount() * block->mCellSize);
+        header.mIndexShift = 32 - static_cast<std::uint32_t>(std::bit_width(4 * capacity - 1));
+    const std::size_t tags = (capacity * sizeof(std::uint32_t) + 7) / 8 * 8;
+    const std::size_t entries = sizeof(Block) + tags;
+    const std::size_t index = entries + capacity * sizeof(Entry);
+    const std::size_t data = index + header.CellCount() * header.mCellSize;
+    header.mEntriesOffset = static_cast<std::uint32_t>(entries);
+    header.mIndexOffset = static_cast<std::uint32_t>(index);
+    header.mDataOffset = static_cast<std::uint32_t>(data);
+    Block* const block = new (::operator new(data + dataCapacity)) Block(header);
+    if (header.mIndexShift)
+        std::memset(block->Index(), 0, block->CellCount() * block->mCellSize);
     return block;
 }
 
@@ -369,7 +244,7 @@ void QLX_PropertySet::ClearKeepMemory() {
     mBlock->mCount = 0;
     mBlock->mDataSize = 0;
     mBlock->mGarbage = 0;
-    std::memset(mBlock->Index(), 0, mBlock->CellCount() * mBlock->mCellSize);
+    mBlock->RebuildIndex();
 }
 
 QLX_PropertySet QLX_PropertySet::CopyCompact() const {
@@ -381,34 +256,9 @@ QLX_PropertySet QLX_PropertySet::CopyCompact() const {
 
 // Look-ups
 
-std::size_t QLX_PropertySet::FindIndex(std::uint32_t tag, std::string_view name) const noexcept {
-    if (!mBlock)
-        return kNotFound;
-    if (!mBlock->mIndexShift) {
-        const std::uint32_t* const tags = mBlock->Tags();
-        for (std::size_t i = 0, count = mBlock->mCount; i < count; ++i)
-            if (tags[i] == tag && mBlock->IsNamed(i, name))
-                return i;
-        return kNotFound;
-    }
-    if (mBlock->mCellSize == 1)
-        return mBlock->Probe<std::uint8_t>(tag, name);
-    return mBlock->mCellSize == 2 ? mBlock->Probe<std::uint16_t>(tag, name)
-                                  : mBlock->Probe<std::uint32_t>(tag, name);
-}
-
 std::size_t QLX_PropertySet::FindIndex(QLX_PropertyType type,
                                        std::string_view name) const noexcept {
-    return FindIndex(TagOf(type, name), name);
-}
-
-bool QLX_PropertySet::FindScalar(QLX_PropertyType type, std::string_view name,
-                                 std::uint64_t& value) const noexcept {
-    const std::size_t index = FindIndex(type, name);
-    if (index == kNotFound)
-        return false;
-    value = mBlock->Entries()[index].mValue;
-    return true;
+    return mBlock ? mBlock->Find(KeyOf(type, name)) : kNotFound;
 }
 
 bool QLX_PropertySet::FindText(QLX_PropertyType type, std::string_view name,
@@ -421,20 +271,62 @@ bool QLX_PropertySet::FindText(QLX_PropertyType type, std::string_view name,
     return true;
 }
 
-bool QLX_PropertySet::GetBoolProperty(std::string_view name, bool& value) const {
-    std::uint64_t raw = 0;
-    if (!FindScalar(qlx_PropType_Bool, name, raw))
+// Look-ups are what building a window does most. The getters of scalars therefore spell out Find
+// for what nearly all look-ups are, names of up to sixteen bytes in sets of up to 254 values,
+// without a call, and leave the others to GetAnyScalar.
+namespace {
+template <class Block, class Value>
+bool GetAnyScalar(Block* block, QLX_PropertyType type, std::string_view name, Value& value) {
+    const std::size_t index = block->Find(KeyOf(type, name));
+    if (index == static_cast<std::size_t>(-1))
         return false;
-    value = raw != 0;
+    value = static_cast<Value>(block->Entries()[index].mValue);
     return true;
 }
 
-bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int32_t& value) const {
-    std::uint64_t raw = 0;
-    if (!FindScalar(qlx_PropType_Int32, name, raw))
+template <QLX_PropertyType kType, class Block, class Value>
+bool GetScalar(Block* block, std::string_view name, Value& value) {
+    if (!block)
         return false;
-    value = static_cast<std::int32_t>(raw);
-    return true;
+    if (name.size() > 16 || block->mCellSize != 1) [[unlikely]]
+        return GetAnyScalar(block, kType, name, value);
+    const Ends ends = EndsOf(name.data(), name.size());
+    const std::uint32_t tag = TagOf(kType, name.size(), ends, 0);
+    const std::uint32_t* const tags = block->Tags();
+    const auto* const entries = block->Entries();
+    const char* const data = block->Data();
+    const auto isIt = [&](std::size_t index) {
+        return tags[index] == tag && entries[index].mNameSize == name.size() &&
+               EndsOf(data + entries[index].mNameOffset, name.size()) == ends;
+    };
+    if (!block->mIndexShift) {
+        for (std::size_t i = 0, count = block->mCount; i < count; ++i) {
+            if (isIt(i)) {
+                value = static_cast<Value>(entries[i].mValue);
+                return true;
+            }
+        }
+        return false;
+    }
+    const unsigned char* const cells = reinterpret_cast<const unsigned char*>(block->Index());
+    for (std::size_t cell = tag >> block->mIndexShift;; ++cell) {
+        const std::size_t number = cells[cell & (block->CellCount() - 1)];
+        if (number == 0)
+            return false;
+        if (isIt(number - 1)) {
+            value = static_cast<Value>(entries[number - 1].mValue);
+            return true;
+        }
+    }
+}
+} // namespace
+
+bool QLX_PropertySet::GetBoolProperty(std::string_view name, bool& value) const {
+    return GetScalar<qlx_PropType_Bool>(mBlock, name, value);
+}
+
+bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int32_t& value) const {
+    return GetScalar<qlx_PropType_Int32>(mBlock, name, value);
 }
 
 bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int64_t& value) const {
@@ -446,19 +338,11 @@ bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int64_t& valu
 }
 
 bool QLX_PropertySet::GetInt64Property(std::string_view name, std::int64_t& value) const {
-    std::uint64_t raw = 0;
-    if (!FindScalar(qlx_PropType_Int64, name, raw))
-        return false;
-    value = static_cast<std::int64_t>(raw);
-    return true;
+    return GetScalar<qlx_PropType_Int64>(mBlock, name, value);
 }
 
 bool QLX_PropertySet::GetIDTypeProperty(std::string_view name, std::uint32_t& value) const {
-    std::uint64_t raw = 0;
-    if (!FindScalar(qlx_PropType_IDType, name, raw))
-        return false;
-    value = static_cast<std::uint32_t>(raw);
-    return true;
+    return GetScalar<qlx_PropType_IDType>(mBlock, name, value);
 }
 
 bool QLX_PropertySet::GetStringProperty(std::string_view name, std::string& value) const {
@@ -470,10 +354,10 @@ bool QLX_PropertySet::GetStringKeyProperty(std::string_view name, std::string& v
 }
 
 bool QLX_PropertySet::GetColorProperty(std::string_view name, CRGBColor& value) const {
-    std::uint64_t raw = 0;
-    if (!FindScalar(qlx_PropType_Color, name, raw))
+    const std::size_t index = FindIndex(qlx_PropType_Color, name);
+    if (index == kNotFound)
         return false;
-    value = UnpackColor(raw);
+    value = UnpackColor(mBlock->Entries()[index].mValue);
     return true;
 }
 
@@ -559,8 +443,7 @@ std::size_t QLX_PropertySet::Append(std::uint32_t tag, std::string_view name) {
     entry.mValue = 0;
     entry.mNameOffset = mBlock->mDataSize;
     entry.mNameSize = static_cast<std::uint32_t>(name.size());
-    if (!name.empty())
-        std::memcpy(mBlock->Data() + mBlock->mDataSize, name.data(), name.size());
+    Copy(mBlock->Data() + mBlock->mDataSize, name.data(), name.size());
     mBlock->mDataSize += entry.mNameSize;
     mBlock->Tags()[index] = tag;
     ++mBlock->mCount;
@@ -570,32 +453,31 @@ std::size_t QLX_PropertySet::Append(std::uint32_t tag, std::string_view name) {
 
 void QLX_PropertySet::StoreScalar(QLX_PropertyType type, std::string_view name,
                                   std::uint64_t value) {
-    const std::uint32_t tag = TagOf(type, name);
-    std::size_t index = FindIndex(tag, name);
+    const Key key = KeyOf(type, name);
+    std::size_t index = mBlock ? mBlock->Find(key) : kNotFound;
     Hold old;
     if (index == kNotFound) {
         MakeRoom(1, name.size(), old);
-        index = Append(tag, name);
+        index = Append(key.mTag, name);
     } else {
         MakeRoom(0, 0, old);
     }
     mBlock->Entries()[index].mValue = value;
 }
 
-void QLX_PropertySet::StoreBytes(std::uint32_t tag, std::string_view name, const void* bytes,
+void QLX_PropertySet::StoreBytes(QLX_PropertyType type, std::string_view name, const void* bytes,
                                  std::size_t size) {
-    const QLX_PropertyType type = static_cast<QLX_PropertyType>(tag & kTypeMask);
-    std::size_t index = FindIndex(tag, name);
+    const Key key = KeyOf(type, name);
+    std::size_t index = mBlock ? mBlock->Find(key) : kNotFound;
     Hold old;
     if (index == kNotFound) {
         MakeRoom(1, name.size() + size, old);
-        index = Append(tag, name);
+        index = Append(key.mTag, name);
     } else {
         MakeRoom(0, size, old);
         mBlock->mGarbage += static_cast<std::uint32_t>(mBlock->Entries()[index].PayloadSize(type));
     }
-    if (size)
-        std::memcpy(mBlock->Data() + mBlock->mDataSize, bytes, size);
+    Copy(mBlock->Data() + mBlock->mDataSize, static_cast<const char*>(bytes), size);
     mBlock->Entries()[index].SetPayload(type, mBlock->mDataSize, size);
     mBlock->mDataSize += static_cast<std::uint32_t>(size);
 }
@@ -613,19 +495,19 @@ void QLX_PropertySet::SetIDTypeProperty(std::string_view name, std::uint32_t val
     StoreScalar(qlx_PropType_IDType, name, value);
 }
 void QLX_PropertySet::SetStringProperty(std::string_view name, std::string_view value) {
-    StoreBytes(TagOf(qlx_PropType_String, name), name, value.data(), value.size());
+    StoreBytes(qlx_PropType_String, name, value.data(), value.size());
 }
 void QLX_PropertySet::SetStringKeyProperty(std::string_view name, std::string_view value) {
-    StoreBytes(TagOf(qlx_PropType_String_Key, name), name, value.data(), value.size());
+    StoreBytes(qlx_PropType_String_Key, name, value.data(), value.size());
 }
 void QLX_PropertySet::SetColorProperty(std::string_view name, const CRGBColor& value) {
     StoreScalar(qlx_PropType_Color, name, PackColor(value));
 }
 void QLX_PropertySet::SetPointProperty(std::string_view name, const VPoint& value) {
-    StoreBytes(TagOf(qlx_PropType_Point, name), name, &value, sizeof value);
+    StoreBytes(qlx_PropType_Point, name, &value, sizeof value);
 }
 void QLX_PropertySet::SetRectProperty(std::string_view name, const VRect& value) {
-    StoreBytes(TagOf(qlx_PropType_Rect, name), name, &value, sizeof value);
+    StoreBytes(qlx_PropType_Rect, name, &value, sizeof value);
 }
 
 bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type,
@@ -722,7 +604,7 @@ void QLX_PropertySet::Merge(const QLX_PropertySet& over) {
     for (std::size_t i = 0; i < from->mCount; ++i) {
         const Entry& entry = from->Entries()[i];
         bytes += entry.PayloadSize(from->TypeAt(i));
-        if (FindIndex(from->Tags()[i], from->NameAt(i)) == kNotFound) {
+        if (FindIndex(from->TypeAt(i), from->NameAt(i)) == kNotFound) {
             ++missing;
             bytes += entry.mNameSize;
         }
@@ -732,16 +614,11 @@ void QLX_PropertySet::Merge(const QLX_PropertySet& over) {
     for (std::size_t i = 0; i < from->mCount; ++i) {
         const Entry& entry = from->Entries()[i];
         const QLX_PropertyType type = from->TypeAt(i);
-        const std::uint32_t tag = from->Tags()[i];
-        if (IsText(type) || FixedPayload(type)) {
-            StoreBytes(tag, from->NameAt(i), from->Data() + entry.PayloadOffset(),
+        if (IsText(type) || FixedPayload(type))
+            StoreBytes(type, from->NameAt(i), from->Data() + entry.PayloadOffset(),
                        entry.PayloadSize(type));
-            continue;
-        }
-        std::size_t index = FindIndex(tag, from->NameAt(i));
-        if (index == kNotFound)
-            index = Append(tag, from->NameAt(i));
-        mBlock->Entries()[index].mValue = entry.mValue;
+        else
+            StoreScalar(type, from->NameAt(i), entry.mValue);
     }
 }
 

@@ -126,17 +126,15 @@ class QLX_API QLX_PropertySet {
     static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
     static Block* NewBlock(std::size_t capacity, std::size_t dataCapacity);
     static void Release(Block* block) noexcept;
-    [[nodiscard]] std::size_t FindIndex(std::uint32_t tag, std::string_view name) const noexcept;
     [[nodiscard]] std::size_t FindIndex(QLX_PropertyType type,
                                         std::string_view name) const noexcept;
-    bool FindScalar(QLX_PropertyType type, std::string_view name,
-                    std::uint64_t& value) const noexcept;
     bool FindText(QLX_PropertyType type, std::string_view name, std::string& value) const;
     [[nodiscard]] Block* CopyBlock(std::size_t capacity, std::size_t dataCapacity) const;
     void MakeRoom(std::size_t entries, std::size_t bytes, Hold& old);
     std::size_t Append(std::uint32_t tag, std::string_view name);
     void StoreScalar(QLX_PropertyType type, std::string_view name, std::uint64_t value);
-    void StoreBytes(std::uint32_t tag, std::string_view name, const void* bytes, std::size_t size);
+    void StoreBytes(QLX_PropertyType type, std::string_view name, const void* bytes,
+                    std::size_t size);
 
     Block* mBlock = nullptr; // counted; shared between copies; null for an empty set
 };

@@ -3,7 +3,6 @@
 #include "qlx/persistence/qlx_sourceformat.h"
 
 #include <algorithm>
-#include <cstring>
 #include <typeinfo>
 #include <utility>
 
@@ -14,10 +13,44 @@ constexpr std::size_t kBlockSize = 1024;
 constexpr std::size_t kLargestBlock = 1 << 20;
 constexpr std::size_t kMostProblems = 1000;
 constexpr std::size_t kMostKnownFilters = 8;
-constexpr const char* kProperty = "property";
-constexpr const char* kIdentifier = "Identifier";
+constexpr char kProperty[] = "property";
+constexpr char kIdentifier[] = "Identifier";
 
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// strcmp with a literal, without a call: nearly every element and attribute goes through here.
+template <std::size_t kSize>
+bool Is(const char* text, const char (&literal)[kSize]) {
+    for (std::size_t i = 0; i < kSize; ++i)
+        if (text[i] != literal[i])
+            return false;
+    return true;
+}
+
+QLX_PropertyType TypeOf(const char* name) {
+    switch (name[0]) {
+    case 'b':
+        return Is(name, "bool") ? qlx_PropType_Bool : qlx_PropType_None;
+    case 'i':
+        if (Is(name, "int32"))
+            return qlx_PropType_Int32;
+        if (Is(name, "idtype"))
+            return qlx_PropType_IDType;
+        return Is(name, "int64") ? qlx_PropType_Int64 : qlx_PropType_None;
+    case 'p':
+        return Is(name, "point") ? qlx_PropType_Point : qlx_PropType_None;
+    case 'r':
+        if (Is(name, "rect"))
+            return qlx_PropType_Rect;
+        return Is(name, "rgbcolor") ? qlx_PropType_Color : qlx_PropType_None;
+    case 's':
+        if (Is(name, "string"))
+            return qlx_PropType_String;
+        return Is(name, "stringidx") ? qlx_PropType_String_Key : qlx_PropType_None;
+    default:
+        return qlx_PropType_None;
+    }
+}
 } // namespace
 
 QLX_SourceObserver::~QLX_SourceObserver() = default;
@@ -158,7 +191,7 @@ void QLX_XMLParser::startElement(const char* name, const char** attributes) {
         Stop();
         return;
     }
-    if (std::strcmp(name, kProperty) == 0)
+    if (Is(name, kProperty))
         StartProperty(attributes);
     else
         StartContainer(name, attributes);
@@ -166,7 +199,7 @@ void QLX_XMLParser::startElement(const char* name, const char** attributes) {
 
 void QLX_XMLParser::endElement(const char* name) {
     --mDepth;
-    if (std::strcmp(name, kProperty) == 0)
+    if (Is(name, kProperty))
         return;
     FlushScratch();
     std::unique_ptr<QLX_RawPropertyContainer> closed(mOpen.back().mContainer);
@@ -191,7 +224,7 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     made.release();
     const QLX_PropertyFilter& filter = QLX_PropertyFilter::DefaultFilter();
     for (; *attributes; attributes += 2) {
-        const bool isIdentifier = std::strcmp(attributes[0], kIdentifier) == 0;
+        const bool isIdentifier = Is(attributes[0], kIdentifier);
         if (plain) {
             UseScratchFor(&container, filter);
             mScratch.SetFromText(attributes[0],
@@ -219,11 +252,11 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
     const char* value = nullptr;
     bool filtered = false;
     for (const char** at = attributes; *at; at += 2) {
-        if (std::strcmp(at[0], "name") == 0)
+        if (Is(at[0], "name"))
             name = at[1];
-        else if (std::strcmp(at[0], "type") == 0)
+        else if (Is(at[0], "type"))
             type = at[1];
-        else if (std::strcmp(at[0], "value") == 0)
+        else if (Is(at[0], "value"))
             value = at[1];
         else
             filtered = true;
@@ -241,7 +274,7 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
 
 void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, const char* type,
                                   const char* value, const QLX_PropertyFilter& filter) {
-    const QLX_PropertyType known = QLX_FindPropertyType(type);
+    const QLX_PropertyType known = TypeOf(type);
     if (known == qlx_PropType_None)
         AddProblem(QLX_SourceProblem::kWarning, std::string("the property \"") + name +
                                                     "\" has the unknown type \"" + type +
@@ -262,8 +295,7 @@ void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, c
 
 const QLX_PropertyFilter& QLX_XMLParser::FilterOf(const char** attributes) {
     const auto isOwn = [](const char* name) {
-        return std::strcmp(name, "name") == 0 || std::strcmp(name, "type") == 0 ||
-               std::strcmp(name, "value") == 0;
+        return Is(name, "name") || Is(name, "type") || Is(name, "value");
     };
     mFilterKey.clear();
     for (const char** at = attributes; *at; at += 2) {
