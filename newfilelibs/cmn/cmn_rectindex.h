@@ -30,6 +30,31 @@ struct Cmn_RectIndexView {
     static void FillBoxes(const Cmn_Rect<int>* rects, std::size_t count, Cmn_Rect<int>* blocks,
                           Cmn_Rect<int>* groups) noexcept;
 
+    /// Calls found(index) for every rectangle that overlaps the probe with positive area, in order.
+    template <class Found>
+    void ForEach(const Cmn_Rect<int>& probe, Found found) const {
+        if (probe.Empty())
+            return;
+        const Cmn_RectScan::OverlapProbe scan(probe);
+        const auto check = [&](std::size_t index) {
+            if (!mRects[index].Empty()) // see FindFirst
+                found(index);
+        };
+        if (!mBlocks) {
+            Cmn_RectScan::ForEach(scan, mRects, 0, mCount, check);
+            return;
+        }
+        const auto enterBlock = [&](std::size_t block) {
+            Cmn_RectScan::ForEach(scan, mRects, block * kBlock,
+                                  std::min(mCount, (block + 1) * kBlock), check);
+        };
+        Cmn_RectScan::ForEach(scan, mGroups, 0, GroupCount(mCount), [&](std::size_t group) {
+            constexpr std::size_t blocks = kGroup / kBlock;
+            Cmn_RectScan::ForEach(scan, mBlocks, group * blocks,
+                                  std::min(BlockCount(mCount), (group + 1) * blocks), enterBlock);
+        });
+    }
+
     /// The first index from `from` on whose rectangle overlaps the probe with positive area, or the
     /// count.
     [[nodiscard]] std::size_t FindFirst(const Cmn_Rect<int>& probe,
@@ -65,30 +90,4 @@ class Cmn_RectIndex {
   private:
     Cmn_Scratch<Cmn_Rect<int>, 32> mBoxes;
     Cmn_RectIndexView mView;
-};
-
-/// Rectangles in order that are appended and removed while the first overlapping one is asked for.
-/// Indices stay: a removed rectangle leaves a place that overlaps nothing.
-class Cmn_PendingRects {
-  public:
-    void Append(const Cmn_Rect<int>& rect);
-    void Remove(std::size_t index) noexcept;
-    [[nodiscard]] std::size_t size() const noexcept { return mRects.size(); }
-    [[nodiscard]] const Cmn_Rect<int>& operator[](std::size_t index) const noexcept {
-        return mRects[index];
-    }
-    [[nodiscard]] bool IsRemoved(std::size_t index) const noexcept {
-        return mRects[index] == Cmn_RectScan::kNowhere;
-    }
-    [[nodiscard]] std::size_t FindFirst(const Cmn_Rect<int>& probe,
-                                        std::size_t from) const noexcept;
-
-  private:
-    void FillBoxes();
-    void RefreshBlock(std::size_t block) noexcept;
-    void RefreshGroup(std::size_t group) noexcept;
-
-    Cmn_Scratch<Cmn_Rect<int>, 48> mRects;
-    Cmn_Scratch<Cmn_Rect<int>, 16> mBlocks;
-    Cmn_Scratch<Cmn_Rect<int>, 4> mGroups;
 };

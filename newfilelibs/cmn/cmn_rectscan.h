@@ -168,6 +168,20 @@ template <class Probe>
     return end;
 }
 
+/// Calls found(index) for every index in [from, end) whose rectangle the probe hits, in order.
+template <class Probe, class Found>
+inline void ForEach(const Probe& probe, const Rect* rects, std::size_t from, std::size_t end,
+                    Found found) {
+    for (; from + 4 <= end; from += 4) {
+        for (unsigned bits = probe.Four(rects + from); bits != 0; bits &= bits - 1)
+            found(from + static_cast<std::size_t>(std::countr_zero(bits)) / 4);
+    }
+    for (; from < end; ++from) {
+        if (probe.One(rects + from))
+            found(from);
+    }
+}
+
 /// The rectangles' bounding box; kNowhere for none.
 [[nodiscard]] inline Rect BoundsOf(const Rect* rects, std::size_t count) noexcept {
     Bounds bounds;

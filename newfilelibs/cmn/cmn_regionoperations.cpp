@@ -11,91 +11,180 @@ Rect CommonPart(const Rect& a, const Rect& b) noexcept {
             std::min(a.bottom, b.bottom)};
 }
 
-// Rectangles that wait, first in, first out, each with the place in the other list from where on it
-// may overlap something: pieces of a rectangle need not be held against what the whole one missed.
+// For rectangles of positive size.
+bool Overlap(const Rect& a, const Rect& b) noexcept {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+// A rectangle that waits to be cut, and which rectangles of the other list it or its pieces may
+// overlap: a span of the list of overlaps that was made before cutting began.
+struct Waiting {
+    Rect mRect;
+    std::uint32_t mFirst;
+    std::uint32_t mEnd;
+};
+
+// First in, first out.
 class Queue {
   public:
-    struct Entry {
-        Rect mRect;
-        std::uint32_t mFrom;
-    };
-    void Append(const Rect& rect, std::size_t from) {
-        mEntries.Append({rect, static_cast<std::uint32_t>(from)});
-    }
-    [[nodiscard]] bool IsEmpty() const noexcept { return mTaken == mEntries.size(); }
-    [[nodiscard]] Entry Take() noexcept { return mEntries[mTaken++]; }
-    /// All that wait, for a change of where they are held against.
-    [[nodiscard]] Entry* begin() noexcept { return mEntries.data() + mTaken; }
-    [[nodiscard]] Entry* end() noexcept { return mEntries.end(); }
+    void Append(const Waiting& waiting) { mWaiting.Append(waiting); }
+    [[nodiscard]] bool IsEmpty() const noexcept { return mTaken == mWaiting.size(); }
+    [[nodiscard]] Waiting Take() noexcept { return mWaiting[mTaken++]; }
 
   private:
-    Cmn_Scratch<Entry, 32> mEntries;
+    Cmn_Scratch<Waiting, 48> mWaiting;
     std::size_t mTaken = 0;
 };
 
-// Copies the rectangles that do not overlap the probe; the others go to the queue.
-void SplitByOne(const Cmn_RectOperand& list, const Rect& probe, Cmn_UnjoinedRects& out,
-                Queue& queue) {
-    const Cmn_RectIndexView view{list.mRects, list.mCount};
-    std::size_t start = 0;
-    while (start < list.mCount) {
-        const std::size_t found = view.FindFirst(probe, start);
-        out.mRects.Append(list.mRects + start, found - start);
-        if (found < list.mCount)
-            queue.Append(list.mRects[found], 0);
-        start = found + 1;
-    }
-}
+using Overlaps = Cmn_Scratch<std::uint32_t, 64>;
 
-constexpr std::uint32_t kUntouched = 0xFFFFFFFFU;
-
-// The same against many; `touched` is given the place of each of them among those that something
-// overlaps, or kUntouched.
-void SplitByMany(const Cmn_RectOperand& list, const Cmn_RectIndexView& others,
-                 Cmn_UnjoinedRects& out, Queue& queue, std::uint32_t* touched) {
-    std::fill(touched, touched + others.mCount, kUntouched);
+// Copies the rectangles that overlap none of the others; the rest waits, with its overlaps listed.
+void Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others, Cmn_UnjoinedRects& out,
+           Queue& queue, Overlaps& overlaps) {
+    const Cmn_RectIndex index(others.mRects, others.mCount);
     for (std::size_t i = 0; i < list.mCount; ++i) {
         const Rect& rect = list.mRects[i];
-        const std::size_t first = others.FindFirst(rect, 0);
-        if (first == others.mCount) {
+        const auto first = static_cast<std::uint32_t>(overlaps.size());
+        index.View().ForEach(
+            rect, [&](std::size_t other) { overlaps.Append(static_cast<std::uint32_t>(other)); });
+        const auto end = static_cast<std::uint32_t>(overlaps.size());
+        if (first == end)
             out.mRects.Append(rect);
-            continue;
-        }
-        queue.Append(rect, first);
-        for (std::size_t j = first; j < others.mCount; j = others.FindFirst(rect, j + 1))
-            touched[j] = 0;
+        else
+            queue.Append({rect, first, end});
     }
-    std::uint32_t place = 0;
-    for (std::size_t j = 0; j < others.mCount; ++j) {
-        if (touched[j] != kUntouched)
-            touched[j] = place++;
-    }
-    for (Queue::Entry& entry : queue)
-        entry.mFrom = touched[entry.mFrom];
 }
 
+// The same against a single rectangle, whose overlaps need no list.
+void SplitByOne(const Cmn_RectOperand& list, const Rect& other, Cmn_UnjoinedRects& out,
+                Queue& queue, Overlaps& overlaps) {
+    overlaps.Append(0);
+    const Cmn_RectIndexView view{list.mRects, list.mCount};
+    std::size_t start = 0;
+    view.ForEach(other, [&](std::size_t found) {
+        out.mRects.Append(list.mRects + start, found - start);
+        queue.Append({list.mRects[found], 0, 1});
+        start = found + 1;
+    });
+    out.mRects.Append(list.mRects + start, list.mCount - start);
+}
+
+// The smaller list of a union while it is cut. A rectangle that is cut leaves the list and its
+// pieces are appended, so the list's order is that of the numbers here; pieces lie inside what they
+// were cut from, so a search can follow the cuts down from the rectangles of the beginning.
+class CutList {
+  public:
+    CutList(const Cmn_RectOperand& operand, const Overlaps& overlaps)
+        : mOverlaps(overlaps), mOriginals(static_cast<std::uint32_t>(operand.mCount)),
+          mSorted(operand.mJoined) {
+        mNodes.Resize(operand.mCount);
+        for (std::size_t i = 0; i < operand.mCount; ++i)
+            mNodes[i] = {operand.mRects[i], kUncut, false};
+        for (std::size_t i = 0; i < overlaps.size(); ++i)
+            mNodes[overlaps[i]].mIsOverlapped = true;
+    }
+
+    static constexpr std::uint32_t kNone = 0xFFFFFFFFU;
+
+    /// The first rectangle in the list that overlaps the waiting one, or kNone. Narrows the span to
+    /// what its pieces may overlap.
+    [[nodiscard]] std::uint32_t FindFirst(Waiting& waiting) const noexcept {
+        // Rectangles of the beginning stand before all pieces.
+        std::uint32_t firstCut = waiting.mEnd;
+        std::uint32_t i = waiting.mFirst;
+        for (; i < waiting.mEnd; ++i) {
+            const Node& node = mNodes[mOverlaps[i]];
+            if (mSorted && node.mRect.top >= waiting.mRect.bottom)
+                break;
+            if (!Overlap(node.mRect, waiting.mRect))
+                continue;
+            firstCut = std::min(firstCut, i);
+            if (node.mPieces == kUncut) {
+                waiting.mFirst = firstCut;
+                return mOverlaps[i];
+            }
+        }
+        waiting.mFirst = firstCut;
+        waiting.mEnd = i;
+        std::uint32_t first = kNone;
+        for (i = firstCut; i < waiting.mEnd; ++i) {
+            const Node& node = mNodes[mOverlaps[i]];
+            if (Overlap(node.mRect, waiting.mRect))
+                FindFirstPiece(node, waiting.mRect, first);
+        }
+        return first;
+    }
+
+    [[nodiscard]] const Rect& operator[](std::uint32_t number) const noexcept {
+        return mNodes[number].mRect;
+    }
+
+    /// Replaces a rectangle by its pieces without the part that lies in it.
+    void Cut(std::uint32_t number, const Rect& part) {
+        Rect pieces[4];
+        const int count = mNodes[number].mRect.Cut(part, pieces);
+        mNodes[number].mPieces =
+            static_cast<std::uint32_t>(mNodes.size()) << 3 | static_cast<std::uint32_t>(count);
+        for (int i = 0; i < count; ++i)
+            mNodes.Append({pieces[i], kUncut, true});
+    }
+
+    void AppendUntouched(Cmn_UnjoinedRects& out) const {
+        for (std::uint32_t i = 0; i < mOriginals; ++i) {
+            if (!mNodes[i].mIsOverlapped)
+                out.mRects.Append(mNodes[i].mRect);
+        }
+    }
+    void AppendRest(Cmn_UnjoinedRects& out) const {
+        for (std::size_t i = 0; i < mNodes.size(); ++i) {
+            if (mNodes[i].mIsOverlapped && mNodes[i].mPieces == kUncut)
+                out.mRects.Append(mNodes[i].mRect);
+        }
+    }
+
+  private:
+    static constexpr std::uint32_t kUncut = 0xFFFFFFFFU;
+
+    struct Node {
+        Rect mRect;
+        std::uint32_t mPieces; // the first piece's number << 3 | their count; or kUncut
+        bool mIsOverlapped;    // or a piece of one that was
+    };
+
+    void FindFirstPiece(const Node& node, const Rect& probe, std::uint32_t& first) const noexcept {
+        const std::uint32_t start = node.mPieces >> 3;
+        const std::uint32_t end = start + (node.mPieces & 7);
+        for (std::uint32_t i = start; i < end && i < first; ++i) {
+            if (!Overlap(mNodes[i].mRect, probe))
+                continue;
+            if (mNodes[i].mPieces == kUncut)
+                first = i;
+            else
+                FindFirstPiece(mNodes[i], probe, first);
+        }
+    }
+
+    const Overlaps& mOverlaps;
+    Cmn_Scratch<Node, 64> mNodes;
+    std::uint32_t mOriginals;
+    bool mSorted;
+};
+
 // Cuts the larger list's waiting rectangles and the smaller's against each other.
-void CutBoth(Queue& larger, Cmn_PendingRects& smaller, Cmn_UnjoinedRects& out) {
+void CutBoth(Queue& queue, CutList& smaller, Cmn_UnjoinedRects& out) {
     Rect pieces[4];
-    while (!larger.IsEmpty()) {
-        const Queue::Entry entry = larger.Take();
-        const std::size_t found = smaller.FindFirst(entry.mRect, entry.mFrom);
-        if (found == smaller.size()) {
-            out.mRects.Append(entry.mRect);
+    while (!queue.IsEmpty()) {
+        Waiting waiting = queue.Take();
+        const std::uint32_t found = smaller.FindFirst(waiting);
+        if (found == CutList::kNone) {
+            out.mRects.Append(waiting.mRect);
             continue;
         }
-        const Rect other = smaller[found];
-        const Rect common = CommonPart(entry.mRect, other);
+        const Rect common = CommonPart(waiting.mRect, smaller[found]);
         out.mRects.Append(common);
-        for (int i = 0, count = entry.mRect.Cut(common, pieces); i < count; ++i)
-            larger.Append(pieces[i], found + 1);
-        smaller.Remove(found);
-        for (int i = 0, count = other.Cut(common, pieces); i < count; ++i)
-            smaller.Append(pieces[i]);
-    }
-    for (std::size_t i = 0; i < smaller.size(); ++i) {
-        if (!smaller.IsRemoved(i))
-            out.mRects.Append(smaller[i]);
+        for (int i = 0, count = waiting.mRect.Cut(common, pieces); i < count; ++i)
+            queue.Append({pieces[i], waiting.mFirst, waiting.mEnd});
+        smaller.Cut(found, common);
     }
 }
 
@@ -105,33 +194,23 @@ void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smalle
                     Cmn_UnjoinedRects& out) {
     out.mDisjoint = larger.mDisjoint && smaller.mDisjoint;
     Queue queue;
-    Cmn_PendingRects pending;
-    std::size_t head = 0;
-    if (smaller.mCount == 1) {
-        SplitByOne(larger, smaller.mRects[0], out, queue);
-        head = out.mRects.size();
-        if (queue.IsEmpty())
-            out.mRects.Append(smaller.mRects[0]);
-        else
-            pending.Append(smaller.mRects[0]);
-    } else {
-        Cmn_Scratch<std::uint32_t, 64> touched;
-        touched.Resize(smaller.mCount);
-        const Cmn_RectIndex index(smaller.mRects, smaller.mCount);
-        SplitByMany(larger, index.View(), out, queue, touched.data());
-        head = out.mRects.size();
-        for (std::size_t i = 0; i < smaller.mCount; ++i) {
-            if (touched[i] == kUntouched)
-                out.mRects.Append(smaller.mRects[i]);
-            else
-                pending.Append(smaller.mRects[i]);
-        }
+    Overlaps overlaps;
+    if (smaller.mCount == 1)
+        SplitByOne(larger, smaller.mRects[0], out, queue, overlaps);
+    else
+        Split(larger, smaller, out, queue, overlaps);
+    out.mHead = larger.mJoined ? out.mRects.size() : 0;
+    if (queue.IsEmpty()) {
+        out.mRects.Append(smaller.mRects, smaller.mCount);
+        out.mNext = larger.mJoined && smaller.mJoined ? smaller.mCount : 0;
+        return;
     }
-    if (larger.mJoined) {
-        out.mHead = head;
-        out.mNext = smaller.mJoined ? out.mRects.size() - head : 0;
-    }
-    CutBoth(queue, pending, out);
+    CutList cutList(smaller, overlaps);
+    const std::size_t untouched = out.mRects.size();
+    cutList.AppendUntouched(out);
+    out.mNext = larger.mJoined && smaller.mJoined ? out.mRects.size() - untouched : 0;
+    CutBoth(queue, cutList, out);
+    cutList.AppendRest(out);
 }
 
 void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& other,
@@ -140,15 +219,15 @@ void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& othe
     if (other.mCount == 1) {
         const Cmn_RectIndexView view{list.mRects, list.mCount};
         const Rect& clip = other.mRects[0];
-        for (std::size_t i = 0; (i = view.FindFirst(clip, i)) < list.mCount; ++i)
-            out.mRects.Append(CommonPart(list.mRects[i], clip));
+        view.ForEach(clip,
+                     [&](std::size_t i) { out.mRects.Append(CommonPart(list.mRects[i], clip)); });
         return;
     }
     const Cmn_RectIndex index(other.mRects, other.mCount);
     for (std::size_t i = 0; i < list.mCount; ++i) {
         const Rect& rect = list.mRects[i];
-        for (std::size_t j = 0; (j = index.View().FindFirst(rect, j)) < other.mCount; ++j)
-            out.mRects.Append(CommonPart(rect, other.mRects[j]));
+        index.View().ForEach(
+            rect, [&](std::size_t j) { out.mRects.Append(CommonPart(rect, other.mRects[j])); });
     }
 }
 
@@ -156,28 +235,24 @@ void Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutte
                        Cmn_UnjoinedRects& out) {
     out.mDisjoint = list.mDisjoint;
     Queue queue;
-    const Cmn_RectIndex index(cutters.mRects, cutters.mCount);
-    if (cutters.mCount == 1) {
-        SplitByOne(list, cutters.mRects[0], out, queue);
-    } else {
-        for (std::size_t i = 0; i < list.mCount; ++i) {
-            const std::size_t first = index.View().FindFirst(list.mRects[i], 0);
-            if (first == cutters.mCount)
-                out.mRects.Append(list.mRects[i]);
-            else
-                queue.Append(list.mRects[i], first);
-        }
-    }
+    Overlaps overlaps;
+    if (cutters.mCount == 1)
+        SplitByOne(list, cutters.mRects[0], out, queue, overlaps);
+    else
+        Split(list, cutters, out, queue, overlaps);
     out.mHead = list.mJoined ? out.mRects.size() : 0;
     Rect pieces[4];
     while (!queue.IsEmpty()) {
-        const Queue::Entry entry = queue.Take();
-        const std::size_t found = index.View().FindFirst(entry.mRect, entry.mFrom);
-        if (found == cutters.mCount) {
-            out.mRects.Append(entry.mRect);
+        Waiting waiting = queue.Take();
+        while (waiting.mFirst < waiting.mEnd &&
+               !Overlap(waiting.mRect, cutters.mRects[overlaps[waiting.mFirst]]))
+            ++waiting.mFirst;
+        if (waiting.mFirst == waiting.mEnd) {
+            out.mRects.Append(waiting.mRect);
             continue;
         }
-        for (int i = 0, count = entry.mRect.Cut(cutters.mRects[found], pieces); i < count; ++i)
-            queue.Append(pieces[i], found + 1);
+        const Rect& cutter = cutters.mRects[overlaps[waiting.mFirst]];
+        for (int i = 0, count = waiting.mRect.Cut(cutter, pieces); i < count; ++i)
+            queue.Append({pieces[i], waiting.mFirst + 1, waiting.mEnd});
     }
 }
