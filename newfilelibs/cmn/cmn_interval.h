@@ -13,5 +13,11 @@ class QLX_API Cmn_Interval {
 
     /// Reports (as a trace assertion; nothing is changed) a rectangle whose width or height does
     /// not fit. Returns whether both do.
-    static bool CheckRect(const Cmn_Rect<int>& rect) noexcept;
+    static bool CheckRect(const Cmn_Rect<int>& rect) noexcept {
+        return (IsInRange(rect.left, rect.right) && IsInRange(rect.top, rect.bottom)) ||
+               Report(rect);
+    }
+
+  private:
+    static bool Report(const Cmn_Rect<int>& rect) noexcept;
 };

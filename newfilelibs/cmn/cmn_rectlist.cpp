@@ -84,6 +84,27 @@ void Cmn_RectList::Resize(std::size_t count) {
     mSize = static_cast<std::uint32_t>(count);
 }
 
+void Cmn_RectList::Insert(std::size_t index, const Cmn_Rect<int>& rect) {
+    const Cmn_Rect<int> copy = rect; // may lie in this list
+    if (mSize == mCapacity)
+        Reserve(std::size_t{mCapacity} * 2);
+    CopyRects(mData + index + 1, mData + index, mSize - index);
+    mData[index] = copy;
+    ++mSize;
+}
+
+void Cmn_RectList::ReplaceInOrder(std::size_t index, const Cmn_Rect<int>& rect) noexcept {
+    const auto precedes = [](const Cmn_Rect<int>& a, const Cmn_Rect<int>& b) {
+        return a.top != b.top ? a.top < b.top : a.left < b.left;
+    };
+    const Cmn_Rect<int> copy = rect; // may lie in this list
+    for (; index > 0 && precedes(copy, mData[index - 1]); --index)
+        mData[index] = mData[index - 1];
+    for (; index + 1 < mSize && precedes(mData[index + 1], copy); ++index)
+        mData[index] = mData[index + 1];
+    mData[index] = copy;
+}
+
 void Cmn_RectList::Erase(std::size_t index) noexcept {
     CopyRects(mData + index, mData + index + 1, mSize - index - 1);
     --mSize;

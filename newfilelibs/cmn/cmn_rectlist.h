@@ -16,7 +16,7 @@ class QLX_API Cmn_RectList {
     using iterator = const_iterator;
     using size_type = std::size_t;
 
-    static constexpr std::size_t kInlineCapacity = 4;
+    static constexpr std::size_t kInlineCapacity = 12;
 
     Cmn_RectList() noexcept {}
     Cmn_RectList(const Cmn_RectList& other) { Assign(other.data(), other.size()); }
@@ -77,6 +77,11 @@ class QLX_API Cmn_RectList {
             Replace(count);
         mSize = static_cast<std::uint32_t>(count);
     }
+    /// Makes room at an index and puts one there.
+    void Insert(std::size_t index, const Cmn_Rect<int>& rect);
+    /// Puts a rectangle in the place of one, moved to where it stands in order (by top, then left)
+    /// among the others, which are in order.
+    void ReplaceInOrder(std::size_t index, const Cmn_Rect<int>& rect) noexcept;
     /// Removes one and closes the gap.
     void Erase(std::size_t index) noexcept;
     /// Keeps its memory.

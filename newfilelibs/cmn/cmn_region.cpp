@@ -72,8 +72,46 @@ void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& ot
     result.FinishFrom(unjoined);
 }
 
+void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const {
+    if (IsKnown(kKnown_Joined) && !(result.mFlags & kFlag_NoJoining)) {
+        result.CopyList(*this);
+        result.mBounds = mBounds;
+        result.mFlags = mFlags;
+        if (result.UniteQuickly(rect))
+            return;
+        result.Clear();
+    }
+    Union(result, Cmn_RegionCore(rect));
+}
+
 void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
     Union(*this, other); // an operation reads its operands before it writes
+}
+
+void Cmn_RegionCore<int>::UniteWith(const Cmn_Rect<int>& rect) {
+    if (!UniteQuickly(rect))
+        Union(*this, Cmn_RegionCore(rect));
+}
+
+// The union with one rectangle where it takes no more than a look at the list.
+bool Cmn_RegionCore<int>::UniteQuickly(const Cmn_Rect<int>& rect) {
+    if (!IsKnown(kKnown_Joined) || (mFlags & kFlag_NoJoining))
+        return false;
+    Cmn_Interval::CheckRect(rect);
+    if (rect.Empty())
+        return true;
+    const Cmn_QuickUnion quick = Cmn_FindQuickUnion(Cmn_RectOperand(*this), rect);
+    if (quick.mKind == Cmn_QuickUnion::kUnknown)
+        return false;
+    if (quick.mKind == Cmn_QuickUnion::kInsert)
+        mRects.Insert(quick.mIndex, quick.mRect);
+    else if (quick.mKind == Cmn_QuickUnion::kReplace)
+        mRects.ReplaceInOrder(quick.mIndex, quick.mRect);
+    if (mRects.size() == 1)
+        mBounds = mRects[0];
+    else
+        mBounds |= rect; // stale bounds stay stale
+    return true;
 }
 
 void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {

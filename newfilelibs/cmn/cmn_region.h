@@ -47,8 +47,11 @@ class QLX_API Cmn_RegionCore<int> {
     void Difference(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
     void Xor(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
 
-    /// Union into this core itself, with the same list as the one above.
+    /// Union with one rectangle.
+    void Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const;
+    /// Union into this core itself, with the same list as those above.
     void UniteWith(const Cmn_RegionCore& other);
+    void UniteWith(const Cmn_Rect<int>& rect);
 
     // Changes
 
@@ -109,6 +112,7 @@ class QLX_API Cmn_RegionCore<int> {
 
     [[nodiscard]] bool IsKnown(EKnown what) const noexcept { return (mKnown & what) != 0; }
     void CopyList(const Cmn_RegionCore& other);
+    [[nodiscard]] bool UniteQuickly(const Cmn_Rect<int>& rect);
     void FinishFrom(Cmn_UnjoinedRects& unjoined);
     friend struct Cmn_RectOperand;
 
@@ -155,6 +159,7 @@ class Cmn_Region {
     // Operations: each returns a new region
 
     [[nodiscard]] Cmn_Region Union(const Cmn_Region& other) const;
+    [[nodiscard]] Cmn_Region Union(const Cmn_Rect<T>& rect) const;
     [[nodiscard]] Cmn_Region Intersection(const Cmn_Region& other) const;
     /// This without the other.
     [[nodiscard]] Cmn_Region Difference(const Cmn_Region& other) const;
@@ -216,7 +221,8 @@ class Cmn_Region {
     [[nodiscard]] static Cmn_RefCountPtr<Impl> NewImpl();
     [[nodiscard]] bool OwnImpl() const;
     [[nodiscard]] bool IsOnlyOwner() const noexcept;
-    Cmn_Region& UniteWith(const Cmn_RegionCore<T>& other);
+    template <class Operand>
+    Cmn_Region& UniteInPlace(const Operand& other);
     static void Finish(Cmn_RegionCore<T>& core) noexcept;
     template <class Operation>
     [[nodiscard]] static Cmn_Region Make(Operation operation);

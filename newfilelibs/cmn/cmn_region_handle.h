@@ -52,6 +52,11 @@ Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Region& other) const {
 }
 
 template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Rect<T>& rect) const {
+    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, rect); });
+}
+
+template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Intersection(const Cmn_Region& other) const {
     return Make([&](Cmn_RegionCore<T>& core) { GetCore().Intersection(core, other.GetCore()); });
 }
@@ -102,7 +107,8 @@ bool Cmn_Region<T, Impl>::IsOnlyOwner() const noexcept {
 }
 
 template <class T, class Impl>
-Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_RegionCore<T>& other) {
+template <class Operand>
+Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteInPlace(const Operand& other) {
     if (!IsOnlyOwner()) {
         mImpl = Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other); }).mImpl;
         return *this;
@@ -114,12 +120,12 @@ Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_RegionCore<T>& oth
 
 template <class T, class Impl>
 Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Region& other) {
-    return UniteWith(other.GetCore());
+    return UniteInPlace(other.GetCore());
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Rect<T>& rect) {
-    return UniteWith(Cmn_RegionCore<T>(rect));
+    return UniteInPlace(rect);
 }
 
 template <class T, class Impl>

@@ -112,10 +112,24 @@ class Player {
         return result;
     }
 
+    // By one of the doors that a single rectangle may take.
+    Pair AddOne(const Pair& to) {
+        const Rect rect = MakeRect();
+        Pair result = to;
+        result.mRects = literal::Union(to.mRects, rect.Empty() ? Rects{} : Rects{rect});
+        if (Below(2)) {
+            result.mCore.UniteWith(rect);
+        } else {
+            result.mCore = Core();
+            to.mCore.Union(result.mCore, rect);
+        }
+        return result;
+    }
+
     Pair Gather() {
         Pair pair;
         for (int i = 0, count = Between(0, mCount); i < count; ++i)
-            pair = Combine(pair, Single(), Below(8) == 0 ? 3 : 0);
+            pair = Below(2) ? AddOne(pair) : Combine(pair, Single(), Below(4) == 0 ? 3 : 0);
         return pair;
     }
 
@@ -136,7 +150,7 @@ class Player {
         Pair& target = mPairs[Below(kPairs)];
         const Pair a = mPairs[Below(kPairs)];
         const Pair b = Below(3) == 0 ? Single() : mPairs[Below(kPairs)];
-        const int operation = Below(12);
+        const int operation = Below(13);
         std::ostringstream what;
         what << "operation " << operation << " on\n"
              << a.mCore.GetRectList() << "\nwith\n"
@@ -171,6 +185,8 @@ class Player {
             result.mCore.OffsetWithin(dx, dy, within);
             result.mRects = literal::OffsetWithin(a.mRects, dx, dy, within);
             return result;
+        case 12:
+            return AddOne(a);
         default:
             return Combine(a, b, operation % 4);
         }
@@ -233,10 +249,29 @@ void PlayAll(int rounds, int count, int steps) {
     }
 }
 
-TEST(CmnRegionLists, FewRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(150), 8, 12); }
+// Every rectangle of a small grid with every other one, alone in the list: all the ways in which
+// one can lie inside the other.
+TEST(CmnRegionLists, TwoRectanglesOfASmallGrid) {
+    constexpr int side = 5;
+    Rects all;
+    for (int top = 0; top < side; ++top)
+        for (int left = 0; left < side; ++left)
+            for (int bottom = top + 1; bottom <= side; ++bottom)
+                for (int right = left + 1; right <= side; ++right)
+                    all.emplace_back(left, top, right, bottom);
+    for (const Rect& first : all) {
+        for (const Rect& second : all) {
+            Core core(first);
+            core.UniteWith(second);
+            ASSERT_EQ(ToRects(core), literal::Union({first}, {second})) << first << second;
+        }
+    }
+}
+
+TEST(CmnRegionLists, FewRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(400), 8, 16); }
 
 TEST(CmnRegionLists, DozensOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(25), 40, 12); }
 
-TEST(CmnRegionLists, HundredsOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(2), 300, 6); }
+TEST(CmnRegionLists, HundredsOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(3), 250, 5); }
 
 } // namespace

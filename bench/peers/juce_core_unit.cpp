@@ -1,0 +1,2 @@
+// The part of JUCE that its rectangle lists need, built into the benchmark.
+#include <juce_core/juce_core.cpp>
