@@ -60,12 +60,12 @@ std::size_t Cmn_RectIndexView::SearchBoxes(const Cmn_RectScan::OverlapProbe& sca
     return mCount;
 }
 
-Cmn_RectIndex::Cmn_RectIndex(const Rect* rects, std::size_t count) : mView{rects, count} {
-    if (count < View::kWorthwhile)
+Cmn_RectIndex::Cmn_RectIndex(const Cmn_RectIndexView& list) : mView(list) {
+    const std::size_t count = list.mCount;
+    if (list.mBlocks || count < Cmn_RectList::kBoxedFrom)
         return;
-    const std::size_t blockCount = View::BlockCount(count);
-    mBoxes.Resize(blockCount + View::GroupCount(count));
-    mView.mBlocks = mBoxes.data();
-    mView.mGroups = mBoxes.data() + blockCount;
-    View::FillBoxes(rects, count, mBoxes.data(), mBoxes.data() + blockCount);
+    mBoxes.Resize(Cmn_RectIndexView::BoxCount(count));
+    Cmn_RectIndexView::FillBoxes(list.mRects, count, mBoxes.data(),
+                                 mBoxes.data() + Cmn_RectIndexView::BlockCount(count));
+    mView = Cmn_RectIndexView(list.mRects, count, mBoxes.data());
 }

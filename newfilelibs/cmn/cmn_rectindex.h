@@ -5,6 +5,7 @@
 // at.
 #pragma once
 
+#include "newfilelibs/cmn/cmn_rectlist.h"
 #include "newfilelibs/cmn/cmn_rectscan.h"
 #include "newfilelibs/cmn/cmn_scratch.h"
 
@@ -12,13 +13,6 @@
 struct Cmn_RectIndexView {
     static constexpr std::size_t kBlock = 8;  ///< rectangles a box
     static constexpr std::size_t kGroup = 64; ///< rectangles a box of boxes
-    /// Shorter lists are searched as fast without boxes.
-    static constexpr std::size_t kWorthwhile = 24;
-
-    const Cmn_Rect<int>* mRects = nullptr;
-    std::size_t mCount = 0;
-    const Cmn_Rect<int>* mBlocks = nullptr;
-    const Cmn_Rect<int>* mGroups = nullptr;
 
     [[nodiscard]] static constexpr std::size_t BlockCount(std::size_t count) noexcept {
         return (count + kBlock - 1) / kBlock;
@@ -26,6 +20,19 @@ struct Cmn_RectIndexView {
     [[nodiscard]] static constexpr std::size_t GroupCount(std::size_t count) noexcept {
         return (count + kGroup - 1) / kGroup;
     }
+    /// Boxes and boxes of boxes together; the former come first.
+    [[nodiscard]] static constexpr std::size_t BoxCount(std::size_t count) noexcept {
+        return BlockCount(count) + GroupCount(count);
+    }
+
+    Cmn_RectIndexView(const Cmn_Rect<int>* rects, std::size_t count,
+                      const Cmn_Rect<int>* boxes = nullptr) noexcept
+        : mRects(rects), mCount(count), mBlocks(boxes),
+          mGroups(boxes ? boxes + BlockCount(count) : nullptr) {}
+    /// With the boxes that the list has.
+    explicit Cmn_RectIndexView(const Cmn_RectList& list) noexcept
+        : Cmn_RectIndexView(list.data(), list.size(), list.GetBoxes()) {}
+
     /// Fills the boxes of a whole list: BlockCount(count) and GroupCount(count) of them.
     static void FillBoxes(const Cmn_Rect<int>* rects, std::size_t count, Cmn_Rect<int>* blocks,
                           Cmn_Rect<int>* groups) noexcept;
@@ -55,6 +62,11 @@ struct Cmn_RectIndexView {
         });
     }
 
+    /// Whether any rectangle overlaps the probe with positive area.
+    [[nodiscard]] bool Touches(const Cmn_Rect<int>& probe) const noexcept {
+        return FindFirst(probe, 0) < mCount;
+    }
+
     /// The first index from `from` on whose rectangle overlaps the probe with positive area, or the
     /// count.
     [[nodiscard]] std::size_t FindFirst(const Cmn_Rect<int>& probe,
@@ -68,6 +80,11 @@ struct Cmn_RectIndexView {
             ++from;
         return from;
     }
+
+    const Cmn_Rect<int>* mRects;
+    std::size_t mCount;
+    const Cmn_Rect<int>* mBlocks;
+    const Cmn_Rect<int>* mGroups;
 
   private:
     [[nodiscard]] std::size_t Search(const Cmn_RectScan::OverlapProbe& scan,
@@ -84,7 +101,8 @@ struct Cmn_RectIndexView {
 /// Boxes for a list that stays as it is while they are used.
 class Cmn_RectIndex {
   public:
-    Cmn_RectIndex(const Cmn_Rect<int>* rects, std::size_t count);
+    /// Uses the boxes that the list has, or makes its own where they are worth it.
+    explicit Cmn_RectIndex(const Cmn_RectIndexView& list);
     [[nodiscard]] const Cmn_RectIndexView& View() const noexcept { return mView; }
 
   private:

@@ -6,6 +6,7 @@
 
 #include "basekit/cmn/cmn_failure.h"
 #include "basekit/cmn/cmn_memory.h"
+#include "newfilelibs/cmn/cmn_rectindex.h"
 
 namespace {
 
@@ -15,6 +16,11 @@ Cmn_Rect<int>* AllocateRects(std::size_t count) {
     if (count > kLargestCapacity)
         Cmn_RaiseFailure(kFailure_OutOfMemory);
     return static_cast<Cmn_Rect<int>*>(Cmn_AllocateOrFail(count * sizeof(Cmn_Rect<int>)));
+}
+
+// That many rectangles and the boxes that may come behind them.
+std::size_t WithBoxes(std::size_t count) noexcept {
+    return count < Cmn_RectList::kBoxedFrom ? count : count + Cmn_RectIndexView::BoxCount(count);
 }
 
 void CopyRects(Cmn_Rect<int>* to, const Cmn_Rect<int>* from, std::size_t count) noexcept {
@@ -32,13 +38,15 @@ void Cmn_RectList::TakeFrom(Cmn_RectList& other) noexcept {
         mData = InlineData();
         mCapacity = kInlineCapacity;
         CopyRects(mData, other.mData, mSize);
+        mHasBoxes = false;
     } else {
         mData = other.mData;
         mCapacity = other.mCapacity;
+        mHasBoxes = other.mHasBoxes;
         other.mData = other.InlineData();
         other.mCapacity = kInlineCapacity;
     }
-    other.mSize = 0;
+    other.Clear();
 }
 
 void Cmn_RectList::Reserve(std::size_t capacity) {
@@ -55,7 +63,7 @@ void Cmn_RectList::Reserve(std::size_t capacity) {
 // New memory in place of the old; the contents go.
 void Cmn_RectList::Replace(std::size_t capacity) {
     const std::size_t ahead = IsInline() ? 0 : mCapacity + mCapacity / 2;
-    capacity = std::max(capacity, ahead);
+    capacity = std::max(WithBoxes(capacity), ahead);
     Cmn_Rect<int>* data = AllocateRects(capacity);
     if (!IsInline())
         Release();
@@ -65,16 +73,27 @@ void Cmn_RectList::Replace(std::size_t capacity) {
 
 void Cmn_RectList::Assign(const Cmn_Rect<int>* rects, std::size_t count) {
     if (count > mCapacity) { // then they cannot all lie in this list
-        Cmn_Rect<int>* data = AllocateRects(count);
+        const std::size_t capacity = WithBoxes(count);
+        Cmn_Rect<int>* data = AllocateRects(capacity);
         CopyRects(data, rects, count);
         if (!IsInline())
             Release();
         mData = data;
-        mCapacity = static_cast<std::uint32_t>(count);
+        mCapacity = static_cast<std::uint32_t>(capacity);
     } else {
         CopyRects(mData, rects, count);
     }
     mSize = static_cast<std::uint32_t>(count);
+    mHasBoxes = false;
+}
+
+void Cmn_RectList::FillBoxesBehind() noexcept {
+    if (WithBoxes(mSize) > mCapacity)
+        return;
+    Cmn_Rect<int>* blocks = mData + mSize;
+    Cmn_RectIndexView::FillBoxes(mData, mSize, blocks,
+                                 blocks + Cmn_RectIndexView::BlockCount(mSize));
+    mHasBoxes = true;
 }
 
 void Cmn_RectList::Resize(std::size_t count) {
@@ -82,6 +101,7 @@ void Cmn_RectList::Resize(std::size_t count) {
     for (std::size_t i = mSize; i < count; ++i)
         mData[i] = Cmn_Rect<int>();
     mSize = static_cast<std::uint32_t>(count);
+    mHasBoxes = false;
 }
 
 void Cmn_RectList::Insert(std::size_t index, const Cmn_Rect<int>& rect) {
@@ -91,6 +111,7 @@ void Cmn_RectList::Insert(std::size_t index, const Cmn_Rect<int>& rect) {
     CopyRects(mData + index + 1, mData + index, mSize - index);
     mData[index] = copy;
     ++mSize;
+    mHasBoxes = false;
 }
 
 void Cmn_RectList::ReplaceInOrder(std::size_t index, const Cmn_Rect<int>& rect) noexcept {
@@ -103,11 +124,13 @@ void Cmn_RectList::ReplaceInOrder(std::size_t index, const Cmn_Rect<int>& rect) 
     for (; index + 1 < mSize && precedes(mData[index + 1], copy); ++index)
         mData[index] = mData[index + 1];
     mData[index] = copy;
+    mHasBoxes = false;
 }
 
 void Cmn_RectList::Erase(std::size_t index) noexcept {
     CopyRects(mData + index, mData + index + 1, mSize - index - 1);
     --mSize;
+    mHasBoxes = false;
 }
 
 std::ostream& operator<<(std::ostream& out, const Cmn_RectList& list) {

@@ -18,6 +18,10 @@ class QLX_API Cmn_RectList {
 
     static constexpr std::size_t kInlineCapacity = 12;
 
+    // Lists of this many rectangles and more get bounding boxes behind the rectangles, so that
+    // queries need not look at all; cmn_rectindex.h tells how.
+    static constexpr std::size_t kBoxedFrom = 24;
+
     Cmn_RectList() noexcept {}
     Cmn_RectList(const Cmn_RectList& other) { Assign(other.data(), other.size()); }
     Cmn_RectList(Cmn_RectList&& other) noexcept { TakeFrom(other); }
@@ -57,15 +61,31 @@ class QLX_API Cmn_RectList {
         return a.mSize == b.mSize && std::equal(a.begin(), a.end(), b.begin());
     }
 
+    /// The boxes of a list that has them (see FillBoxes), else null.
+    [[nodiscard]] const Cmn_Rect<int>* GetBoxes() const noexcept {
+        return mHasBoxes ? mData + mSize : nullptr;
+    }
+
     // Changes
 
+    /// Fills the boxes of a list that is large enough for them and has room; every later change
+    /// forgets them.
+    void FillBoxes() noexcept {
+        if (mSize >= kBoxedFrom && !mHasBoxes)
+            FillBoxesBehind();
+    }
+
     /// For writing; the caller keeps within size.
-    [[nodiscard]] Cmn_Rect<int>* Edit() noexcept { return mData; }
+    [[nodiscard]] Cmn_Rect<int>* Edit() noexcept {
+        mHasBoxes = false;
+        return mData;
+    }
     void Append(const Cmn_Rect<int>& rect) {
         const Cmn_Rect<int> copy = rect; // may lie in this list
         if (mSize == mCapacity)
             Reserve(std::size_t{mCapacity} * 2);
         mData[mSize++] = copy;
+        mHasBoxes = false;
     }
     /// Replaces the contents; the rectangles may lie in this list.
     void Assign(const Cmn_Rect<int>* rects, std::size_t count);
@@ -76,6 +96,7 @@ class QLX_API Cmn_RectList {
         if (count > mCapacity)
             Replace(count);
         mSize = static_cast<std::uint32_t>(count);
+        mHasBoxes = false;
     }
     /// Makes room at an index and puts one there.
     void Insert(std::size_t index, const Cmn_Rect<int>& rect);
@@ -85,7 +106,10 @@ class QLX_API Cmn_RectList {
     /// Removes one and closes the gap.
     void Erase(std::size_t index) noexcept;
     /// Keeps its memory.
-    void Clear() noexcept { mSize = 0; }
+    void Clear() noexcept {
+        mSize = 0;
+        mHasBoxes = false;
+    }
     /// Makes room for that many in all.
     void Reserve(std::size_t capacity);
 
@@ -99,11 +123,13 @@ class QLX_API Cmn_RectList {
     }
     void Release() noexcept;
     void Replace(std::size_t capacity);
+    void FillBoxesBehind() noexcept;
     void TakeFrom(Cmn_RectList& other) noexcept;
 
     Cmn_Rect<int>* mData = InlineData(); // owned unless it is mInline
     std::uint32_t mSize = 0;
     std::uint32_t mCapacity = kInlineCapacity;
+    bool mHasBoxes = false;
     // Raw bytes, so that making a list writes nothing here.
     alignas(16) std::byte mInline[kInlineCapacity * sizeof(Cmn_Rect<int>)];
 };

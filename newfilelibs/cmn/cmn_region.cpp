@@ -234,6 +234,12 @@ void Cmn_RegionCore<int>::GetBounds(Cmn_Rect<int>& bounds) const noexcept {
     bounds = mBounds;
 }
 
+void Cmn_RegionCore<int>::FillCaches() noexcept {
+    Rect bounds;
+    GetBounds(bounds);
+    mRects.FillBoxes();
+}
+
 bool Cmn_RegionCore<int>::ContainsPoint(const Cmn_Point<int>& point) const noexcept {
     constexpr int last = std::numeric_limits<int>::max();
     return point.x != last && point.y != last &&
@@ -241,8 +247,7 @@ bool Cmn_RegionCore<int>::ContainsPoint(const Cmn_Point<int>& point) const noexc
 }
 
 bool Cmn_RegionCore<int>::ContainsRect(const Cmn_Rect<int>& rect) const noexcept {
-    const Cmn_RectIndexView view{mRects.data(), mRects.size()};
-    return view.FindFirst(rect, 0) < view.mCount;
+    return Cmn_RectIndexView(mRects).Touches(rect);
 }
 
 Cmn_RegionImpl<int>::~Cmn_RegionImpl() = default;

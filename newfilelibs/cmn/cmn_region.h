@@ -85,6 +85,10 @@ class QLX_API Cmn_RegionCore<int> {
     /// Whether the rectangle touches the region: some pixel is in both. False for an empty one.
     [[nodiscard]] bool ContainsRect(const Cmn_Rect<int>& rect) const noexcept;
 
+    /// Computes what queries would compute or do without, so that from now on reading changes
+    /// nothing and any thread may do it.
+    void FillCaches() noexcept;
+
     [[nodiscard]] const Cmn_RectList& GetRectList() const noexcept { return mRects; }
     [[nodiscard]] std::uint32_t GetFlags() const noexcept { return mFlags; }
     void SetNoJoining(bool noJoining) noexcept {
@@ -223,7 +227,6 @@ class Cmn_Region {
     [[nodiscard]] bool IsOnlyOwner() const noexcept;
     template <class Operand>
     Cmn_Region& UniteInPlace(const Operand& other);
-    static void Finish(Cmn_RegionCore<T>& core) noexcept;
     template <class Operation>
     [[nodiscard]] static Cmn_Region Make(Operation operation);
 

@@ -28,13 +28,6 @@ Cmn_RefCountPtr<Impl> Cmn_Region<T, Impl>::NewImpl() {
     return impl;
 }
 
-// What readers would compute on demand is computed now: regions are read from any thread.
-template <class T, class Impl>
-void Cmn_Region<T, Impl>::Finish(Cmn_RegionCore<T>& core) noexcept {
-    Cmn_Rect<T> bounds;
-    core.GetBounds(bounds);
-}
-
 template <class T, class Impl>
 template <class Operation>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Make(Operation operation) {
@@ -42,7 +35,7 @@ Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Make(Operation operation) {
     if (!impl)
         return Cmn_Region();
     operation(impl->EditCore());
-    Finish(impl->EditCore());
+    impl->EditCore().FillCaches();
     return Cmn_Region(std::move(impl));
 }
 
@@ -114,7 +107,7 @@ Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteInPlace(const Operand& other) {
         return *this;
     }
     mImpl->EditCore().UniteWith(other);
-    Finish(mImpl->EditCore());
+    mImpl->EditCore().FillCaches();
     return *this;
 }
 

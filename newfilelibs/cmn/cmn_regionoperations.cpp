@@ -42,7 +42,7 @@ using Overlaps = Cmn_Scratch<std::uint32_t, 64>;
 // Copies the rectangles that overlap none of the others; the rest waits, with its overlaps listed.
 void Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others, Cmn_UnjoinedRects& out,
            Queue& queue, Overlaps& overlaps) {
-    const Cmn_RectIndex index(others.mRects, others.mCount);
+    const Cmn_RectIndex index(others.View());
     for (std::size_t i = 0; i < list.mCount; ++i) {
         const Rect& rect = list.mRects[i];
         const auto first = static_cast<std::uint32_t>(overlaps.size());
@@ -60,9 +60,8 @@ void Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others, Cmn_Unjoi
 void SplitByOne(const Cmn_RectOperand& list, const Rect& other, Cmn_UnjoinedRects& out,
                 Queue& queue, Overlaps& overlaps) {
     overlaps.Append(0);
-    const Cmn_RectIndexView view{list.mRects, list.mCount};
     std::size_t start = 0;
-    view.ForEach(other, [&](std::size_t found) {
+    list.View().ForEach(other, [&](std::size_t found) {
         out.mRects.Append(list.mRects + start, found - start);
         queue.Append({list.mRects[found], 0, 1});
         start = found + 1;
@@ -312,13 +311,12 @@ void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& othe
                         Cmn_UnjoinedRects& out) {
     out.mDisjoint = list.mDisjoint && other.mDisjoint;
     if (other.mCount == 1) {
-        const Cmn_RectIndexView view{list.mRects, list.mCount};
         const Rect& clip = other.mRects[0];
-        view.ForEach(clip,
-                     [&](std::size_t i) { out.mRects.Append(CommonPart(list.mRects[i], clip)); });
+        list.View().ForEach(
+            clip, [&](std::size_t i) { out.mRects.Append(CommonPart(list.mRects[i], clip)); });
         return;
     }
-    const Cmn_RectIndex index(other.mRects, other.mCount);
+    const Cmn_RectIndex index(other.View());
     for (std::size_t i = 0; i < list.mCount; ++i) {
         const Rect& rect = list.mRects[i];
         index.View().ForEach(

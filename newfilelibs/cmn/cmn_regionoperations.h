@@ -1,18 +1,22 @@
 // The set operations on rectangle lists, up to but without the joining pass.
 #pragma once
 
+#include "newfilelibs/cmn/cmn_rectindex.h"
 #include "newfilelibs/cmn/cmn_rectjoin.h"
 #include "newfilelibs/cmn/cmn_region.h"
 
 /// A list that takes part in an operation.
 struct Cmn_RectOperand {
     explicit Cmn_RectOperand(const Cmn_RegionCore<int>& core) noexcept
-        : mRects(core.mRects.data()), mCount(core.mRects.size()),
+        : mRects(core.mRects.data()), mCount(core.mRects.size()), mBoxes(core.mRects.GetBoxes()),
           mDisjoint(core.IsKnown(Cmn_RegionCore<int>::kKnown_Disjoint)),
           mJoined(core.IsKnown(Cmn_RegionCore<int>::kKnown_Joined)) {}
 
+    [[nodiscard]] Cmn_RectIndexView View() const noexcept { return {mRects, mCount, mBoxes}; }
+
     const Cmn_Rect<int>* mRects; // not owned
     std::size_t mCount;
+    const Cmn_Rect<int>* mBoxes; // null, or as Cmn_RectList::GetBoxes; not owned
     bool mDisjoint;
     bool mJoined;
 };

@@ -272,6 +272,6 @@ TEST(CmnRegionLists, FewRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(400), 8, 
 
 TEST(CmnRegionLists, DozensOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(25), 40, 12); }
 
-TEST(CmnRegionLists, HundredsOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(3), 250, 5); }
+TEST(CmnRegionLists, HundredsOfRectanglesAreCutAsWrittenOut) { PlayAll(Rounds(1), 250, 5); }
 
 } // namespace
