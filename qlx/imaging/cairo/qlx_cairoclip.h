@@ -1,0 +1,20 @@
+// The clipping walks of QLX_PainterCairo, for its sources only.
+#pragma once
+
+#include "qlx/imaging/cairo/qlx_paintercairo.h"
+
+template <class Operation>
+void QLX_PainterCairo::ForClipped(const Cmn_Rect<int>& rect, Operation operation) {
+    const std::vector<Cmn_Rect<int>>& clip = DeviceClip();
+    if (!rect.Overlaps(mClipBounds))
+        return;
+    for (const Cmn_Rect<int>& window : clip)
+        if (rect.Overlaps(window))
+            operation(rect & window);
+}
+
+template <class Operation>
+void QLX_PainterCairo::ForClippedRegion(const QLX_Region& region, Operation operation) {
+    for (const Cmn_Rect<int>& rect : region.GetRectList())
+        ForClipped(ToCanvas(rect), operation);
+}

@@ -1,0 +1,192 @@
+// Texts: glyph masks of the cache laid down one after the other. The pen moves in quarters of a
+// pixel across; baselines fall on whole pixels.
+
+#include <algorithm>
+#include <cmath>
+
+#include "qlx/imaging/cairo/qlx_cairoclip.h"
+#include "qlx/imaging/cairo/qlx_glyphcache.h"
+#include "qlx/imaging/cairo/qlx_pangotext.h"
+#include "qlx/imaging/qlx_utf8.h"
+
+namespace {
+
+// Whole pixel and quarter of a place on the line.
+struct PenPlace {
+    int pixel;
+    int quarter;
+    explicit PenPlace(double x) noexcept {
+        const double quarters =
+            std::floor(std::clamp(x, -1e8, 1e8) * QLX_SizedFont::kQuarters + 0.5);
+        const auto whole = std::int64_t(quarters);
+        pixel = int(whole >> 2);
+        quarter = int(whole & 3);
+    }
+};
+static_assert(QLX_SizedFont::kQuarters == 4);
+
+constexpr Cmn_Rect<int> kNoLimit(-(1 << 30), -(1 << 30), 1 << 30, 1 << 30);
+
+} // namespace
+
+void QLX_PainterCairo::PrepareFont() {
+    const unsigned generation = QLX_GlyphCache::GetGeneration();
+    if (mFaces && mPreparedFont == mFont && mFontGeneration == generation)
+        return;
+    mPreparedFont = mFont;
+    mFaces = &QLX_GlyphCache::GetFaces(mFont);
+    mSized = &QLX_GlyphCache::GetSized(Cmn_ClampTo<int>(
+        std::int64_t{mFont.GetSize64ths()} * mScale.Get120ths() / QLX_DeviceScale::kUnit));
+    mFontGeneration = QLX_GlyphCache::GetGeneration();
+}
+
+void QLX_PainterCairo::DrawGlyph(const QLX_GlyphMask& mask, int x, int y,
+                                 const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint) {
+    if (!mask.bytes)
+        return;
+    const int left = x + mask.left, top = y + mask.top;
+    const Cmn_Rect<int> box(left, top, left + mask.width, top + mask.height);
+    const QLX_Surface& surface = mCanvas->GetSurface();
+    const auto lay = [&](const Cmn_Rect<int>& part) {
+        QLX_MaskSpans(surface, part,
+                      mask.bytes + std::ptrdiff_t(part.top - top) * mask.pitch + (part.left - left),
+                      mask.pitch, paint, /*paddedMask*/ part.right == box.right);
+    };
+    if (limit.Contains(box) && mDeviceClip.size() == 1 && mClipBounds.Contains(box))
+        lay(box);
+    else
+        ForClipped(box & limit, lay);
+}
+
+// Returns false, having drawn nothing, when the text needs general layout.
+bool QLX_PainterCairo::DrawSimpleLine(std::string_view text, double& x, int baseline,
+                                      const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint) {
+    for (std::size_t place = 0; place < text.size();)
+        if (!mFaces->GetCharacter(QLX_NextCodePoint(text, place)).simple)
+            return false;
+    const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
+    for (std::size_t place = 0; place < text.size();) {
+        const QLX_FontCharacter& character = mFaces->GetCharacter(QLX_NextCodePoint(text, place));
+        const PenPlace pen(x);
+        x += double(character.advance) * pixels;
+        if (pen.pixel > mClipBounds.right + 4096 || character.source.face < 0)
+            continue;
+        DrawGlyph(mSized->GetGlyph(character.source, pen.quarter), pen.pixel, baseline, limit,
+                  paint);
+    }
+    return true;
+}
+
+void QLX_PainterCairo::DrawShaped(const QLX_ShapedText& text, double x, int baseline,
+                                  const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint) {
+    const double factor = mScale.GetFactor();
+    for (const QLX_ShapedText::Glyph& glyph : text.glyphs) {
+        const PenPlace pen(x + double(glyph.x) * factor);
+        const int down = int(std::lround(double(glyph.y) * factor));
+        DrawGlyph(mSized->GetGlyph(glyph.source, pen.quarter), pen.pixel, baseline + down, limit,
+                  paint);
+    }
+}
+
+double QLX_PainterCairo::DrawLine(std::string_view text, double x, int baseline,
+                                  const Cmn_Rect<int>& limit) {
+    if (text.empty() || mCanvas->IsGone())
+        return 0;
+    PrepareFont();
+    (void)DeviceClip();
+    // Far off the canvas nothing shows, and places beyond are not worth their arithmetic.
+    baseline = std::clamp(baseline, -(1 << 24), 1 << 24);
+    x = std::clamp(x, -double(1 << 24), double(1 << 24));
+    const QLX_SpanPaint paint = TextPaint();
+    const double begin = x;
+    if (!DrawSimpleLine(text, x, baseline, limit, paint)) {
+        const QLX_ShapedText& shaped = QLX_ShapeText(mFont, text);
+        DrawShaped(shaped, x, baseline, limit, paint);
+        x += double(shaped.width) * mScale.GetFactor();
+    }
+    if (mFont.IsUnderlined()) {
+        const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
+        const int top =
+            baseline + std::max(1, int(std::lround(double(mFaces->GetUnderlineOffset()) * pixels)));
+        const int thick =
+            std::max(1, int(std::lround(double(mFaces->GetUnderlineThickness()) * pixels)));
+        Fill(Cmn_Rect<int>(int(std::floor(begin + 0.5)), top, int(std::floor(x + 0.5)),
+                           top + thick) &
+                 limit,
+             paint);
+    }
+    return x - begin;
+}
+
+void QLX_PainterCairo::DrawChar(char character) { DrawString(std::string(1, character)); }
+
+void QLX_PainterCairo::DrawString(const std::string& text) {
+    const int baseline = int(std::floor(mPenPlace.y + 0.5)) - mDeviceCorner.y;
+    mPenPlace.x += DrawLine(text, mPenPlace.x - mDeviceCorner.x, baseline, kNoLimit);
+}
+
+void QLX_PainterCairo::DrawStringJustified(const Cmn_Rect<int>& rect, const std::string& text,
+                                           EJustification justification,
+                                           EVerticalJustification vertical,
+                                           EResolution resolution) {
+    const Cmn_Rect<int> box = ToCanvas(rect, resolution);
+    const double factor = mScale.GetFactor();
+    const double width = double(QLX_TextMeasure::Get().MeasureWidth(mFont, text)) * factor;
+    double x = box.left;
+    if (justification == kJustify_Center)
+        x += (double(box.GetWidth()) - width) / 2;
+    else if (justification == kJustify_Right)
+        x += double(box.GetWidth()) - width;
+    const QLX_FontMetrics metrics = mFont.GetMetrics();
+    const int height = int(std::lround(metrics.GetLineHeight() * factor));
+    std::int64_t top = box.top;
+    if (vertical == kJustify_Middle)
+        top += (std::int64_t{box.GetHeight()} - height) >> 1;
+    else if (vertical == kJustify_Bottom)
+        top += std::int64_t{box.GetHeight()} - height;
+    const int baseline = Cmn_ClampTo<int>(top + int(std::lround(metrics.GetBaseline() * factor)));
+    (void)DrawLine(text, x, baseline, kNoLimit);
+}
+
+void QLX_PainterCairo::DrawPlaced(const Cmn_Rect<int>& limit) {
+    const double factor = mScale.GetFactor();
+    for (const QLX_TextLayout::Placed& line : mLayout.GetPlaced()) {
+        const double x = (double(line.x) - mWindowOrigin.x) * factor - mDeviceCorner.x;
+        const int baseline = Cmn_ClampTo<int>(
+            std::int64_t{EdgeYToDevice(line.baseline, kResolution_Logical)} - mDeviceCorner.y);
+        (void)DrawLine(line.text, x, baseline, limit);
+    }
+}
+
+int QLX_PainterCairo::DrawTextBox(const Cmn_Rect<int>& rect, const std::string& text,
+                                  EJustification justification, bool wrap, bool ellipsis, bool clip,
+                                  bool erase) {
+    mLayout.LayOut(text, mFont, float(rect.GetWidth()), wrap ? kWrap_Word : kWrap_None);
+    const int height = mLayout.GetHeight();
+    if (!IsValid() || (rect.Empty() && (clip || erase)))
+        return height;
+    if (erase)
+        EraseRect(rect);
+    mLayout.Place(rect, justification, ellipsis);
+    DrawPlaced(clip ? ToCanvas(rect) : kNoLimit);
+    return height;
+}
+
+void QLX_PainterCairo::DrawSingleLineTextBox(const Cmn_Rect<int>& rect, const std::string& text,
+                                             bool ellipsis, const Ptr& second) {
+    if (IsValid() && !rect.Empty()) {
+        const std::string_view line = ellipsis
+                                          ? mLayout.CutToWidth(text, mFont, float(rect.GetWidth()))
+                                          : std::string_view(text);
+        const QLX_FontMetrics metrics = mFont.GetMetrics();
+        const int top = rect.top + (rect.GetHeight() - metrics.GetLineHeight()) / 2;
+        const Cmn_Rect<int> box = ToCanvas(rect);
+        const int baseline =
+            Cmn_ClampTo<int>(std::int64_t{EdgeYToDevice(std::int64_t{top} + metrics.GetBaseline(),
+                                                        kResolution_Logical)} -
+                             mDeviceCorner.y);
+        (void)DrawLine(line, box.left, baseline, box);
+    }
+    if (second)
+        second->DrawSingleLineTextBox(rect, text, ellipsis, nullptr);
+}

@@ -1,0 +1,184 @@
+#include "qlx/imaging/cairo/qlx_pangotext.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "qlx/imaging/cairo/qlx_datafiles.h"
+#include "qlx/imaging/qlx_utf8.h"
+
+#include <fontconfig/fontconfig.h>
+#include <pango/pangofc-fontmap.h>
+#include <pango/pangoft2.h>
+
+namespace {
+
+// Texts that are kept laid out; beyond this all are dropped, which costs a layout each.
+constexpr std::size_t kMostTexts = 512;
+
+struct Unref {
+    void operator()(void* object) const noexcept { g_object_unref(object); }
+};
+template <class T>
+using ObjectPtr = std::unique_ptr<T, Unref>;
+
+// The project's own configuration: nothing of the machine's or the user's decides what text looks
+// like. Without the file the same fonts are named one by one.
+[[nodiscard]] FcConfig* NewConfiguration() {
+    FcConfig* config = FcConfigCreate();
+    const std::string file = QLX_FindDataFile("fonts.conf");
+    const auto* path = reinterpret_cast<const FcChar8*>(file.c_str());
+    if (!file.empty() && FcConfigParseAndLoad(config, path, FcFalse) &&
+        FcConfigBuildFonts(config)) {
+        if (const FcFontSet* set = FcConfigGetFonts(config, FcSetSystem); set && set->nfont > 0)
+            return config;
+    }
+    for (const bool bold : {false, true})
+        for (const char* family : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif"})
+            FcConfigAppFontAddFile(config, reinterpret_cast<const FcChar8*>(
+                                               QLX_GlyphCache::GetFontFile(family, bold).c_str()));
+    FcConfigAppFontAddFile(
+        config, reinterpret_cast<const FcChar8*>(QLX_GlyphCache::GetFallbackFile().c_str()));
+    return config;
+}
+
+// Advances must not be rounded to pixels of any size: layout is the same at every scale.
+void WithoutHinting(FcPattern* pattern, gpointer) {
+    FcPatternDel(pattern, FC_HINTING);
+    FcPatternAddBool(pattern, FC_HINTING, FcFalse);
+}
+
+class Shaper {
+  public:
+    Shaper() {
+        mMap.reset(pango_ft2_font_map_new());
+        auto* map = PANGO_FT2_FONT_MAP(mMap.get());
+        pango_ft2_font_map_set_resolution(map, 96, 96);
+        FcConfig* config = NewConfiguration();
+        pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(mMap.get()), config);
+        FcConfigDestroy(config); // the map holds its own reference
+        pango_fc_font_map_set_default_substitute(PANGO_FC_FONT_MAP(mMap.get()), WithoutHinting,
+                                                 nullptr, nullptr);
+        mContext.reset(pango_font_map_create_context(mMap.get()));
+        pango_context_set_round_glyph_positions(mContext.get(), FALSE);
+        mLayout.reset(pango_layout_new(mContext.get()));
+        pango_layout_set_single_paragraph_mode(mLayout.get(), TRUE);
+    }
+
+    void Shape(const QLX_Font& font, const std::string& text, QLX_ShapedText& out) {
+        PangoFontDescription* description = pango_font_description_new();
+        pango_font_description_set_family(description, font.GetFamily().c_str());
+        pango_font_description_set_absolute_size(description, double(font.GetSize()) * PANGO_SCALE);
+        if (font.IsBold())
+            pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
+        pango_layout_set_font_description(mLayout.get(), description);
+        pango_font_description_free(description);
+        pango_layout_set_text(mLayout.get(), text.data(), int(text.size()));
+        PangoAttrList* attributes = pango_attr_list_new();
+        // No kerning and no ligatures that are only for looks, as in simple text: widths add up.
+        pango_attr_list_insert(attributes, pango_attr_font_features_new("kern=0, liga=0, clig=0"));
+        pango_layout_set_attributes(mLayout.get(), attributes);
+        pango_attr_list_unref(attributes);
+
+        PangoLayoutLine* line = pango_layout_get_line_readonly(mLayout.get(), 0);
+        int x = 0;
+        for (const GSList* run = line ? line->runs : nullptr; run; run = run->next)
+            AddRun(*static_cast<PangoLayoutRun*>(run->data), font, x, out);
+        out.width = float(x) / PANGO_SCALE;
+    }
+
+  private:
+    [[nodiscard]] static QLX_GlyphSource SourceOf(PangoFont* font, bool slant) {
+        QLX_GlyphSource source;
+        FcPattern* pattern =
+            PANGO_IS_FC_FONT(font) ? pango_fc_font_get_pattern(PANGO_FC_FONT(font)) : nullptr;
+        FcChar8* file = nullptr;
+        if (!pattern || FcPatternGetString(pattern, FC_FILE, 0, &file) != FcResultMatch)
+            return source;
+        int index = 0;
+        FcBool embolden = FcFalse;
+        FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
+        FcPatternGetBool(pattern, FC_EMBOLDEN, 0, &embolden);
+        source.face = std::int16_t(
+            QLX_GlyphCache::OpenFace(reinterpret_cast<const char*>(file), index & 0xFFFF));
+        source.embolden = embolden != FcFalse;
+        source.slant = slant;
+        return source;
+    }
+
+    static void AddRun(const PangoLayoutRun& run, const QLX_Font& font, int& x,
+                       QLX_ShapedText& out) {
+        QLX_GlyphSource source = SourceOf(run.item->analysis.font, font.IsItalic());
+        for (int i = 0; i < run.glyphs->num_glyphs; ++i) {
+            const PangoGlyphInfo& info = run.glyphs->glyphs[i];
+            if (info.glyph != PANGO_GLYPH_EMPTY) {
+                // A character that no font has shows as the face's own "missing" glyph.
+                source.glyph = (info.glyph & PANGO_GLYPH_UNKNOWN_FLAG) ? 0 : info.glyph;
+                out.glyphs.push_back({source, float(x + info.geometry.x_offset) / PANGO_SCALE,
+                                      float(info.geometry.y_offset) / PANGO_SCALE});
+            }
+            x += info.geometry.width;
+        }
+    }
+
+    ObjectPtr<PangoFontMap> mMap;
+    ObjectPtr<PangoContext> mContext;
+    ObjectPtr<PangoLayout> mLayout;
+};
+
+void AppendUTF8(std::string& out, char32_t code) {
+    if (code < 0x80) {
+        out += char(code);
+    } else if (code < 0x800) {
+        out += char(0xC0 | code >> 6);
+        out += char(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        out += char(0xE0 | code >> 12);
+        out += char(0x80 | (code >> 6 & 0x3F));
+        out += char(0x80 | (code & 0x3F));
+    } else {
+        out += char(0xF0 | code >> 18);
+        out += char(0x80 | (code >> 12 & 0x3F));
+        out += char(0x80 | (code >> 6 & 0x3F));
+        out += char(0x80 | (code & 0x3F));
+    }
+}
+
+struct Key {
+    int family, size, style;
+    std::string text;
+    auto operator<=>(const Key&) const = default;
+};
+struct KeyView {
+    int family, size, style;
+    std::string_view text;
+};
+struct KeyLess {
+    using is_transparent = void;
+    template <class A, class B>
+    bool operator()(const A& a, const B& b) const noexcept {
+        return std::tuple(a.family, a.size, a.style, std::string_view(a.text)) <
+               std::tuple(b.family, b.size, b.style, std::string_view(b.text));
+    }
+};
+
+} // namespace
+
+const QLX_ShapedText& QLX_ShapeText(const QLX_Font& font, std::string_view text) {
+    static Shaper shaper;
+    static std::map<Key, QLX_ShapedText, KeyLess> shaped;
+    const KeyView view{font.GetFamilyNumber(), font.GetSize64ths(),
+                       font.GetStyle() & (kFontStyle_Bold | kFontStyle_Italic), text};
+    if (const auto found = shaped.find(view); found != shaped.end())
+        return found->second;
+    if (shaped.size() >= kMostTexts)
+        shaped.clear();
+    std::string clean;
+    for (std::size_t place = 0; place < text.size();) {
+        const char32_t code = QLX_NextCodePoint(text, place);
+        AppendUTF8(clean, code == 0 ? kReplacementCharacter : code);
+    }
+    QLX_ShapedText& out = shaped[Key{view.family, view.size, view.style, std::string(text)}];
+    shaper.Shape(font, clean, out);
+    return out;
+}

@@ -1,0 +1,626 @@
+#include "qlx/imaging/cairo/qlx_spans.h"
+
+#include <algorithm>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+constexpr std::uint32_t kColorMask = 0x00FFFFFF;
+constexpr std::uint32_t kAlphaMask = 0xFF000000;
+
+// x / 255, rounded, for x up to 255 * 255.
+[[nodiscard]] constexpr unsigned Divide255(unsigned x) noexcept {
+    x += 128;
+    return (x + (x >> 8)) >> 8;
+}
+
+// All four bytes of a pixel times a weight of 0 to 255, rounded: two bytes to a multiplication.
+[[nodiscard]] constexpr std::uint32_t Weighed(std::uint32_t pixel, unsigned weight) noexcept {
+    std::uint32_t low = (pixel & 0x00FF00FF) * weight + 0x00800080;
+    std::uint32_t high = (pixel >> 8 & 0x00FF00FF) * weight + 0x00800080;
+    low = (low + (low >> 8 & 0x00FF00FF)) >> 8 & 0x00FF00FF;
+    high = (high + (high >> 8 & 0x00FF00FF)) & 0xFF00FF00;
+    return low | high;
+}
+
+template <class Operation>
+[[nodiscard]] std::uint32_t PerChannel(std::uint32_t a, std::uint32_t b,
+                                       Operation operation) noexcept {
+    std::uint32_t out = 0;
+    for (int shift = 0; shift < 24; shift += 8)
+        out |= std::uint32_t(operation(int(a >> shift & 255), int(b >> shift & 255))) << shift;
+    return out;
+}
+
+// The colour that a mode makes of destination and source, both 0xRRGGBB.
+[[nodiscard]] std::uint32_t Combined(EPenMode mode, std::uint32_t d, std::uint32_t s) noexcept {
+    switch (mode) {
+    case kPenMode_Or:
+        return d | s;
+    case kPenMode_Xor:
+        return d ^ s;
+    case kPenMode_Bic:
+        return d & ~s;
+    case kPenMode_NotCopy:
+        return ~s & kColorMask;
+    case kPenMode_NotOr:
+        return (d | ~s) & kColorMask;
+    case kPenMode_NotXor:
+        return (d ^ ~s) & kColorMask;
+    case kPenMode_NotBic:
+        return d & s;
+    case kPenMode_Blend:
+        return PerChannel(d, s, [](int a, int b) { return (a + b + 1) / 2; });
+    case kPenMode_Add:
+        return PerChannel(d, s, [](int a, int b) { return std::min(255, a + b); });
+    case kPenMode_Subtract:
+        return PerChannel(d, s, [](int a, int b) { return std::max(0, a - b); });
+    case kPenMode_Maximum:
+        return PerChannel(d, s, [](int a, int b) { return std::max(a, b); });
+    case kPenMode_Minimum:
+        return PerChannel(d, s, [](int a, int b) { return std::min(a, b); });
+    default:
+        return s;
+    }
+}
+
+// Whether a mode lays its source over what is there, so that transparent canvases gain alpha. The
+// others only change colours that are there already.
+[[nodiscard]] constexpr bool Covers(EPenMode mode) noexcept {
+    return mode == kPenMode_Copy || mode == kPenMode_NotCopy || mode == kPenMode_Transparent ||
+           mode == kPenMode_Blend;
+}
+
+// Colour bytes held to the alpha beside them.
+[[nodiscard]] std::uint32_t HeldToAlpha(std::uint32_t pixel) noexcept {
+    const std::uint32_t alpha = pixel >> 24;
+    const auto held = [&](int shift) { return std::min(pixel >> shift & 255, alpha) << shift; };
+    return (pixel & kAlphaMask) | held(16) | held(8) | held(0);
+}
+
+// One pixel in any mode: the source colour s (0xRRGGBB) laid down by weight.
+[[nodiscard]] std::uint32_t Laid(EPenMode mode, std::uint32_t d, std::uint32_t s, unsigned weight,
+                                 bool hasAlpha) noexcept {
+    const std::uint32_t color = Combined(mode, d & kColorMask, s & kColorMask);
+    if (!hasAlpha) {
+        return kAlphaMask | (Weighed(color, weight) + Weighed(d & kColorMask, 255 - weight));
+    }
+    if (Covers(mode))
+        return Weighed(kAlphaMask | color, weight) + Weighed(d, 255 - weight);
+    const std::uint32_t mixed = Weighed(color, weight) + Weighed(d & kColorMask, 255 - weight);
+    return HeldToAlpha((d & kAlphaMask) | mixed);
+}
+
+// Rows of one colour
+
+void StoreRow(std::uint32_t* p, int count, std::uint32_t value) noexcept {
+#if defined(__SSE2__)
+    if (count >= 4) {
+        const __m128i wide = _mm_set1_epi32(int(value));
+        std::uint32_t* end = p + count;
+        for (; p + 16 <= end; p += 16) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p), wide);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 4), wide);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 8), wide);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 12), wide);
+        }
+        for (; p + 4 <= end; p += 4)
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p), wide);
+        if (p != end) // the last ones again, together with some already stored
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(end - 4), wide);
+        return;
+    }
+#endif
+    for (int i = 0; i < count; ++i)
+        p[i] = value;
+}
+
+#if defined(__SSE2__)
+// Eight 16-bit lanes x / 255, rounded.
+[[nodiscard]] inline __m128i Divide255(__m128i x) noexcept {
+    x = _mm_add_epi16(x, _mm_set1_epi16(128));
+    return _mm_srli_epi16(_mm_add_epi16(x, _mm_srli_epi16(x, 8)), 8);
+}
+#endif
+
+// d = source + d * rest / 255, with source premultiplied; order says which bytes of d count (alpha
+// or not).
+void OverRow(std::uint32_t* p, int count, std::uint32_t source, unsigned rest) noexcept {
+    int i = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i wide = _mm_set1_epi32(int(source));
+    const __m128i weight = _mm_set1_epi16(short(rest));
+    for (; i + 4 <= count; i += 4) {
+        __m128i d = _mm_loadu_si128(reinterpret_cast<__m128i*>(p + i));
+        const __m128i low = Divide255(_mm_mullo_epi16(_mm_unpacklo_epi8(d, zero), weight));
+        const __m128i high = Divide255(_mm_mullo_epi16(_mm_unpackhi_epi8(d, zero), weight));
+        d = _mm_add_epi8(_mm_packus_epi16(low, high), wide);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p + i), d);
+    }
+#endif
+    for (; i < count; ++i)
+        p[i] = source + Weighed(p[i], rest);
+}
+
+void FillRow(std::uint32_t* p, int count, const QLX_SpanPaint& paint, bool hasAlpha) noexcept {
+    if (paint.mode == kPenMode_Copy || paint.mode == kPenMode_Transparent) {
+        if (paint.alpha == 255)
+            StoreRow(p, count, paint.color);
+        else if (hasAlpha)
+            OverRow(p, count, Weighed(paint.color, paint.alpha), 255 - paint.alpha);
+        else
+            for (int i = 0; i < count; i += 64) { // the unused byte may hold anything: set it first
+                const int part = std::min(64, count - i);
+                for (int k = 0; k < part; ++k)
+                    p[i + k] |= kAlphaMask;
+                OverRow(p + i, part, Weighed(paint.color, paint.alpha), 255 - paint.alpha);
+            }
+        return;
+    }
+    if (paint.mode == kPenMode_Xor && paint.alpha == 255 && !hasAlpha) {
+        const std::uint32_t flip = paint.color & kColorMask;
+        for (int i = 0; i < count; ++i)
+            p[i] = (p[i] ^ flip) | kAlphaMask;
+        return;
+    }
+    for (int i = 0; i < count; ++i)
+        p[i] = Laid(paint.mode, p[i], paint.color, paint.alpha, hasAlpha);
+}
+
+// One pixel of a patterned paint at a place of the window.
+[[nodiscard]] std::uint32_t Patterned(std::uint32_t d, int x, int y, const QLX_SpanPaint& paint,
+                                      unsigned coverage, bool hasAlpha) noexcept {
+    const bool set =
+        !paint.pattern ||
+        (paint.pattern->rows[y / paint.cell & 7] >> (7 - (x / paint.cell & 7)) & 1) != 0;
+    if (set)
+        return Laid(paint.mode, d, paint.color, Divide255(paint.alpha * coverage), hasAlpha);
+    if (paint.mode == kPenMode_Copy || paint.mode == kPenMode_NotCopy)
+        return Laid(paint.mode, d, paint.background, Divide255(paint.backgroundAlpha * coverage),
+                    hasAlpha);
+    return d;
+}
+
+// Places of the window may be negative; the pattern repeats every 8 cells, so a whole number of
+// them is added.
+[[nodiscard]] int PatternPlace(int place, int cell) noexcept {
+    const int period = 8 * cell;
+    const int rest = place % period;
+    return rest < 0 ? rest + period : rest;
+}
+
+void FillPatternedRow(std::uint32_t* p, int x, int y, int count, const QLX_SpanPaint& paint,
+                      bool hasAlpha) noexcept {
+    const int period = 8 * paint.cell;
+    int px = PatternPlace(x, paint.cell);
+    for (int i = 0; i < count; ++i) {
+        p[i] = Patterned(p[i], px, y, paint, 255, hasAlpha);
+        if (++px == period)
+            px = 0;
+    }
+}
+
+// Masks
+
+// Covers one pixel with an opaque or half transparent colour by coverage, in mode Copy.
+[[nodiscard]] inline std::uint32_t Covered(std::uint32_t d, std::uint32_t color, unsigned weight,
+                                           bool hasAlpha) noexcept {
+    if (!hasAlpha)
+        d |= kAlphaMask;
+    return Weighed(color, weight) + Weighed(d, 255 - weight);
+}
+
+void CoverRow(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_SpanPaint& paint,
+              bool hasAlpha) noexcept {
+    for (int i = 0; i < count; ++i) {
+        const unsigned weight = Divide255(mask[i] * paint.alpha);
+        if (weight == 255)
+            p[i] = paint.color;
+        else if (weight != 0)
+            p[i] = Covered(p[i], paint.color, weight, hasAlpha);
+    }
+}
+
+#if defined(__SSE2__)
+// Four pixels at once, equal to Covered in every byte: color * w / 255 and d * (255 - w) / 255 are
+// rounded each by itself and added.
+inline void CoverFour(std::uint32_t* p, __m128i weights, __m128i color, __m128i opaque) noexcept {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i full = _mm_set1_epi16(255);
+    const __m128i d = _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), opaque);
+    // weights: four 16-bit values in the low half; each is wanted four times over
+    const __m128i pairs = _mm_unpacklo_epi16(weights, weights);
+    const __m128i low = _mm_unpacklo_epi32(pairs, pairs);
+    const __m128i high = _mm_unpackhi_epi32(pairs, pairs);
+    const __m128i dLow =
+        Divide255(_mm_mullo_epi16(_mm_unpacklo_epi8(d, zero), _mm_sub_epi16(full, low)));
+    const __m128i dHigh =
+        Divide255(_mm_mullo_epi16(_mm_unpackhi_epi8(d, zero), _mm_sub_epi16(full, high)));
+    const __m128i sLow = Divide255(_mm_mullo_epi16(color, low));
+    const __m128i sHigh = Divide255(_mm_mullo_epi16(color, high));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
+                     _mm_packus_epi16(_mm_add_epi16(dLow, sLow), _mm_add_epi16(dHigh, sHigh)));
+}
+
+void CoverRowWide(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_SpanPaint& paint,
+                  bool hasAlpha) noexcept {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i color = _mm_unpacklo_epi8(_mm_set1_epi32(int(paint.color)), zero);
+    const __m128i opaque = hasAlpha ? zero : _mm_set1_epi32(int(kAlphaMask));
+    const __m128i alpha = _mm_set1_epi16(short(paint.alpha));
+    int i = 0;
+    for (; i + 4 <= count; i += 4) {
+        std::int32_t four;
+        std::memcpy(&four, mask + i, 4);
+        if (four == 0)
+            continue;
+        __m128i weights = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), zero);
+        if (paint.alpha != 255)
+            weights = Divide255(_mm_mullo_epi16(weights, alpha));
+        else if (four == -1) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p + i), _mm_set1_epi32(int(paint.color)));
+            continue;
+        }
+        CoverFour(p + i, weights, color, opaque);
+    }
+    CoverRow(p + i, mask + i, count - i, paint, hasAlpha);
+}
+#endif
+
+} // namespace
+
+const QLX_PatternCell* QLX_GetPatternCell(EPenPattern pattern) noexcept {
+    static constexpr QLX_PatternCell kCells[kPenPattern_Count] = {
+        {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
+        {{0xDD, 0x77, 0xDD, 0x77, 0xDD, 0x77, 0xDD, 0x77}},
+        {{0xAA, 0x55, 0xAA, 0x55, 0xAA, 0x55, 0xAA, 0x55}},
+        {{0x88, 0x22, 0x88, 0x22, 0x88, 0x22, 0x88, 0x22}},
+        {{0, 0, 0, 0, 0, 0, 0, 0}},
+        {{0xFF, 0xFF, 0, 0, 0xFF, 0xFF, 0, 0}},
+        {{0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC}},
+        {{0x33, 0x66, 0xCC, 0x99, 0x33, 0x66, 0xCC, 0x99}},
+        {{0xFF, 0x88, 0x88, 0x88, 0xFF, 0x88, 0x88, 0x88}},
+        {{0xF0, 0xF0, 0xF0, 0xF0, 0x0F, 0x0F, 0x0F, 0x0F}},
+        {{0x88, 0, 0, 0, 0x88, 0, 0, 0}},
+    };
+    if (pattern <= kPenPattern_Solid || pattern >= kPenPattern_Count)
+        return nullptr;
+    return &kCells[pattern];
+}
+
+void QLX_FillSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                   const QLX_SpanPaint& paint) noexcept {
+    const int count = rect.right - rect.left;
+    for (int y = rect.top; y < rect.bottom; ++y) {
+        std::uint32_t* row = surface.At(rect.left, y);
+        if (paint.pattern)
+            FillPatternedRow(row, rect.left + paint.phaseX,
+                             PatternPlace(y + paint.phaseY, paint.cell), count, paint,
+                             surface.hasAlpha);
+        else
+            FillRow(row, count, paint, surface.hasAlpha);
+    }
+}
+
+void QLX_MaskSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
+                   int maskRow, const QLX_SpanPaint& paint, bool paddedMask) noexcept {
+    const int count = rect.right - rect.left;
+    // The zero bytes behind a padded row leave pixels as they are, as long as the surface has them.
+    const int wide = (count + 3) & ~3;
+    const int taken = paddedMask && rect.left + wide <= surface.width ? wide : count;
+    const bool plain =
+        !paint.pattern && (paint.mode == kPenMode_Copy || paint.mode == kPenMode_Transparent);
+    const int period = 8 * paint.cell;
+    for (int y = rect.top; y < rect.bottom; ++y, mask += maskRow) {
+        std::uint32_t* row = surface.At(rect.left, y);
+        if (plain) {
+#if defined(__SSE2__)
+            CoverRowWide(row, mask, taken, paint, surface.hasAlpha);
+#else
+            CoverRow(row, mask, taken, paint, surface.hasAlpha);
+#endif
+            continue;
+        }
+        const int py = PatternPlace(y + paint.phaseY, paint.cell);
+        int px = PatternPlace(rect.left + paint.phaseX, paint.cell);
+        for (int i = 0; i < count; ++i) {
+            if (mask[i] != 0)
+                row[i] = Patterned(row[i], px, py, paint, mask[i], surface.hasAlpha);
+            if (++px == period)
+                px = 0;
+        }
+    }
+}
+
+namespace {
+
+void CopyRow(std::uint32_t* p, const std::uint32_t* s, int count, unsigned alpha, bool opaque,
+             bool hasAlpha) noexcept {
+    if (opaque && alpha == 255) {
+        std::memmove(p, s, std::size_t(count) * sizeof *p);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const std::uint32_t source = alpha == 255 ? s[i] : Weighed(s[i], alpha);
+        const unsigned sourceAlpha = source >> 24;
+        if (sourceAlpha == 255)
+            p[i] = source;
+        else if (source != 0)
+            p[i] = source + Weighed(hasAlpha ? p[i] : p[i] | kAlphaMask, 255 - sourceAlpha);
+    }
+}
+
+// The straight colour of a premultiplied pixel, 0xRRGGBB.
+[[nodiscard]] std::uint32_t Straight(std::uint32_t pixel) noexcept {
+    const unsigned alpha = pixel >> 24;
+    if (alpha == 255)
+        return pixel & kColorMask;
+    const auto straight = [&](int shift) {
+        return std::min(255U, ((pixel >> shift & 255) * 255 + alpha / 2) / alpha) << shift;
+    };
+    return straight(16) | straight(8) | straight(0);
+}
+
+} // namespace
+
+void QLX_CopySpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                   const std::uint32_t* source, int sourceRow, EPenMode mode, unsigned alpha,
+                   bool sourceOpaque, std::uint32_t background) noexcept {
+    const int count = rect.right - rect.left;
+    for (int y = rect.top; y < rect.bottom; ++y, source += sourceRow) {
+        std::uint32_t* row = surface.At(rect.left, y);
+        if (mode == kPenMode_Copy) {
+            CopyRow(row, source, count, alpha, sourceOpaque, surface.hasAlpha);
+            continue;
+        }
+        for (int i = 0; i < count; ++i) {
+            const std::uint32_t pixel = sourceOpaque ? source[i] | kAlphaMask : source[i];
+            if (pixel >> 24 == 0)
+                continue;
+            const std::uint32_t color = Straight(pixel);
+            if (mode == kPenMode_Transparent && color == (background & kColorMask))
+                continue;
+            row[i] = Laid(mode, row[i], color, Divide255((pixel >> 24) * alpha), surface.hasAlpha);
+        }
+    }
+}
+
+void QLX_InvertSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect) noexcept {
+    const int count = rect.right - rect.left;
+    for (int y = rect.top; y < rect.bottom; ++y) {
+        std::uint32_t* row = surface.At(rect.left, y);
+        int i = 0;
+        if (surface.hasAlpha) { // within the alpha, so that the pixel stays premultiplied
+            for (; i < count; ++i) {
+                const std::uint32_t all = (row[i] >> 24) * 0x010101;
+                row[i] = (row[i] & kAlphaMask) | (all - (row[i] & kColorMask));
+            }
+            continue;
+        }
+#if defined(__SSE2__)
+        const __m128i flip = _mm_set1_epi32(int(kColorMask));
+        for (; i + 4 <= count; i += 4) {
+            auto* place = reinterpret_cast<__m128i*>(row + i);
+            _mm_storeu_si128(place, _mm_xor_si128(_mm_loadu_si128(place), flip));
+        }
+#endif
+        for (; i < count; ++i)
+            row[i] ^= kColorMask;
+    }
+}
+
+void QLX_ExchangeSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect, std::uint32_t a,
+                       std::uint32_t b) noexcept {
+    a &= kColorMask;
+    b &= kColorMask;
+    for (int y = rect.top; y < rect.bottom; ++y) {
+        std::uint32_t* row = surface.At(rect.left, y);
+        for (int i = 0; i < rect.right - rect.left; ++i) {
+            if (surface.hasAlpha && row[i] >> 24 != 255)
+                continue;
+            const std::uint32_t color = row[i] & kColorMask;
+            if (color == a)
+                row[i] = (row[i] & kAlphaMask) | b;
+            else if (color == b)
+                row[i] = (row[i] & kAlphaMask) | a;
+        }
+    }
+}
+
+namespace {
+
+// Blends multiply the products of channels, as the compositing standard's separable modes do.
+[[nodiscard]] std::uint32_t Blended(QLX_Painter::EBlendMode mode, std::uint32_t d,
+                                    std::uint32_t s) noexcept {
+    switch (mode) {
+    case QLX_Painter::kBlend_Multiply:
+        return PerChannel(d, s, [](int a, int b) { return Divide255(unsigned(a * b)); });
+    case QLX_Painter::kBlend_Screen:
+        return PerChannel(
+            d, s, [](int a, int b) { return 255 - Divide255(unsigned((255 - a) * (255 - b))); });
+    case QLX_Painter::kBlend_Darken:
+        return PerChannel(d, s, [](int a, int b) { return std::min(a, b); });
+    case QLX_Painter::kBlend_Lighten:
+        return PerChannel(d, s, [](int a, int b) { return std::max(a, b); });
+    default:
+        return s & kColorMask;
+    }
+}
+
+} // namespace
+
+void QLX_BlendSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect, std::uint32_t color,
+                    unsigned alpha, QLX_Painter::EBlendMode mode) noexcept {
+    if (mode == QLX_Painter::kBlend_Normal) {
+        QLX_SpanPaint paint;
+        paint.color = color | kAlphaMask;
+        paint.alpha = alpha;
+        QLX_FillSpans(surface, rect, paint);
+        return;
+    }
+    for (int y = rect.top; y < rect.bottom; ++y) {
+        std::uint32_t* row = surface.At(rect.left, y);
+        for (int i = 0; i < rect.right - rect.left; ++i)
+            row[i] =
+                Laid(kPenMode_Copy, row[i], Blended(mode, row[i] & kColorMask, color & kColorMask),
+                     alpha, surface.hasAlpha);
+    }
+}
+
+// Memory is written row by row, which is what it is fast at. Columns are grouped into tiles; for
+// each tile the rows that all its columns cover and the rows that any covers are known beforehand,
+// so most of a row is found to be full or empty a tile at a time and only tiles on the outline are
+// looked at column by column.
+void QLX_FillColumns(const QLX_Surface& surface, const Cmn_Rect<int>& rect, int x, int count,
+                     const int* tops, const int* bottoms, int columnWidth,
+                     const QLX_SpanPaint& paint, int* scratch) noexcept {
+    constexpr int kTile = 32;
+    const int tiles = (count + kTile - 1) / kTile;
+    int* anyTop = scratch;
+    int* anyBottom = scratch + tiles;
+    int* allTop = scratch + 2 * tiles;
+    int* allBottom = scratch + 3 * tiles;
+    int first = rect.bottom, last = rect.top;
+    for (int t = 0; t < tiles; ++t) {
+        anyTop[t] = allBottom[t] = rect.bottom;
+        anyBottom[t] = allTop[t] = rect.top;
+        for (int i = t * kTile; i < std::min(count, (t + 1) * kTile); ++i) {
+            const bool empty = tops[i] >= bottoms[i];
+            if (!empty) {
+                anyTop[t] = std::min(anyTop[t], tops[i]);
+                anyBottom[t] = std::max(anyBottom[t], bottoms[i]);
+            }
+            allTop[t] = std::max(allTop[t], empty ? rect.bottom : tops[i]);
+            allBottom[t] = std::min(allBottom[t], empty ? rect.top : bottoms[i]);
+        }
+        first = std::min(first, anyTop[t]);
+        last = std::max(last, anyBottom[t]);
+    }
+    const auto flush = [&](int from, int to, int y) {
+        const int left = std::max<std::int64_t>(rect.left, x + std::int64_t{from} * columnWidth);
+        const int right = std::min<std::int64_t>(rect.right, x + std::int64_t{to} * columnWidth);
+        if (left < right)
+            FillRow(surface.At(left, y), right - left, paint, surface.hasAlpha);
+    };
+    for (int y = std::max(first, rect.top); y < std::min(last, rect.bottom); ++y) {
+        int runBegin = -1; // the column where the run that is still open began
+        for (int t = 0; t < tiles; ++t) {
+            const int begin = t * kTile, end = std::min(count, begin + kTile);
+            if (y >= allTop[t] && y < allBottom[t]) {
+                if (runBegin < 0)
+                    runBegin = begin;
+                continue;
+            }
+            if (y < anyTop[t] || y >= anyBottom[t]) {
+                if (runBegin >= 0)
+                    flush(runBegin, begin, y);
+                runBegin = -1;
+                continue;
+            }
+            for (int i = begin; i < end; ++i) {
+                if (y >= tops[i] && y < bottoms[i]) {
+                    if (runBegin < 0)
+                        runBegin = i;
+                } else if (runBegin >= 0) {
+                    flush(runBegin, i, y);
+                    runBegin = -1;
+                }
+            }
+        }
+        if (runBegin >= 0)
+            flush(runBegin, count, y);
+    }
+}
+
+namespace {
+
+// Where along one axis a destination pixel looks, in 1/65536ths of a source pixel.
+struct Axis {
+    int begin, length; // of the part
+    std::int64_t step; // source length a destination pixel
+    [[nodiscard]] bool Shrinks() const noexcept { return step > 65536; }
+};
+
+struct Sum {
+    std::uint64_t channel[4] = {};
+    void Add(std::uint32_t pixel, std::uint64_t weight) noexcept {
+        for (int i = 0; i < 4; ++i)
+            channel[i] += (pixel >> (8 * i) & 255) * weight;
+    }
+    [[nodiscard]] std::uint32_t Mean(std::uint64_t total) const noexcept {
+        std::uint32_t pixel = 0;
+        for (int i = 0; i < 4; ++i)
+            pixel |= std::uint32_t(std::min<std::uint64_t>(255, (channel[i] + total / 2) / total))
+                     << (8 * i);
+        return pixel;
+    }
+};
+
+// The weights of the source pixels that one destination pixel sees along an axis: from, from + 1,
+// ... up to count.
+struct Reach {
+    int from = 0, count = 1;
+    std::int64_t firstWeight = 65536, lastWeight = 0; // those between weigh 65536
+
+    Reach(const Axis& axis, int place) noexcept {
+        if (axis.Shrinks()) {
+            const std::int64_t begin = axis.step * place, end = begin + axis.step;
+            from = int(begin >> 16);
+            const int last = int(std::min<std::int64_t>((end - 1) >> 16, axis.length - 1));
+            count = last - from + 1;
+            firstWeight = count == 1 ? axis.step : 65536 - (begin & 65535);
+            lastWeight = end - (std::int64_t{last} << 16);
+            lastWeight = std::min<std::int64_t>(lastWeight, 65536);
+        } else { // between the two nearest pixels' middles
+            const std::int64_t middle = axis.step * place + axis.step / 2 - 32768;
+            const std::int64_t held =
+                std::clamp<std::int64_t>(middle, 0, std::int64_t{axis.length - 1} << 16);
+            from = int(held >> 16);
+            lastWeight = held & 65535;
+            firstWeight = 65536 - lastWeight;
+            count = lastWeight ? 2 : 1;
+        }
+        from += axis.begin;
+    }
+    [[nodiscard]] std::int64_t Weight(int i) const noexcept {
+        return i == 0 ? firstWeight : i == count - 1 ? lastWeight : 65536;
+    }
+    [[nodiscard]] std::uint64_t Total() const noexcept {
+        std::uint64_t total = 0;
+        for (int i = 0; i < count; ++i)
+            total += std::uint64_t(Weight(i));
+        return total;
+    }
+};
+
+} // namespace
+
+void QLX_ScalePixels(const std::uint32_t* picture, int pictureRow, const Cmn_Rect<int>& part,
+                     const Cmn_Rect<int>& destination, const Cmn_Rect<int>& wanted,
+                     std::uint32_t* out, int outRow) noexcept {
+    const Axis across{part.left, part.GetWidth(),
+                      (std::int64_t{part.GetWidth()} << 16) / destination.GetWidth()};
+    const Axis down{part.top, part.GetHeight(),
+                    (std::int64_t{part.GetHeight()} << 16) / destination.GetHeight()};
+    for (int y = wanted.top; y < wanted.bottom; ++y, out += outRow) {
+        const Reach rows(down, y - destination.top);
+        const std::uint64_t rowTotal = rows.Total();
+        for (int x = wanted.left; x < wanted.right; ++x) {
+            const Reach columns(across, x - destination.left);
+            Sum sum;
+            for (int r = 0; r < rows.count; ++r) {
+                const std::uint32_t* source =
+                    picture + std::ptrdiff_t(rows.from + r) * pictureRow + columns.from;
+                for (int c = 0; c < columns.count; ++c)
+                    sum.Add(source[c],
+                            std::uint64_t(rows.Weight(r)) * std::uint64_t(columns.Weight(c)) >> 8);
+            }
+            out[x - wanted.left] = sum.Mean(rowTotal * columns.Total() >> 8);
+        }
+    }
+}
