@@ -35,7 +35,7 @@ QLX_Image::Ptr Sample(int size) {
 
 class Sheet {
   public:
-    explicit Sheet(const QLX_Painter::Ptr& painter) : p(painter) {
+    Sheet(const QLX_Painter::Ptr& painter, unsigned parts) : p(painter), mParts(parts) {
         mImage = Sample(24);
         mImage->SetDouble(Sample(48));
     }
@@ -43,19 +43,24 @@ class Sheet {
     void Draw() {
         p->SetBackgroundColor(kPaper);
         p->EraseRect({0, 0, kPainterSheetWidth, kPainterSheetHeight});
-        Shapes();
-        Pens();
-        Modes();
-        Patterns();
-        Texts();
-        Images();
-        Family();
-        Savers();
-        Canvases();
+        for (const auto section : {&Sheet::Shapes, &Sheet::Pens, &Sheet::Modes, &Sheet::Patterns}) {
+            if (Has(kSheet_Shapes))
+                (this->*section)();
+        }
+        if (Has(kSheet_Texts))
+            Texts();
+        for (const auto section : {&Sheet::Images, &Sheet::Family, &Sheet::Savers}) {
+            if (Has(kSheet_Shapes))
+                (this->*section)();
+        }
+        if (Has(kSheet_Canvases))
+            Canvases();
     }
 
   private:
     using Cell = Cmn_Rect<int>;
+
+    [[nodiscard]] bool Has(unsigned part) const noexcept { return (mParts & part) != 0; }
 
     void Caption(const char* text) {
         mX = 10;
@@ -64,7 +69,8 @@ class Sheet {
         p->SetForegroundColor(CRGBColor());
         p->SetFont(QLX_FontMap::RetrieveFont(kFont_InterfaceSmall, kFontSelect_Bold));
         p->MoveTo(float(mX), float(mY + 12), QLX_Painter::kResolution_Logical);
-        p->DrawString(text);
+        if (Has(kSheet_Texts))
+            p->DrawString(text);
         mY += 17;
     }
     /// The next place in the row.
@@ -196,7 +202,8 @@ class Sheet {
             p->SetTextMode(EPenMode(mode));
             p->SetFont(QLX_FontMap::RetrieveFont(kFont_Interface, kFontSelect_Bold));
             p->MoveTo(float(c.left + 2), float(c.top + 30), QLX_Painter::kResolution_Logical);
-            p->DrawString("Text");
+            if (Has(kSheet_Texts))
+                p->DrawString("Text");
             p->DrawImage(mImage, {c.left + 8, c.top + 36, c.left + 32, c.top + 60}, EPenMode(mode));
             p->SetPenMode(kPenMode_Copy);
             p->SetTextMode(kPenMode_Copy);
@@ -399,17 +406,17 @@ class Sheet {
             p->SetBackground(kThemeColor_MeterHigh);
             p->EraseRect({30, 0, 60, 44});
         }
-        c = Next(60, 44);
+    }
+
+    void Canvases() {
+        Cell c = Next(60, 44);
         {
             QLX_Painter::Ptr redirected = p;
             const StOffscreenPainter offscreen(redirected, c);
             redirected->SetForegroundColor(kGreen);
             redirected->FillOval(c, true);
         }
-    }
-
-    void Canvases() {
-        Cell c = Next(60, 44);
+        c = Next(60, 44);
         const QLX_Painter::Ptr canvas = p->CreateOffscreenPainter(c, true, false);
         if (!canvas)
             return;
@@ -432,6 +439,7 @@ class Sheet {
     }
 
     QLX_Painter::Ptr p;
+    unsigned mParts;
     QLX_Image::Ptr mImage;
     int mX = 10;
     int mY = 4;
@@ -440,4 +448,6 @@ class Sheet {
 
 } // namespace
 
-void DrawPainterSheet(const QLX_Painter::Ptr& painter) { Sheet(painter).Draw(); }
+void DrawPainterSheet(const QLX_Painter::Ptr& painter, unsigned parts) {
+    Sheet(painter, parts).Draw();
+}

@@ -142,6 +142,18 @@ void AddRoundRect(cairo_t* context, const FloatRect& r, double rx, double ry, bo
     }
 }
 
+// The area to render of a shape with slanted edges. Cutting a shape changes how its edges are
+// rounded, by a little, so it is rendered whole wherever that is affordable: a picture drawn in
+// pieces is then the same as in one go.
+constexpr std::int64_t kMostMaskPixels = std::int64_t{1} << 22;
+[[nodiscard]] Cmn_Rect<int> RenderedArea(const Cmn_Rect<int>& shape,
+                                         const Cmn_Rect<int>& clip) noexcept {
+    const Cmn_Rect<int> shown = shape & clip;
+    if (shown.Empty() || std::int64_t{shape.GetWidth()} * shape.GetHeight() > kMostMaskPixels)
+        return shown;
+    return shape;
+}
+
 // Renders what draw(context) draws into the mask of an area. False when nothing can be drawn.
 template <class Draw>
 [[nodiscard]] bool Render(const Cmn_Rect<int>& area, bool antialias, Draw draw) {
@@ -164,7 +176,7 @@ void QLX_PainterCairo::LayMask(const Cmn_Rect<int>& area, const QLX_SpanPaint& p
 void QLX_PainterCairo::FillShape(const QLX_Path& path, const Cmn_Rect<int>& bounds,
                                  const ShapeStyle& style, const QLX_SpanPaint& paint) {
     (void)DeviceClip();
-    const Cmn_Rect<int> area = bounds & mClipBounds;
+    const Cmn_Rect<int> area = RenderedArea(bounds, mClipBounds);
     const bool drawn = Render(area, style.antialias, [&](cairo_t* context) {
         const double factor = mScale.GetFactor();
         const auto x = [&](float value) {
@@ -215,7 +227,7 @@ void QLX_PainterCairo::RoundRect(const Cmn_Rect<int>& rect, int radiusX, int rad
     const double rx = std::max(0, radiusX) * mScale.GetFactor();
     const double ry = std::max(0, radiusY) * mScale.GetFactor();
     (void)DeviceClip();
-    const Cmn_Rect<int> area = pixels & mClipBounds;
+    const Cmn_Rect<int> area = RenderedArea(pixels, mClipBounds);
     const bool drawn = Render(area, antialias, [&](cairo_t* context) {
         const FloatRect outer = HeldRect(pixels);
         AddRoundRect(context, outer, rx, ry, topOnly);
@@ -243,7 +255,7 @@ void QLX_PainterCairo::DiagonalLine(Cmn_Point<double> from, Cmn_Point<double> to
                                int(std::ceil(std::max(from.x, to.x) + shiftX)),
                                int(std::ceil(std::max(from.y, to.y) + shiftY)));
     (void)DeviceClip();
-    const Cmn_Rect<int> area = Grown(bounds, width) & mClipBounds;
+    const Cmn_Rect<int> area = RenderedArea(Grown(bounds, width), mClipBounds);
     const bool drawn = Render(area, true, [&](cairo_t* context) {
         cairo_move_to(context, Held(from.x + shiftX), Held(from.y + shiftY));
         cairo_line_to(context, Held(to.x + shiftX), Held(to.y + shiftY));
@@ -287,7 +299,7 @@ void QLX_PainterCairo::DrawArc(const Cmn_Rect<int>& rect, int startDegrees, int 
         return;
     const Cmn_Rect<int> pixels = ToCanvas(rect);
     (void)DeviceClip();
-    const Cmn_Rect<int> area = pixels & mClipBounds;
+    const Cmn_Rect<int> area = RenderedArea(pixels, mClipBounds);
     const bool drawn = Render(area, antialias, [&](cairo_t* context) {
         const FloatRect r = HeldRect(pixels);
         const double rx = (r.right - r.left - width) / 2, ry = (r.bottom - r.top - width) / 2;
@@ -342,7 +354,7 @@ void QLX_PainterCairo::FillPolygon(const Cmn_Polygon<int>& polygon) {
     if (polygon.size() < 3)
         return;
     (void)DeviceClip();
-    const Cmn_Rect<int> area = ToCanvas(polygon.GetBounds()) & mClipBounds;
+    const Cmn_Rect<int> area = RenderedArea(ToCanvas(polygon.GetBounds()), mClipBounds);
     const bool drawn = Render(area, true, [&](cairo_t* context) {
         for (const Cmn_Point<int>& point : polygon) {
             const Cmn_Rect<int> pixel = ToCanvas({point.x, point.y, point.x, point.y});
