@@ -3,6 +3,7 @@
 
 #include "newfilelibs/cmn/cmn_rect.h"
 
+/// Checks of intervals; never an object.
 class QLX_API Cmn_Interval {
   public:
     /// Whether an interval's length fits the coordinate type, so that widths and heights may be

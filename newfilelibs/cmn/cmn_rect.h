@@ -180,8 +180,10 @@ struct Cmn_Rect {
     }
 };
 
+/// @cond a specialisation, which the reference would list twice
 template <>
 QLX_API int Cmn_Rect<int>::Subtract(const Cmn_Rect& cutter, Cmn_Rect* outP) const noexcept;
+/// @endcond
 
 // Printers: "(x, y)" and "(left, top, right, bottom)".
 QLX_API std::ostream& operator<<(std::ostream& out, const Cmn_Point<int>& point);

@@ -16,8 +16,10 @@
 
 struct Cmn_UnjoinedRects;
 
+/// A region's value, see the specialisation for int.
 template <class T>
 class Cmn_RegionCore;
+/// A shared core, see the specialisation for int.
 template <class T>
 class Cmn_RegionImpl;
 

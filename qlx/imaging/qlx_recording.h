@@ -130,6 +130,7 @@ using QLX_RecordedArgument =
                  QLX_RecordedImage, QLX_RecordedCanvas, QLX_RecordedNumbers, std::vector<CRGBColor>,
                  std::vector<QLX_RecordedImage>>;
 
+/// One call: which operation, and its arguments in order.
 struct QLX_RecordedCall {
     EPainterCall call;
     int canvas = 0; ///< on which it was made

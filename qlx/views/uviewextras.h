@@ -8,6 +8,7 @@
 #include "qlx/views/ulayout.h"
 #include "qlx/views/uview.h"
 
+/// Owned by its view, made when the first of these is set.
 struct TViewExtras {
     TViewExtras() = default;
     TViewExtras(const TViewExtras&) = delete;
