@@ -2,6 +2,7 @@
 // for hosts: the flag below is not exported.
 #pragma once
 
+#include "basekit/cmn/cmn_internal.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/uevent.h"
 #include "qlx/views/ueventhandler.h"
@@ -9,11 +10,6 @@
 
 // Not exported, so that reading it is one load without a look-up in the library's table of
 // addresses.
-#if defined(__GNUC__) && !defined(_WIN32)
-#define QLX_INTERNAL __attribute__((visibility("hidden")))
-#else
-#define QLX_INTERNAL
-#endif
 extern QLX_INTERNAL bool gEventTraceIsOn;
 
 /// Calls; with the trace on, as a hop of the message.
