@@ -12,12 +12,47 @@ constexpr std::size_t kBlocksPerGroup = View::kGroup / View::kBlock;
 
 void Cmn_RectIndexView::FillBoxes(const Rect* rects, std::size_t count, Rect* blocks,
                                   Rect* groups) noexcept {
-    for (std::size_t i = 0; i < count; i += kBlock)
-        blocks[i / kBlock] = BoundsOf(rects + i, std::min(kBlock, count - i));
     const std::size_t blockCount = BlockCount(count);
-    for (std::size_t i = 0; i < blockCount; i += kBlocksPerGroup)
-        groups[i / kBlocksPerGroup] =
-            BoundsOf(blocks + i, std::min(kBlocksPerGroup, blockCount - i));
+    for (std::size_t i = 0; i < blockCount; ++i) {
+        const std::size_t start = std::min(count, i * kBlock);
+        blocks[i] = BoundsOf(rects + start, std::min(kBlock, count - start));
+    }
+    const std::size_t groupCount = GroupCount(count);
+    for (std::size_t i = 0; i < groupCount; ++i) {
+        const std::size_t start = std::min(blockCount, i * kBlocksPerGroup);
+        groups[i] = BoundsOf(blocks + start, std::min(kBlocksPerGroup, blockCount - start));
+    }
+}
+
+// The same walk as ForEach, left at the first one.
+bool Cmn_RectIndexView::Touches(const Rect& probe) const noexcept {
+    if (!mBlocks || probe.Empty())
+        return FindFirst(probe, 0) < mCount;
+    const Cmn_RectScan::OverlapProbe scan(probe);
+    const std::size_t groupCount = GroupCount(mCount);
+    for (std::size_t group = 0;
+         (group = Cmn_RectScan::FindFirst(scan, mGroups, group, groupCount)) < groupCount;
+         ++group) {
+        std::size_t block = group * kBlocksPerGroup;
+        const std::size_t end = std::min(BlockCount(mCount), block + kBlocksPerGroup);
+        for (; (block = Cmn_RectScan::FindFirst(scan, mBlocks, block, end)) < end; ++block) {
+            if (TouchesInBlock(scan, block))
+                return true;
+        }
+    }
+    return false;
+}
+
+bool Cmn_RectIndexView::TouchesInBlock(const Cmn_RectScan::OverlapProbe& scan,
+                                       std::size_t block) const noexcept {
+    const std::size_t end = std::min(mCount, (block + 1) * kBlock);
+    std::size_t i = block * kBlock;
+    while ((i = Cmn_RectScan::FindFirst(scan, mRects, i, end)) < end) {
+        if (!mRects[i].Empty())
+            return true;
+        ++i;
+    }
+    return false;
 }
 
 std::size_t Cmn_RectIndexView::SearchBlocks(const Cmn_RectScan::OverlapProbe& scan,

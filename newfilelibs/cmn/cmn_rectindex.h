@@ -14,11 +14,12 @@ struct Cmn_RectIndexView {
     static constexpr std::size_t kBlock = 8;  ///< rectangles a box
     static constexpr std::size_t kGroup = 64; ///< rectangles a box of boxes
 
+    // Boxes are scanned by fours, so empty ones fill up the last four.
     [[nodiscard]] static constexpr std::size_t BlockCount(std::size_t count) noexcept {
-        return (count + kBlock - 1) / kBlock;
+        return (count + 4 * kBlock - 1) / (4 * kBlock) * 4;
     }
     [[nodiscard]] static constexpr std::size_t GroupCount(std::size_t count) noexcept {
-        return (count + kGroup - 1) / kGroup;
+        return (count + 4 * kGroup - 1) / (4 * kGroup) * 4;
     }
     /// Boxes and boxes of boxes together; the former come first.
     [[nodiscard]] static constexpr std::size_t BoxCount(std::size_t count) noexcept {
@@ -63,9 +64,7 @@ struct Cmn_RectIndexView {
     }
 
     /// Whether any rectangle overlaps the probe with positive area.
-    [[nodiscard]] bool Touches(const Cmn_Rect<int>& probe) const noexcept {
-        return FindFirst(probe, 0) < mCount;
-    }
+    [[nodiscard]] bool Touches(const Cmn_Rect<int>& probe) const noexcept;
 
     /// The first index from `from` on whose rectangle overlaps the probe with positive area, or the
     /// count.
@@ -92,6 +91,8 @@ struct Cmn_RectIndexView {
         return mBlocks ? SearchBoxes(scan, from)
                        : Cmn_RectScan::FindFirst(scan, mRects, from, mCount);
     }
+    [[nodiscard]] bool TouchesInBlock(const Cmn_RectScan::OverlapProbe& scan,
+                                      std::size_t block) const noexcept;
     [[nodiscard]] std::size_t SearchBoxes(const Cmn_RectScan::OverlapProbe& scan,
                                           std::size_t from) const noexcept;
     [[nodiscard]] std::size_t SearchBlocks(const Cmn_RectScan::OverlapProbe& scan,
