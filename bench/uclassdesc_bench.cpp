@@ -165,3 +165,5 @@ BENCHMARK(List_Append)->Arg(10)->Arg(1000);
 BENCHMARK(List_Append_std)->Name("List_Append/std")->Arg(10)->Arg(1000);
 BENCHMARK(List_Sort)->Arg(100)->Arg(10000);
 BENCHMARK(List_Sort_std)->Name("List_Sort/std")->Arg(100)->Arg(10000);
+
+BENCHMARK_MAIN();
