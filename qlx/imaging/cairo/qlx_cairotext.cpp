@@ -31,12 +31,12 @@ constexpr Cmn_Rect<int> kNoLimit(-(1 << 30), -(1 << 30), 1 << 30, 1 << 30);
 
 void QLX_PainterCairo::PrepareFont() {
     const unsigned generation = QLX_GlyphCache::GetGeneration();
-    if (mFaces && mPreparedFont == mFont && mFontGeneration == generation)
+    if (mAtSize && mPreparedFont == mFont && mFontGeneration == generation)
         return;
     mPreparedFont = mFont;
-    mFaces = &QLX_GlyphCache::GetFaces(mFont);
-    mSized = &QLX_GlyphCache::GetSized(Cmn_ClampTo<int>(
-        std::int64_t{mFont.GetSize64ths()} * mScale.Get120ths() / QLX_DeviceScale::kUnit));
+    mAtSize = &QLX_GlyphCache::GetAtSize(
+        mFont, Cmn_ClampTo<int>(std::int64_t{mFont.GetSize64ths()} * mScale.Get120ths() /
+                                QLX_DeviceScale::kUnit));
     mFontGeneration = QLX_GlyphCache::GetGeneration();
 }
 
@@ -58,21 +58,42 @@ void QLX_PainterCairo::DrawGlyph(const QLX_GlyphMask& mask, int x, int y,
         ForClipped(box & limit, lay);
 }
 
+// Texts of printable ASCII, which is most of what an interface shows. Returns false, having drawn
+// nothing, for others.
+bool QLX_PainterCairo::DrawAsciiLine(std::string_view text, double& x, int baseline,
+                                     const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint) {
+    for (const char character : text)
+        if (static_cast<unsigned char>(character) >= 0x80 ||
+            !mAtSize->GetAscii(static_cast<unsigned char>(character)).simple)
+            return false;
+    const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        const PenPlace pen(x);
+        if (pen.pixel > mClipBounds.right + 4096)
+            break;
+        DrawGlyph(mAtSize->GetAsciiMask(byte, pen.quarter), pen.pixel, baseline, limit, paint);
+        x += double(mAtSize->GetAscii(byte).advance) * pixels;
+    }
+    return true;
+}
+
 // Returns false, having drawn nothing, when the text needs general layout.
 bool QLX_PainterCairo::DrawSimpleLine(std::string_view text, double& x, int baseline,
                                       const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint) {
+    QLX_FontFaces& faces = mAtSize->GetFaces();
     for (std::size_t place = 0; place < text.size();)
-        if (!mFaces->GetCharacter(QLX_NextCodePoint(text, place)).simple)
+        if (!faces.GetCharacter(QLX_NextCodePoint(text, place)).simple)
             return false;
     const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
     for (std::size_t place = 0; place < text.size();) {
-        const QLX_FontCharacter& character = mFaces->GetCharacter(QLX_NextCodePoint(text, place));
+        const QLX_FontCharacter& character = faces.GetCharacter(QLX_NextCodePoint(text, place));
         const PenPlace pen(x);
         x += double(character.advance) * pixels;
         if (pen.pixel > mClipBounds.right + 4096 || character.source.face < 0)
             continue;
-        DrawGlyph(mSized->GetGlyph(character.source, pen.quarter), pen.pixel, baseline, limit,
-                  paint);
+        DrawGlyph(mAtSize->GetSized().GetGlyph(character.source, pen.quarter), pen.pixel, baseline,
+                  limit, paint);
     }
     return true;
 }
@@ -83,8 +104,8 @@ void QLX_PainterCairo::DrawShaped(const QLX_ShapedText& text, double x, int base
     for (const QLX_ShapedText::Glyph& glyph : text.glyphs) {
         const PenPlace pen(x + double(glyph.x) * factor);
         const int down = int(std::lround(double(glyph.y) * factor));
-        DrawGlyph(mSized->GetGlyph(glyph.source, pen.quarter), pen.pixel, baseline + down, limit,
-                  paint);
+        DrawGlyph(mAtSize->GetSized().GetGlyph(glyph.source, pen.quarter), pen.pixel,
+                  baseline + down, limit, paint);
     }
 }
 
@@ -99,7 +120,8 @@ double QLX_PainterCairo::DrawLine(std::string_view text, double x, int baseline,
     x = std::clamp(x, -double(1 << 24), double(1 << 24));
     const QLX_SpanPaint paint = TextPaint();
     const double begin = x;
-    if (!DrawSimpleLine(text, x, baseline, limit, paint)) {
+    if (!DrawAsciiLine(text, x, baseline, limit, paint) &&
+        !DrawSimpleLine(text, x, baseline, limit, paint)) {
         const QLX_ShapedText& shaped = QLX_ShapeText(mFont, text);
         DrawShaped(shaped, x, baseline, limit, paint);
         x += double(shaped.width) * mScale.GetFactor();
@@ -107,9 +129,11 @@ double QLX_PainterCairo::DrawLine(std::string_view text, double x, int baseline,
     if (mFont.IsUnderlined()) {
         const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
         const int top =
-            baseline + std::max(1, int(std::lround(double(mFaces->GetUnderlineOffset()) * pixels)));
-        const int thick =
-            std::max(1, int(std::lround(double(mFaces->GetUnderlineThickness()) * pixels)));
+            baseline +
+            std::max(1,
+                     int(std::lround(double(mAtSize->GetFaces().GetUnderlineOffset()) * pixels)));
+        const int thick = std::max(
+            1, int(std::lround(double(mAtSize->GetFaces().GetUnderlineThickness()) * pixels)));
         Fill(Cmn_Rect<int>(int(std::floor(begin + 0.5)), top, int(std::floor(x + 0.5)),
                            top + thick) &
                  limit,

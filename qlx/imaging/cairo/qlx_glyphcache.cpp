@@ -36,6 +36,7 @@ struct Cache {
     std::map<std::string, Family> families;
     std::map<std::uint32_t, std::unique_ptr<QLX_FontFaces>> fonts; // by family number and style
     std::unordered_map<int, std::unique_ptr<QLX_SizedFont>> sizes;
+    std::unordered_map<std::uint64_t, std::unique_ptr<QLX_FontAtSize>> atSizes; // refer to both
     std::string fallback = kFallbackPath;
     unsigned generation = 1;
     std::uint64_t rendered = 0;
@@ -86,6 +87,11 @@ Cache& TheCache() {
     return std::uint64_t(source.glyph) | std::uint64_t(std::uint16_t(source.face)) << 32 |
            std::uint64_t(source.embolden) << 48 | std::uint64_t(source.slant) << 49 |
            std::uint64_t(quarter) << 50;
+}
+
+[[nodiscard]] std::uint32_t FontKey(const QLX_Font& font) noexcept {
+    return std::uint32_t(font.GetFamilyNumber()) << 2 |
+           std::uint32_t(font.GetStyle() & (kFontStyle_Bold | kFontStyle_Italic));
 }
 
 // A slant of 12 degrees in 16.16, what italics of upright faces are usually given.
@@ -246,8 +252,7 @@ const QLX_FontCharacter& QLX_FontFaces::FindCharacter(char32_t code) {
 }
 
 QLX_FontFaces& QLX_GlyphCache::GetFaces(const QLX_Font& font) {
-    const auto style = std::uint32_t(font.GetStyle() & (kFontStyle_Bold | kFontStyle_Italic));
-    auto& faces = TheCache().fonts[std::uint32_t(font.GetFamilyNumber()) << 2 | style];
+    auto& faces = TheCache().fonts[FontKey(font)];
     if (!faces)
         faces = std::make_unique<QLX_FontFaces>(font);
     return *faces;
@@ -261,6 +266,29 @@ QLX_SizedFont& QLX_GlyphCache::GetSized(int pixelSize26_6) {
     if (!sized)
         sized = std::make_unique<QLX_SizedFont>(pixelSize26_6);
     return *sized;
+}
+
+const QLX_FontAtSize::Ascii& QLX_FontAtSize::MakeAscii(unsigned char character) {
+    const QLX_FontCharacter& found = mFaces.GetCharacter(character);
+    mAscii[character].advance = found.advance;
+    mAscii[character].simple = found.simple;
+    mMade[character] = true;
+    return mAscii[character];
+}
+
+const QLX_GlyphMask& QLX_FontAtSize::RenderAscii(unsigned char character, int quarter) {
+    const QLX_GlyphMask& mask = mSized.GetGlyph(mFaces.GetCharacter(character).source, quarter);
+    mAscii[character].masks[quarter] = &mask;
+    return mask;
+}
+
+QLX_FontAtSize& QLX_GlyphCache::GetAtSize(const QLX_Font& font, int pixelSize26_6) {
+    QLX_SizedFont& sized = GetSized(pixelSize26_6);
+    auto& held =
+        TheCache().atSizes[std::uint64_t(FontKey(font)) << 32 | std::uint32_t(pixelSize26_6)];
+    if (!held)
+        held = std::make_unique<QLX_FontAtSize>(GetFaces(font), sized);
+    return *held;
 }
 
 int QLX_GlyphCache::OpenFace(const std::string& path, int index) {
@@ -285,12 +313,14 @@ unsigned QLX_GlyphCache::GetGeneration() noexcept { return TheCache().generation
 void QLX_GlyphCache::AddFontFile(const std::string& family, bool bold, const std::string& path) {
     Cache& cache = TheCache();
     cache.families[family].files[bold] = path;
+    cache.atSizes.clear();
     cache.fonts.clear();
     ++cache.generation;
 }
 
 void QLX_GlyphCache::Clear() {
     Cache& cache = TheCache();
+    cache.atSizes.clear();
     cache.sizes.clear();
     cache.maskBytes = 0;
     ++cache.generation;

@@ -91,6 +91,37 @@ class QLX_FontFaces {
     std::unordered_map<char32_t, QLX_FontCharacter> mOthers;
 };
 
+/// A font in one size in pixels: its faces, its glyphs, and the printable ASCII characters at hand.
+class QLX_FontAtSize {
+  public:
+    QLX_FontAtSize(QLX_FontFaces& faces, QLX_SizedFont& sized) : mFaces(faces), mSized(sized) {}
+    [[nodiscard]] QLX_FontFaces& GetFaces() const noexcept { return mFaces; }
+    [[nodiscard]] QLX_SizedFont& GetSized() const noexcept { return mSized; }
+
+    struct Ascii {
+        const QLX_GlyphMask* masks[QLX_SizedFont::kQuarters]; ///< null: not rendered yet
+        float advance;                                        ///< share of the em
+        bool simple;
+    };
+    /// Of a character below 128, looked up when first asked for.
+    [[nodiscard]] const Ascii& GetAscii(unsigned char character) {
+        return mMade[character] ? mAscii[character] : MakeAscii(character);
+    }
+    [[nodiscard]] const QLX_GlyphMask& GetAsciiMask(unsigned char character, int quarter) {
+        const QLX_GlyphMask* mask = mAscii[character].masks[quarter];
+        return mask ? *mask : RenderAscii(character, quarter);
+    }
+
+  private:
+    const Ascii& MakeAscii(unsigned char character);
+    const QLX_GlyphMask& RenderAscii(unsigned char character, int quarter);
+
+    QLX_FontFaces& mFaces; // the cache's
+    QLX_SizedFont& mSized; // the cache's
+    Ascii mAscii[128] = {};
+    bool mMade[128] = {};
+};
+
 /// The process's glyphs. User-interface thread. Also the QLX_TextMeasure of the desktop, installed
 /// by itself when the library is loaded.
 class QLX_API QLX_GlyphCache {
@@ -98,6 +129,7 @@ class QLX_API QLX_GlyphCache {
     [[nodiscard]] static QLX_FontFaces& GetFaces(const QLX_Font& font);
     /// A size in 1/64ths of a pixel.
     [[nodiscard]] static QLX_SizedFont& GetSized(int pixelSize26_6);
+    [[nodiscard]] static QLX_FontAtSize& GetAtSize(const QLX_Font& font, int pixelSize26_6);
     /// Opens a face once and numbers it; -1 when the file cannot be used.
     [[nodiscard]] static int OpenFace(const std::string& path, int index);
     /// Grows when glyphs or fonts are thrown away: what painters fetched before is stale then.

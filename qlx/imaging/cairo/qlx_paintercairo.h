@@ -9,8 +9,7 @@
 #include "qlx/imaging/qlx_painterfactory.h"
 #include "qlx/imaging/qlx_painterstate.h"
 
-class QLX_FontFaces;
-class QLX_SizedFont;
+class QLX_FontAtSize;
 struct QLX_GlyphMask;
 struct QLX_ShapedText;
 
@@ -200,6 +199,8 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
     /// One line from a canvas x (in 1/64ths of a pixel) on a canvas baseline, within limit; returns
     /// its advance in pixels.
     double DrawLine(std::string_view text, double x, int baseline, const Cmn_Rect<int>& limit);
+    [[nodiscard]] bool DrawAsciiLine(std::string_view text, double& x, int baseline,
+                                     const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint);
     [[nodiscard]] bool DrawSimpleLine(std::string_view text, double& x, int baseline,
                                       const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint);
     void DrawShaped(const QLX_ShapedText& text, double x, int baseline, const Cmn_Rect<int>& limit,
@@ -224,8 +225,7 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
     unsigned mClipSeen = 0;
     std::vector<int> mColumns; // scratch of waveforms
 
-    QLX_FontFaces* mFaces = nullptr; // the glyph cache's
-    QLX_SizedFont* mSized = nullptr; // the glyph cache's
+    QLX_FontAtSize* mAtSize = nullptr; // the glyph cache's
     QLX_Font mPreparedFont;
     unsigned mFontGeneration = 0;
 };

@@ -27,6 +27,18 @@ constexpr std::uint32_t kAlphaMask = 0xFF000000;
     return low | high;
 }
 
+// a by weight and b by the rest of 255, added and rounded once, in all four bytes. A lane holds at
+// most 255 * 255.
+[[nodiscard]] constexpr std::uint32_t Mixed(std::uint32_t a, std::uint32_t b,
+                                            unsigned weight) noexcept {
+    const unsigned rest = 255 - weight;
+    std::uint32_t low = (a & 0x00FF00FF) * weight + (b & 0x00FF00FF) * rest + 0x00800080;
+    std::uint32_t high = (a >> 8 & 0x00FF00FF) * weight + (b >> 8 & 0x00FF00FF) * rest + 0x00800080;
+    low = (low + (low >> 8 & 0x00FF00FF)) >> 8 & 0x00FF00FF;
+    high = (high + (high >> 8 & 0x00FF00FF)) & 0xFF00FF00;
+    return low | high;
+}
+
 template <class Operation>
 [[nodiscard]] std::uint32_t PerChannel(std::uint32_t a, std::uint32_t b,
                                        Operation operation) noexcept {
@@ -86,13 +98,11 @@ template <class Operation>
 [[nodiscard]] std::uint32_t Laid(EPenMode mode, std::uint32_t d, std::uint32_t s, unsigned weight,
                                  bool hasAlpha) noexcept {
     const std::uint32_t color = Combined(mode, d & kColorMask, s & kColorMask);
-    if (!hasAlpha) {
-        return kAlphaMask | (Weighed(color, weight) + Weighed(d & kColorMask, 255 - weight));
-    }
+    if (!hasAlpha)
+        return Mixed(kAlphaMask | color, kAlphaMask | d, weight);
     if (Covers(mode))
-        return Weighed(kAlphaMask | color, weight) + Weighed(d, 255 - weight);
-    const std::uint32_t mixed = Weighed(color, weight) + Weighed(d & kColorMask, 255 - weight);
-    return HeldToAlpha((d & kAlphaMask) | mixed);
+        return Mixed(kAlphaMask | color, d, weight);
+    return HeldToAlpha((d & kAlphaMask) | Mixed(color, d & kColorMask, weight));
 }
 
 // Rows of one colour
@@ -212,7 +222,7 @@ void FillPatternedRow(std::uint32_t* p, int x, int y, int count, const QLX_SpanP
                                            bool hasAlpha) noexcept {
     if (!hasAlpha)
         d |= kAlphaMask;
-    return Weighed(color, weight) + Weighed(d, 255 - weight);
+    return Mixed(color, d, weight);
 }
 
 void CoverRow(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_SpanPaint& paint,
@@ -227,24 +237,21 @@ void CoverRow(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_S
 }
 
 #if defined(__SSE2__)
-// Four pixels at once, equal to Covered in every byte: color * w / 255 and d * (255 - w) / 255 are
-// rounded each by itself and added.
+// Four pixels at once, equal to Covered in every byte. color * w + d * (255 - w) is d * 255 +
+// (color - d) * w; the difference may be negative, but the sum fits a lane, so what wraps on the
+// way unwraps.
 inline void CoverFour(std::uint32_t* p, __m128i weights, __m128i color, __m128i opaque) noexcept {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i full = _mm_set1_epi16(255);
     const __m128i d = _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), opaque);
     // weights: four 16-bit values in the low half; each is wanted four times over
     const __m128i pairs = _mm_unpacklo_epi16(weights, weights);
-    const __m128i low = _mm_unpacklo_epi32(pairs, pairs);
-    const __m128i high = _mm_unpackhi_epi32(pairs, pairs);
-    const __m128i dLow =
-        Divide255(_mm_mullo_epi16(_mm_unpacklo_epi8(d, zero), _mm_sub_epi16(full, low)));
-    const __m128i dHigh =
-        Divide255(_mm_mullo_epi16(_mm_unpackhi_epi8(d, zero), _mm_sub_epi16(full, high)));
-    const __m128i sLow = Divide255(_mm_mullo_epi16(color, low));
-    const __m128i sHigh = Divide255(_mm_mullo_epi16(color, high));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
-                     _mm_packus_epi16(_mm_add_epi16(dLow, sLow), _mm_add_epi16(dHigh, sHigh)));
+    const auto half = [&](__m128i bytes, __m128i weight) {
+        const __m128i full = _mm_sub_epi16(_mm_slli_epi16(bytes, 8), bytes);
+        return Divide255(_mm_add_epi16(full, _mm_mullo_epi16(_mm_sub_epi16(color, bytes), weight)));
+    };
+    const __m128i low = half(_mm_unpacklo_epi8(d, zero), _mm_unpacklo_epi32(pairs, pairs));
+    const __m128i high = half(_mm_unpackhi_epi8(d, zero), _mm_unpackhi_epi32(pairs, pairs));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(low, high));
 }
 
 void CoverRowWide(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_SpanPaint& paint,
@@ -293,8 +300,55 @@ const QLX_PatternCell* QLX_GetPatternCell(EPenPattern pattern) noexcept {
     return &kCells[pattern];
 }
 
+namespace {
+
+// Opaque rectangles are what most drawing is made of, and many are narrow: bars and the sides of
+// frames. Rows of up to 16 pixels are stored without a loop, overlapping in the middle.
+void FillOpaque(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                std::uint32_t color) noexcept {
+    const int count = rect.right - rect.left;
+    std::uint32_t* row = surface.At(rect.left, rect.top);
+    const std::ptrdiff_t next = surface.rowPixels;
+    int rows = rect.bottom - rect.top;
+    if (count == 1) {
+        for (; rows > 0; --rows, row += next)
+            *row = color;
+        return;
+    }
+#if defined(__SSE2__)
+    const __m128i wide = _mm_set1_epi32(int(color));
+    const auto store = [&](std::uint32_t* place) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(place), wide);
+    };
+    if (count >= 4 && count <= 8) {
+        for (; rows > 0; --rows, row += next) {
+            store(row);
+            store(row + count - 4);
+        }
+        return;
+    }
+    if (count > 8 && count <= 16) {
+        for (; rows > 0; --rows, row += next) {
+            store(row);
+            store(row + 4);
+            store(row + count - 8);
+            store(row + count - 4);
+        }
+        return;
+    }
+#endif
+    for (; rows > 0; --rows, row += next)
+        StoreRow(row, count, color);
+}
+
+} // namespace
+
 void QLX_FillSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
                    const QLX_SpanPaint& paint) noexcept {
+    if (paint.mode == kPenMode_Copy && paint.alpha == 255 && !paint.pattern) {
+        FillOpaque(surface, rect, paint.color);
+        return;
+    }
     const int count = rect.right - rect.left;
     for (int y = rect.top; y < rect.bottom; ++y) {
         std::uint32_t* row = surface.At(rect.left, y);
@@ -472,6 +526,29 @@ void QLX_BlendSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect, std::
     }
 }
 
+namespace {
+
+#if defined(__SSE2__)
+// One row of 32 columns, a pixel each, of which any may be covered: the pixel stays or is the
+// colour, four at once.
+void FillTileRow(std::uint32_t* p, const int* tops, const int* bottoms, int y,
+                 __m128i color) noexcept {
+    const __m128i row = _mm_set1_epi32(y);
+    for (int i = 0; i < 32; i += 4) {
+        const __m128i top = _mm_loadu_si128(reinterpret_cast<const __m128i*>(tops + i));
+        const __m128i bottom = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bottoms + i));
+        // covered: not top > y, and bottom > y
+        const __m128i covered =
+            _mm_andnot_si128(_mm_cmpgt_epi32(top, row), _mm_cmpgt_epi32(bottom, row));
+        auto* place = reinterpret_cast<__m128i*>(p + i);
+        const __m128i kept = _mm_andnot_si128(covered, _mm_loadu_si128(place));
+        _mm_storeu_si128(place, _mm_or_si128(kept, _mm_and_si128(covered, color)));
+    }
+}
+#endif
+
+} // namespace
+
 // Memory is written row by row, which is what it is fast at. Columns are grouped into tiles; for
 // each tile the rows that all its columns cover and the rows that any covers are known beforehand,
 // so most of a row is found to be full or empty a tile at a time and only tiles on the outline are
@@ -507,6 +584,10 @@ void QLX_FillColumns(const QLX_Surface& surface, const Cmn_Rect<int>& rect, int 
         if (left < right)
             FillRow(surface.At(left, y), right - left, paint, surface.hasAlpha);
     };
+#if defined(__SSE2__)
+    const bool simple = columnWidth == 1 && paint.mode == kPenMode_Copy && paint.alpha == 255;
+    const __m128i color = _mm_set1_epi32(int(paint.color));
+#endif
     for (int y = std::max(first, rect.top); y < std::min(last, rect.bottom); ++y) {
         int runBegin = -1; // the column where the run that is still open began
         for (int t = 0; t < tiles; ++t) {
@@ -522,6 +603,17 @@ void QLX_FillColumns(const QLX_Surface& surface, const Cmn_Rect<int>& rect, int 
                 runBegin = -1;
                 continue;
             }
+#if defined(__SSE2__)
+            const std::int64_t tileLeft = x + std::int64_t{begin};
+            if (simple && end - begin == kTile && tileLeft >= rect.left &&
+                tileLeft + kTile <= rect.right) {
+                if (runBegin >= 0)
+                    flush(runBegin, begin, y);
+                runBegin = -1;
+                FillTileRow(surface.At(int(tileLeft), y), tops + begin, bottoms + begin, y, color);
+                continue;
+            }
+#endif
             for (int i = begin; i < end; ++i) {
                 if (y >= tops[i] && y < bottoms[i]) {
                     if (runBegin < 0)
