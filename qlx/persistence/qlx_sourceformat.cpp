@@ -88,7 +88,8 @@ QLX_ViewMemento* QLX_SourceViewFormat::ReadMemento(QLX_RawPropertyContainerFacto
         else
             mProblems.push_back({mSource.GetPath(), 0, 0, QLX_SourceProblem::kWarning,
                                  "the wrapper's \"" + child->GetName() +
-                                     "\" is no part of the description and is not kept"});
+                                     "\" is no part of the description and is not kept",
+                                 /*lost*/ true});
     }
     if (!root) {
         mProblems.push_back({mSource.GetPath(), 0, 0, QLX_SourceProblem::kError,

@@ -24,6 +24,7 @@ struct QLX_SourceProblem {
     int mColumn = 0; ///< from 1, in bytes
     Severity mSeverity = kError;
     std::string mReason;
+    bool mLost = false; ///< something that stands in the file is not kept
 
     /// "file:line:column: reason".
     [[nodiscard]] QLX_API std::string ToString() const;
@@ -107,7 +108,8 @@ class QLX_API QLX_XMLParser {
     const QLX_PropertyFilter& FilterOf(const char** attributes);
     void UseScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
     void FlushScratch();
-    void AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason);
+    void AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason,
+                    bool lost = false);
     [[nodiscard]] QLX_SourceObserver::Place GetPlace() const;
     void Stop();
 

@@ -90,7 +90,8 @@ struct QLX_XMLParser::Callbacks {
     static void Text(void* user, const char* text, int size) {
         Guarded(user, [&](QLX_XMLParser& parser) {
             if (parser.mObserver && !std::all_of(text, text + size, IsBlank))
-                parser.AddProblem(QLX_SourceProblem::kWarning, "text between elements is not kept");
+                parser.AddProblem(QLX_SourceProblem::kWarning, "text between elements is not kept",
+                                  /*lost*/ true);
         });
     }
 };
@@ -127,9 +128,9 @@ QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
     if (mException)
         std::rethrow_exception(std::exchange(mException, nullptr));
     if (mProblemCount > mProblems.size())
-        mProblems.push_back(
-            {mFile->GetLoc().GetPath(), 0, 0, QLX_SourceProblem::kWarning,
-             std::to_string(mProblemCount - mProblems.size()) + " further problems"});
+        mProblems.push_back({mFile->GetLoc().GetPath(), 0, 0, QLX_SourceProblem::kWarning,
+                             std::to_string(mProblemCount - mProblems.size()) + " further problems",
+                             /*lost*/ true});
     if (!mStopped && !mOutermost)
         mProblems.push_back({mFile->GetLoc().GetPath(), 0, 0, QLX_SourceProblem::kError,
                              "the file holds no container"});
@@ -176,12 +177,14 @@ QLX_SourceObserver::Place QLX_XMLParser::GetPlace() const {
             static_cast<int>(XML_GetCurrentColumnNumber(mParser)) + 1};
 }
 
-void QLX_XMLParser::AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason) {
+void QLX_XMLParser::AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason,
+                               bool lost) {
     // An error ends the reading, so there is room for it.
     if (++mProblemCount > kMostProblems && severity != QLX_SourceProblem::kError)
         return;
     const QLX_SourceObserver::Place place = GetPlace();
-    mProblems.push_back({mFile->GetLoc().GetPath(), place.mLine, place.mColumn, severity, reason});
+    mProblems.push_back(
+        {mFile->GetLoc().GetPath(), place.mLine, place.mColumn, severity, reason, lost});
 }
 
 void QLX_XMLParser::startElement(const char* name, const char** attributes) {
@@ -244,7 +247,8 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
 
 void QLX_XMLParser::StartProperty(const char** attributes) {
     if (mOpen.empty()) {
-        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept");
+        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept",
+                   /*lost*/ true);
         return;
     }
     const char* name = nullptr;
@@ -263,9 +267,10 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
     }
     if (!name || !type || !value) {
         const char* const missing = !name ? "name" : !type ? "type" : "value";
-        AddProblem(QLX_SourceProblem::kWarning, std::string("a property without \"") + missing +
-                                                    "\" is not kept" +
-                                                    (name ? std::string(": ") + name : ""));
+        AddProblem(QLX_SourceProblem::kWarning,
+                   std::string("a property without \"") + missing + "\" is not kept" +
+                       (name ? std::string(": ") + name : ""),
+                   /*lost*/ true);
         return;
     }
     StoreProperty(mOpen.back(), name, type, value,
@@ -276,9 +281,10 @@ void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, c
                                   const char* value, const QLX_PropertyFilter& filter) {
     const QLX_PropertyType known = TypeOf(type);
     if (known == qlx_PropType_None)
-        AddProblem(QLX_SourceProblem::kWarning, std::string("the property \"") + name +
-                                                    "\" has the unknown type \"" + type +
-                                                    "\" and is not kept");
+        AddProblem(QLX_SourceProblem::kWarning,
+                   std::string("the property \"") + name + "\" has the unknown type \"" + type +
+                       "\" and is not kept",
+                   /*lost*/ true);
     if (mObserver)
         mObserver->PropertyMet(*open.mContainer, name, type, value, filter, GetPlace());
     if (open.mPlain && known != qlx_PropType_None) {
