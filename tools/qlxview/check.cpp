@@ -1,0 +1,265 @@
+// qlxview check: what is wrong with descriptions, where it stands.
+#include <algorithm>
+#include <cstdio>
+
+#include "basekit/cmn/cmn_assert.h"
+#include "classschema.h"
+#include "command.h"
+#include "description.h"
+#include "findings.h"
+
+namespace {
+struct Options {
+    std::vector<std::string> mFiles;
+    bool mJSON = false;
+    bool mSARIF = false;
+    bool mStrict = false;
+};
+
+/// Elements whose "class" names a registered class that reads them.
+bool HasClass(const std::string& element) {
+    return element == "view" || element == "behavior" || element == "adorner" ||
+           element == "drawingenvironment" || element == "state";
+}
+
+class Checker {
+  public:
+    void CheckFile(const std::string& path) {
+        // What the readers say by assertion is told with its place here.
+        const Cmn_AssertionHandler previous =
+            Cmn_SetAssertionHandler([](const char*, const char*, int) {});
+        std::unique_ptr<Description> description;
+        try {
+            description = std::make_unique<Description>(path);
+        } catch (const std::exception& error) {
+            AddUnreadable(path, error.what());
+        }
+        if (description) {
+            mDescription = description.get();
+            for (const QLX_SourceProblem& problem : mDescription->GetProblems())
+                mFindings.push_back({problem.mFile, problem.mLine, problem.mColumn,
+                                     problem.mSeverity == QLX_SourceProblem::kError, "source",
+                                     problem.mReason});
+            CheckWellKnown();
+            for (const std::string& loss :
+                 QLX_SourceViewFormat::FindUnwritable(*mDescription->GetRoot()))
+                Add({0, 0}, true, "hidden",
+                    "an attribute of the same name keeps this from being written: " + loss);
+            mDescription->GetRoot()->SetCurrentFilter(QLX_PropertyFilter::RootFilter());
+            CheckTree(*mDescription->GetRoot());
+            CheckStrings();
+            mUsedKeys.clear();
+        }
+        Cmn_SetAssertionHandler(previous);
+    }
+
+    [[nodiscard]] std::vector<Finding> TakeFindings() {
+        std::stable_sort(mFindings.begin(), mFindings.end(),
+                         [](const Finding& a, const Finding& b) {
+                             return std::tie(a.mFile, a.mLine, a.mColumn) <
+                                    std::tie(b.mFile, b.mLine, b.mColumn);
+                         });
+        return std::move(mFindings);
+    }
+
+  private:
+    using Place = QLX_SourceObserver::Place;
+
+    void Add(Place place, bool error, const std::string& rule, const std::string& text) {
+        mFindings.push_back(
+            {mDescription->GetPath(), place.mLine, place.mColumn, error, rule, text});
+    }
+
+    /// The message has the form "file:line:column: reason".
+    void AddUnreadable(const std::string& path, const std::string& message) {
+        Finding finding{path, 0, 0, true, "unreadable", message};
+        int used = 0;
+        if (message.compare(0, path.size() + 1, path + ":") == 0) {
+            const char* const rest = message.c_str() + path.size() + 1;
+            if (std::sscanf(rest, "%d:%d: %n", &finding.mLine, &finding.mColumn, &used) == 2)
+                finding.mText = rest + used;
+            else
+                finding.mText = rest + (*rest == ' ' ? 1 : 0);
+        }
+        mFindings.push_back(finding);
+    }
+
+    void CheckWellKnown() {
+        std::list<std::string> messages;
+        mDescription->GetRoot()->VerifyWellKnownProperties(messages);
+        for (const std::string& message : messages)
+            Add(PlaceOf(message), true, "well-known", message);
+    }
+
+    /// The place of the element whose path stands in a verification message.
+    Place PlaceOf(const std::string& message) {
+        const std::size_t start = message.find('"') + 1;
+        const std::string path = message.substr(start, message.find('"', start) - start);
+        if (mPaths.first != mDescription) {
+            mPaths = {mDescription, {}};
+            AddPaths(*mDescription->GetRoot());
+        }
+        const auto found = mPaths.second.find(path);
+        return found == mPaths.second.end() ? Place{0, 0} : mDescription->GetPlace(found->second);
+    }
+    void AddPaths(const QLX_RawPropertyContainer& container) {
+        mPaths.second[container.GetPath()] = &container;
+        for (const auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
+            AddPaths(*child);
+    }
+
+    void CheckTree(QLX_RawPropertyContainer& container) {
+        CheckTexts(container);
+        if (HasClass(container.GetName()))
+            CheckClass(container);
+        for (auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
+            CheckTree(*child);
+    }
+
+    /// Texts that do not say what was read from them, keys, and layouts that no one can select.
+    void CheckTexts(const QLX_RawPropertyContainer& container) {
+        for (const auto& [filter, set] : container.GetFilterPropertyMap()) {
+            for (std::size_t i = 0; i < set.GetCount(); ++i) {
+                const QLX_PropertyView view = set.GetAt(i);
+                const std::string name(view.mName);
+                const PropertyKey key{&container, filter, view.mType, name};
+                std::string text;
+                if (view.mType == qlx_PropType_String_Key)
+                    mUsedKeys[std::string(view.mText)] = mDescription->GetPlace(key);
+                else if (mDescription->GetValueText(key, text))
+                    CheckText(key, text);
+            }
+            CheckFilter(container, filter, set);
+        }
+    }
+
+    void CheckText(const PropertyKey& key, const std::string& text) {
+        const std::string reason = QLX_CheckPropertyText(std::get<2>(key), text);
+        if (!reason.empty())
+            Add(mDescription->GetPlace(key), false, "value",
+                "the property \"" + std::get<3>(key) + "\", \"" + text + "\": " + reason);
+    }
+
+    void CheckFilter(const QLX_RawPropertyContainer& container, const QLX_PropertyFilter& filter,
+                     const QLX_PropertySet& set) {
+        if (set.IsEmpty())
+            return;
+        const PropertyKey first{&container, filter, set.GetAt(0).mType,
+                                std::string(set.GetAt(0).mName)};
+        QLX_Language::ELanguage language = QLX_Language::English;
+        if (!QLX_Language::FindLanguage(filter["Language"], language))
+            Add(mDescription->GetPlace(first), true, "filter",
+                "there is no language \"" + filter["Language"] + "\"; it counts as English");
+        if (filter["Layout"] == "Default")
+            Add(mDescription->GetPlace(first), true, "filter",
+                "the layout \"Default\" means the common layout when it is selected, so no look-up "
+                "sees what is stored under that name");
+    }
+
+    void CheckClass(QLX_RawPropertyContainer& container) {
+        std::string className;
+        container.GetStringProperty("class", className);
+        if (className.empty())
+            return; // a missing class is a well-known property's matter
+        const Place place = mDescription->GetPlace(&container);
+        if (!mSchema.IsKnown(className)) {
+            Add(place, false, "class",
+                "the class " + className + " is not known here; load its library with --load");
+            return;
+        }
+        const ReadProperties reads =
+            mSchema.GetFor(className, container, mDescription->GetMementoPtr());
+        for (const auto& [filter, set] : container.GetFilterPropertyMap())
+            for (std::size_t i = 0; i < set.GetCount(); ++i)
+                CheckIsRead(container, className, reads, filter, set.GetAt(i));
+    }
+
+    void CheckIsRead(const QLX_RawPropertyContainer& container, const std::string& className,
+                     const ReadProperties& reads, const QLX_PropertyFilter& filter,
+                     const QLX_PropertyView& view) {
+        const std::string name(view.mName);
+        bool required = false;
+        if (QLX_SourceViewFormat::IsWellKnownProperty(container.GetName(), name, required) ||
+            reads.count({name, view.mType}))
+            return;
+        std::string other;
+        for (int type = 1; type < kQLX_PropertyTypeCount; ++type)
+            if (reads.count({name, static_cast<QLX_PropertyType>(type)}))
+                other = QLX_PropertyTypeToString(static_cast<QLX_PropertyType>(type));
+        const std::string mine = QLX_PropertyTypeToString(view.mType);
+        Add(mDescription->GetPlace(PropertyKey{&container, filter, view.mType, name}), false,
+            "unread",
+            other.empty() ? className + " reads no property \"" + name + "\""
+                          : className + " reads the property \"" + name + "\" as " + other +
+                                ", not as " + mine);
+    }
+
+    void CheckStrings() {
+        const auto& tables = mDescription->GetMemento().GetStringTables();
+        const auto english = tables.find(QLX_Language::English);
+        for (const auto& [language, table] : tables) {
+            const std::string code = QLX_Language::GetFileCode(language);
+            for (const auto& [key, place] : mUsedKeys)
+                if (!table.count(key))
+                    Add(place, true, "string-missing",
+                        "the key \"" + key + "\" has no text in the table " + code);
+            for (const auto& [key, entry] : table) {
+                if (!mUsedKeys.count(key))
+                    Add({0, 0}, false, "string-unused",
+                        "the key \"" + key + "\" of the table " + code + " is not used");
+                else if (entry.mLocalized.empty())
+                    Add({0, 0}, false, "string-untranslated",
+                        "the key \"" + key + "\" has an empty text in the table " + code);
+                else
+                    CheckSource(english == tables.end() ? nullptr : &english->second, code, key,
+                                entry);
+            }
+        }
+        if (tables.empty() && !mUsedKeys.empty())
+            Add(mUsedKeys.begin()->second, true, "string-missing",
+                "there are string keys but no string table beside the file");
+    }
+
+    void CheckSource(const QLX_StringTable* english, const std::string& code,
+                     const std::string& key, const QLX_StringTableEntry& entry) {
+        if (!english || entry.mSource.empty())
+            return;
+        const auto source = english->find(key);
+        if (source != english->end() && source->second.mLocalized != entry.mSource)
+            Add({0, 0}, false, "string-stale",
+                "the English text of the key \"" + key + "\" changed since it was translated in " +
+                    code);
+    }
+
+    const Description* mDescription = nullptr;
+    ClassSchema mSchema;
+    std::map<std::string, Place> mUsedKeys;
+    std::pair<const Description*, std::map<std::string, const QLX_RawPropertyContainer*>> mPaths;
+    std::vector<Finding> mFindings;
+};
+} // namespace
+
+void AddCheckCommand(CLI::App& app) {
+    CLI::App* const command = app.add_subcommand(
+        "check", "Tells what is wrong with descriptions and their string tables");
+    const auto options = std::make_shared<Options>();
+    command->add_option("FILE", options->mFiles, "XML sources")->required();
+    CLI::Option* const json = command->add_flag("--json", options->mJSON, "The findings as JSON");
+    command->add_flag("--sarif", options->mSARIF, "The findings as SARIF 2.1.0")->excludes(json);
+    command->add_flag("--strict", options->mStrict, "Warnings, too, make the exit status 1");
+    command->footer("Exit status 1 when there are errors.\n"
+                    "Example: qlxview --load ./libhost.so check --sarif views/*.xml > views.sarif");
+    command->callback([options] {
+        Checker checker;
+        for (const std::string& path : options->mFiles)
+            checker.CheckFile(path);
+        const std::vector<Finding> findings = checker.TakeFindings();
+        const std::string text = options->mSARIF  ? FindingsAsSARIF(findings)
+                                 : options->mJSON ? FindingsAsJSON(findings)
+                                                  : FindingsAsText(findings);
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        for (const Finding& finding : findings)
+            if (finding.mError || options->mStrict)
+                gExitStatus = kExitFound;
+    });
+}

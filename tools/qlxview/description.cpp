@@ -1,0 +1,204 @@
+#include "description.h"
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "basekit/cmn/cmn_string.h"
+#include "qlx/persistence/qlx_genericproperty.h"
+
+namespace {
+/// The writer ends its comment behind an end tag with a blank and begins it without one, which
+/// nobody does by hand.
+bool IsWritersComment(const std::string& text) {
+    return text == " " || (!text.empty() && text.front() != ' ' && text.back() == ' ');
+}
+} // namespace
+
+Description::Description(const std::string& path)
+    : mPath(path), mLineEndings(QLX_SourceViewFormat::LineEndingsFor(Sys_FileLoc(path))) {
+    const StCurrentLanguage english(QLX_Language::English);
+    QLX_SourceViewFormat format{Sys_FileLoc(path)};
+    format.SetObserver(this);
+    try {
+        mMemento = Cmn_RefCountPtr<QLX_ViewMemento>(format.ReadMemento(nullptr));
+    } catch (const std::runtime_error& error) {
+        std::string text = path + ": " + error.what();
+        for (const QLX_SourceProblem& problem : format.GetProblems())
+            if (problem.mSeverity == QLX_SourceProblem::kError)
+                text = problem.ToString();
+        throw std::runtime_error(text);
+    }
+    mProblems.insert(mProblems.begin(), format.GetProblems().begin(), format.GetProblems().end());
+}
+
+Description::Place Description::GetPlace(const QLX_RawPropertyContainer* container) const {
+    const auto found = mContainers.find(container);
+    return found == mContainers.end() ? Place{0, 0} : found->second;
+}
+
+Description::Place Description::GetPlace(const PropertyKey& key) const {
+    const auto found = mProperties.find(key);
+    return found == mProperties.end() ? GetPlace(std::get<0>(key)) : found->second.mPlace;
+}
+
+bool Description::GetValueText(const PropertyKey& key, std::string& text) const {
+    const auto found = mProperties.find(key);
+    if (found == mProperties.end())
+        return false;
+    text = found->second.mText;
+    return true;
+}
+
+std::string Description::GetCanonicalText() const {
+    const StCurrentLanguage english(QLX_Language::English);
+    return QLX_SourceViewFormat::WriteToText(*GetRoot(), mLineEndings, &mComments);
+}
+
+std::vector<std::string> Description::FindLosses() const {
+    const StCurrentLanguage english(QLX_Language::English);
+    std::vector<std::string> losses = mWrapperLosses;
+    for (const QLX_SourceProblem& problem : mProblems)
+        if (problem.mLost)
+            losses.push_back(problem.ToString());
+    for (const std::string& property : QLX_SourceViewFormat::FindUnwritable(*GetRoot()))
+        losses.push_back(mPath + ": an attribute of the same name hides " + property);
+    return losses;
+}
+
+void Description::TakePending(std::vector<std::string>& into) {
+    into.insert(into.end(), mPending.begin(), mPending.end());
+    mPending.clear();
+}
+
+std::string Description::WithLineEnds(const std::string& text) const {
+    std::string out;
+    for (const char c : text) {
+        if (c == '\n')
+            out += Sys_LineEndText(mLineEndings);
+        else
+            out += c;
+    }
+    return out;
+}
+
+void Description::ContainerStarted(QLX_RawPropertyContainer& container, Place place) {
+    mContainers[&container] = place;
+    if (mDepth++ == 0) {
+        TakePending(mComments.mFile.mBefore);
+        mBehind = nullptr;
+        for (const auto& stored : container.GetFilterPropertyMap())
+            for (std::size_t i = 0; i < stored.second.GetCount(); ++i)
+                if (stored.second.GetAt(i).mName != "name")
+                    mWrapperLosses.push_back(
+                        mPath + ":" + std::to_string(place.mLine) + ": the wrapper's attribute \"" +
+                        std::string(stored.second.GetAt(i).mName) + "\" is not kept");
+        return;
+    }
+    auto& around = mComments.mStart[&container];
+    TakePending(around.mBefore);
+    mBehind = &around.mBehind;
+    mBehindLine = place.mLine;
+    mBehindEnd = false;
+}
+
+void Description::ContainerEnded(QLX_RawPropertyContainer& container, Place place) {
+    if (--mDepth == 0) {
+        TakePending(mComments.mFile.mBehind);
+        mBehind = &mComments.mFile.mBehind;
+    } else {
+        auto& around = mComments.mEnd[&container];
+        TakePending(around.mBefore);
+        mBehind = &around.mBehind;
+    }
+    mBehindLine = place.mLine;
+    mBehindEnd = true;
+}
+
+void Description::PropertyMet(QLX_RawPropertyContainer& container, const std::string& name,
+                              const std::string& typeName, const std::string& valueText,
+                              const QLX_PropertyFilter& filter, Place place) {
+    const PropertyKey key{&container, filter, QLX_FindPropertyType(typeName), name};
+    if (mDepth == 1)
+        mWrapperLosses.push_back(mPath + ":" + std::to_string(place.mLine) +
+                                 ": the wrapper's property \"" + name + "\" is not kept");
+    const auto stored = mProperties.find(key);
+    if (stored != mProperties.end())
+        mProblems.push_back({mPath, place.mLine, place.mColumn, QLX_SourceProblem::kWarning,
+                             "the property \"" + name + "\" stands already in line " +
+                                 std::to_string(stored->second.mPlace.mLine) + "; this one counts",
+                             /*lost*/ true});
+    mProperties[key] = {place, valueText};
+    auto& around = mComments.mProperties[key];
+    TakePending(around.mBefore);
+    mBehind = &around.mBehind;
+    mBehindLine = place.mLine;
+    mBehindEnd = false;
+}
+
+void Description::CommentMet(const std::string& text, Place place) {
+    if (mBehind && place.mLine == mBehindLine) {
+        // Only the first comment behind an end tag can be the writer's.
+        if (!mBehindEnd || !IsWritersComment(text))
+            mBehind->push_back(WithLineEnds(text));
+        mBehindEnd = false;
+        return;
+    }
+    if (mDepth == 0 && mBehind)
+        mComments.mFile.mBehind.push_back(WithLineEnds(text));
+    else
+        mPending.push_back(WithLineEnds(text));
+}
+
+std::unique_ptr<Description> LoadDescription(const std::string& path) {
+    try {
+        return std::make_unique<Description>(path);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "qlxview: %s\n", error.what());
+        return nullptr;
+    }
+}
+
+QLX_PropertyFilter MakeToolFilter(const std::string& layout, const std::string& language) {
+    QLX_Language::ELanguage known = QLX_Language::English;
+    if (!QLX_Language::FindLanguage(language, known))
+        throw std::runtime_error("there is no language \"" + language +
+                                 "\"; there are: ENU JPN KOR CHS CHT FRA ITA DEU ESP");
+    return QLX_PropertyFilter::MakeFilter(layout == "Default" ? std::string() : layout, known);
+}
+
+std::string ValueText(const QLX_PropertyView& view) {
+    switch (view.mType) {
+    case qlx_PropType_Bool:
+        return view.mInteger ? "true" : "false";
+    case qlx_PropType_IDType:
+        return Cmn_IDToString(static_cast<std::uint32_t>(view.mInteger));
+    case qlx_PropType_String:
+    case qlx_PropType_String_Key:
+        return std::string(view.mText);
+    case qlx_PropType_Color:
+        return QLX_GenericProperty(view.mColor, view.mType).AsString();
+    case qlx_PropType_Point:
+        return QLX_GenericProperty(view.mPoint, view.mType).AsString();
+    case qlx_PropType_Rect:
+        return QLX_GenericProperty(view.mRect, view.mType).AsString();
+    default:
+        return std::to_string(view.mInteger);
+    }
+}
+
+std::string ElementLabel(const QLX_RawPropertyContainer& container) {
+    std::string label = container.GetName();
+    const auto& sets = container.GetFilterPropertyMap();
+    const auto set = sets.find(QLX_PropertyFilter::RootFilter());
+    if (set == sets.end())
+        return label;
+    std::string text;
+    std::uint32_t identifier = 0;
+    if (set->second.GetStringProperty("class", text) && !text.empty())
+        label += " " + text;
+    if (set->second.GetIDTypeProperty("Identifier", identifier) && identifier != 0)
+        label += " '" + Cmn_IDToString(identifier) + "'";
+    if (set->second.GetStringProperty("name", text) && !text.empty())
+        label += " \"" + text + "\"";
+    return label;
+}

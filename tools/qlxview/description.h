@@ -1,0 +1,84 @@
+// A description as the tool reads it: the memento with the places and comments of its source.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "qlx/persistence/qlx_sourceformat.h"
+
+/// A stored property: where, under which filter, of which type and name.
+using PropertyKey = QLX_SourceComments::PropertyKey;
+
+class Description : private QLX_SourceObserver {
+  public:
+    /// Reads with English current. Throws std::runtime_error with a text that names file, line and
+    /// reason.
+    explicit Description(const std::string& path);
+
+    [[nodiscard]] const std::string& GetPath() const { return mPath; }
+    [[nodiscard]] QLX_RawPropertyContainer* GetRoot() const { return mMemento->GetRoot(); }
+    [[nodiscard]] QLX_ViewMemento& GetMemento() const { return *mMemento; }
+    [[nodiscard]] const Cmn_RefCountPtr<QLX_ViewMemento>& GetMementoPtr() const { return mMemento; }
+    /// What the readers noticed, and properties that stand twice.
+    [[nodiscard]] const std::vector<QLX_SourceProblem>& GetProblems() const { return mProblems; }
+
+    /// Where something stands; line 0 when it does not stand in the file.
+    [[nodiscard]] Place GetPlace(const QLX_RawPropertyContainer* container) const;
+    [[nodiscard]] Place GetPlace(const PropertyKey& key) const;
+    /// Whether it stands in the file as a property element; text is its value as it stands there.
+    /// False for an attribute of a start tag.
+    bool GetValueText(const PropertyKey& key, std::string& text) const;
+
+    [[nodiscard]] LineEndings GetLineEndings() const { return mLineEndings; }
+    /// The canonical text, with the author's comments.
+    [[nodiscard]] std::string GetCanonicalText() const;
+    /// Why writing would lose something; empty when it would not.
+    [[nodiscard]] std::vector<std::string> FindLosses() const;
+
+  private:
+    void ContainerStarted(QLX_RawPropertyContainer& container, Place place) override;
+    void ContainerEnded(QLX_RawPropertyContainer& container, Place place) override;
+    void PropertyMet(QLX_RawPropertyContainer& container, const std::string& name,
+                     const std::string& typeName, const std::string& valueText,
+                     const QLX_PropertyFilter& filter, Place place) override;
+    void CommentMet(const std::string& text, Place place) override;
+    void TakePending(std::vector<std::string>& into);
+    [[nodiscard]] std::string WithLineEnds(const std::string& text) const;
+
+    struct StoredProperty {
+        Place mPlace;
+        std::string mText;
+    };
+
+    std::string mPath;
+    LineEndings mLineEndings;
+    Cmn_RefCountPtr<QLX_ViewMemento> mMemento;
+    std::vector<QLX_SourceProblem> mProblems;
+    std::map<const QLX_RawPropertyContainer*, Place> mContainers;
+    std::map<PropertyKey, StoredProperty> mProperties;
+    std::vector<std::string> mWrapperLosses;
+
+    QLX_SourceComments mComments;
+    std::vector<std::string> mPending;           // comments that wait for what follows them
+    std::vector<std::string>* mBehind = nullptr; // those behind what was met last, in mComments
+    int mBehindLine = 0;
+    bool mBehindEnd = false; // what was met last is an end tag
+    int mDepth = 0;
+};
+
+/// Reads a file; a problem becomes a message on standard error and null.
+[[nodiscard]] std::unique_ptr<Description> LoadDescription(const std::string& path);
+
+/// A filter from the command line: "" or "Default" is the common layout; the language is a code
+/// such as "DEU". Throws std::runtime_error for an unknown code.
+[[nodiscard]] QLX_PropertyFilter MakeToolFilter(const std::string& layout,
+                                                const std::string& language);
+
+/// The value as the source format writes it.
+[[nodiscard]] std::string ValueText(const QLX_PropertyView& view);
+
+/// "name 'identifier'" or "name \"name property\"": how people know an element.
+[[nodiscard]] std::string ElementLabel(const QLX_RawPropertyContainer& container);

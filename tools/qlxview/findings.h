@@ -1,0 +1,21 @@
+// What check finds, and the forms in which it is told.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct Finding {
+    std::string mFile;
+    int mLine = 0;
+    int mColumn = 0;
+    bool mError = false; ///< else a warning
+    std::string mRule;   ///< a short name, the same for all findings of a kind
+    std::string mText;
+};
+
+/// "file:line:column: error: text [rule]", a line each.
+[[nodiscard]] std::string FindingsAsText(const std::vector<Finding>& findings);
+/// An array of objects.
+[[nodiscard]] std::string FindingsAsJSON(const std::vector<Finding>& findings);
+/// SARIF 2.1.0 (OASIS), one run.
+[[nodiscard]] std::string FindingsAsSARIF(const std::vector<Finding>& findings);

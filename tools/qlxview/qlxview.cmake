@@ -1,0 +1,6 @@
+# CLI11 is headers only. A cross build reaches them through a link, as it does Boost's.
+if(WIN32)
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/cli11-include)
+    file(CREATE_LINK /usr/include/CLI ${CMAKE_BINARY_DIR}/cli11-include/CLI SYMBOLIC)
+    target_include_directories(${name} SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/cli11-include)
+endif()
