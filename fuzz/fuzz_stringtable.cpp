@@ -1,4 +1,5 @@
-// Any bytes as a string table: an error with a place, or a table that the writer and reader agree on.
+// Any bytes as a string table: an error with a place, or a table that the writer and reader agree
+// on.
 #include <cstdlib>
 #include <stdexcept>
 

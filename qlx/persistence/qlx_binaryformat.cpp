@@ -32,10 +32,9 @@ void QLX_BinaryViewFormat::WriteMementos(const std::map<std::string, QLX_ViewMem
     }
     mStore->AppendStream(kStreamType, dictionaryKey, kDictionaryName, dictionary.GetBytes());
     key = dictionaryKey;
-    for (const auto& named : mementos) {
-        const std::size_t place = static_cast<std::size_t>(key - dictionaryKey);
-        mStore->AppendStream(kStreamType, ++key, named.first, streams[place]);
-    }
+    // Under their keys alone: a description may be named as the dictionary is.
+    for (const std::string& stream : streams)
+        mStore->AppendStream(kStreamType, ++key, "", stream);
     mStore->Commit();
     mIndex.reset();
 }
@@ -87,6 +86,12 @@ std::vector<std::string> QLX_BinaryViewFormat::GetNames() {
     for (const auto& entry : *mIndex)
         names.push_back(entry.first);
     return names;
+}
+
+std::uint64_t QLX_BinaryViewFormat::GetPackedSize(const std::string& name) {
+    ReadIndex();
+    const auto found = mIndex->find(name);
+    return found == mIndex->end() ? 0 : mStore->GetEntries()[found->second.mStream].mSize;
 }
 
 QLX_ViewMemento* QLX_BinaryViewFormat::ReadMemento(const std::string& name, bool trim) {

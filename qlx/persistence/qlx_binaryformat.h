@@ -29,6 +29,8 @@ class QLX_API QLX_BinaryViewFormat {
     [[nodiscard]] bool HasKeyNamed(const std::string& name);
     /// All names, in order.
     [[nodiscard]] std::vector<std::string> GetNames();
+    /// How many bytes the description of that name takes in the store; 0 when there is none.
+    [[nodiscard]] std::uint64_t GetPackedSize(const std::string& name);
     /// The description of that name, which the caller owns: trimmed for the current language when
     /// trim is set, frozen, with the default filter current. An unknown name reports an alert,
     /// raises the assertion "iter != mIndex->end()" and answers null. Throws std::runtime_error for

@@ -99,14 +99,10 @@ void List(const Options& options) {
     const auto document = FF_Document::Open(Sys_FileLoc(options.mOutput), Sys_FileMode::Read);
     if (document->WasTorn())
         std::printf("(a write broke off; this is what was there before it)\n");
-    const std::vector<Sys_StoreEntry> entries = document->GetEntries();
-    for (const std::string& name : QLX_BinaryViewFormat(document.get()).GetNames()) {
-        std::uint64_t size = 0;
-        for (const Sys_StoreEntry& entry : entries)
-            if (entry.mType == QLX_BinaryViewFormat::kStreamType && entry.mName == name)
-                size = entry.mSize;
-        std::printf("%10llu  %s\n", static_cast<unsigned long long>(size), name.c_str());
-    }
+    QLX_BinaryViewFormat format(document.get());
+    for (const std::string& name : format.GetNames())
+        std::printf("%10llu  %s\n", static_cast<unsigned long long>(format.GetPackedSize(name)),
+                    name.c_str());
 }
 } // namespace
 

@@ -33,7 +33,7 @@ TEST(PropertySet, BehavesAsAMapForEachType) {
     QLX_PropertySet set;
     std::map<std::string, std::int32_t> numbers;
     std::map<std::string, std::string> texts;
-    for (int step = 0; step < 60'000; ++step) {
+    for (int step = 0; step < 12'000; ++step) {
         const unsigned length = below(41);
         std::string name(length, 'a');
         for (char& c : name)
@@ -160,7 +160,7 @@ TEST(PropertySet, SortedXMLDependsOnContentsOnly) {
         backwards.SetProperty(mixed.GetAt(i));
     EXPECT_EQ(backwards.ToXML(" L=\"1\"", 1, "\r\n", {"Title"}), expected);
     QLX_PropertySet::SetSortedXMLMode(false);
-    EXPECT_EQ(backwards.ToXML("", 0, "\n", {}).substr(0, 30), "<property name=\"Enabled\" type=\"");
+    EXPECT_EQ(backwards.ToXML("", 0, "\n", {}).rfind("<property name=\"Enabled\" type=\"", 0), 0u);
 }
 
 TEST(PropertySet, StreamsNineSectionsInTheirOrder) {

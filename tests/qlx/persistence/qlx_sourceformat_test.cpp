@@ -155,9 +155,9 @@ TEST(SourceFormat, TellsWhatAnAttributeHides) {
         Read("<container name=''><viewhierarchy><view class='TView' Identifier='main'>"
              "<property name='class' type='string' value='TWide' Layout='Wide'/>"
              "</view></viewhierarchy></container>");
-    EXPECT_EQ(
-        QLX_SourceViewFormat::FindUnwritable(*wrapper->GetFirstChild()),
-        (std::vector<std::string>{"viewhierarchy/view: class (string, Layout=Wide Language=)"}));
+    EXPECT_EQ(QLX_SourceViewFormat::FindUnwritable(*wrapper->GetFirstChild()),
+              (std::vector<std::string>{
+                  "container/viewhierarchy/view: class (string, Layout=Wide Language=)"}));
     std::list<std::string> messages;
     wrapper->VerifyWellKnownProperties(messages);
     EXPECT_TRUE(messages.size() == 1 &&
