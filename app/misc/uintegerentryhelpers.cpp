@@ -36,6 +36,12 @@ std::int64_t RoundToInteger(double value) {
 
 void CNumberEntryHelper::Put(TNumericEntryText* field, const std::string& text) const {
     field->ChangeText(text);
+    // Whoever does not have the keyboard shows no selection.
+    if (field->IsTarget())
+        GetWhole(field);
+}
+
+void CNumberEntryHelper::GetWhole(TNumericEntryText* field) {
     field->SetSelection(0, static_cast<short>(field->GetText().size()));
 }
 
@@ -44,7 +50,7 @@ void CNumberEntryHelper::CalculateHiliteSelection(TNumericEntryText* field, cons
 }
 
 void CNumberEntryHelper::GetInitialSelection(TNumericEntryText* field) {
-    field->SetSelection(0, static_cast<short>(field->GetText().size()));
+    GetWhole(field);
 }
 
 bool CNumberEntryHelper::HiliteNextBlock(TNumericEntryText* field, EBlockHiliteDirection, bool) {
@@ -127,11 +133,8 @@ void CNumberEntryHelper::ResetCurrentText(TNumericEntryText* field) {
     std::string text;
     WriteValue(GetDefaultValueInt(), text);
     field->ChangeText(text);
-    // The selection stays as it was only as far as the new text reaches.
-    short start = 0;
-    short end = 0;
-    field->GetSelection(start, end);
-    if (end != start)
+    // What was selected of the old text may not be there any more.
+    if (field->IsTarget())
         GetInitialSelection(field);
 }
 
@@ -176,7 +179,8 @@ void CNumberEntryHelper::FloatValueToString(double value, std::string& text) {
 }
 
 bool CNumberEntryHelper::HasShape(TNumericEntryText*, const std::string& text) {
-    return text.size() <= kMaxCharacters && Entry_IsInteger(text, /*whileTyping*/ true);
+    return !text.empty() && text.size() <= kMaxCharacters &&
+           Entry_IsInteger(text, /*whileTyping*/ true);
 }
 
 bool CNumberEntryHelper::ParsePaste(TNumericEntryText* field, const std::string& pasted,

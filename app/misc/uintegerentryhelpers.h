@@ -44,8 +44,9 @@ class QLX_API CNumberEntryHelper : public CNumericEntryHelper {
     [[nodiscard]] virtual std::int64_t StepValue(TNumericEntryText* field, std::int64_t value,
                                                  std::int64_t delta) const;
 
-    /// Puts a text in place and selects all of it.
+    /// Puts a text in place and, while the field has the keyboard, selects all of it.
     void Put(TNumericEntryText* field, const std::string& text) const;
+    static void GetWhole(TNumericEntryText* field);
     [[nodiscard]] std::int64_t Held(TNumericEntryText* field, std::int64_t value) const;
 };
 

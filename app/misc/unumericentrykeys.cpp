@@ -379,8 +379,11 @@ bool TNumericEntryText::PasteText(const std::string& text) {
     if (taken) {
         // Into an operand it goes as one; else it replaces the value, as typing it would.
         ChangeText(value);
-        helper->GetInitialSelection(this);
         mTypedCount = 0;
+        if (IsTarget())
+            helper->GetInitialSelection(this);
+        else
+            mBackup = mText;
     }
     ReportPaste(taken, std::string(mPasteReport));
     if (taken && !mGone && mUpdateWhenKeyPressed)

@@ -113,7 +113,7 @@ void CVolumeEntryHelper::DoTyping(TNumericEntryText* field, char character) {
 }
 
 bool CVolumeEntryHelper::HasShape(TNumericEntryText*, const std::string& text) {
-    return Entry_IsLevel(text, /*whileTyping*/ true);
+    return !text.empty() && Entry_IsLevel(text, /*whileTyping*/ true);
 }
 
 // ---- Blocks ----
@@ -188,9 +188,11 @@ void CVolumeEntryHelper::AddValueToCurrentSelection(TNumericEntryText* field, st
     WriteValue(Held(field, value), text);
     Put(field, text);
     // The step keeps its block, although the text's length may have changed around it.
-    if (byDecibels && HasTenths(field))
+    if (!field->IsTarget() || !HasTenths(field))
+        return;
+    if (byDecibels)
         field->SetSelection(0, PointOf(field));
-    else if (byTenths && HasTenths(field))
+    else if (byTenths)
         field->SetSelection(static_cast<short>(PointOf(field) + 1), LengthOf(field));
 }
 

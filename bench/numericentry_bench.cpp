@@ -1,0 +1,122 @@
+// What a numeric entry field costs its user: a digit from the native event to the pixels, and a
+// window full of fields that follow a running clock.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "app/misc/qlx_init.h"
+#include "app/misc/unumericentrytext.h"
+#include "qlx/platform/headless/qlx_headless.h"
+#include "qlx/platform/testing/qlx_testdriver.h"
+#include "qlx/views/qlx_windowevents.h"
+#include "qlx/views/uwindow.h"
+
+namespace {
+
+std::size_t sAllocations = 0;
+
+} // namespace
+
+// Counts what the digit allocates; the library's own operator new calls land here too.
+void* operator new(std::size_t size) {
+    ++sAllocations;
+    if (void* bytes = std::malloc(size))
+        return bytes;
+    throw std::bad_alloc();
+}
+void operator delete(void* bytes) noexcept { std::free(bytes); }
+void operator delete(void* bytes, std::size_t) noexcept { std::free(bytes); }
+
+namespace {
+
+class Fields {
+  public:
+    explicit Fields(int count) {
+        QLX_Init::Init();
+        Time_Session::SetTimeCodeFormat(ETimeCodeFormat::F30);
+        mWindow = new TWindow;
+        mWindow->IWindow("fields", VPoint(800, 1000));
+        for (int i = 0; i < count; ++i) {
+            auto* field = new TNumericEntryText;
+            const int left = 4 + i % 8 * 124;
+            const int top = 4 + i / 8 * 30;
+            field->IView(mWindow, VRect(left, top, left + 120, top + 26));
+            field->SetLocalFormat(kNumericEntry_TimeCode, false, false);
+            field->SetUseVolatileUpdate(true);
+            mFields.push_back(field);
+        }
+        mDriver.OpenWindow(*mWindow);
+        mDriver.WaitForIdle();
+    }
+    ~Fields() { mWindow->Free(); }
+
+    QLX_TestDriver mDriver;
+    TWindow* mWindow;
+    std::vector<TNumericEntryText*> mFields;
+};
+
+void DigitToPixels(benchmark::State& state) {
+    Fields fields(1);
+    fields.mFields[0]->BecomeTarget();
+    auto* port = static_cast<QLX_HeadlessWindow*>(fields.mWindow->GetPort());
+    std::vector<double> micros;
+    std::size_t allocations = 0;
+    int digit = 0;
+    for (auto _ : state) {
+        digit = (digit + 7) % 10;
+        const auto code = static_cast<std::uint32_t>('0' + digit);
+        const QLX_EventRef event = QLX_MakeKeyEvent(8, code, code, 0);
+        const std::size_t before = sAllocations;
+        const auto start = std::chrono::steady_clock::now();
+        port->Inject(event);
+        fields.mDriver.WaitForIdle();
+        const auto end = std::chrono::steady_clock::now();
+        allocations = sAllocations - before;
+        const double seconds = std::chrono::duration<double>(end - start).count();
+        state.SetIterationTime(seconds);
+        micros.push_back(seconds * 1e6);
+    }
+    std::nth_element(micros.begin(), micros.begin() + static_cast<long>(micros.size() / 2),
+                     micros.end());
+    state.counters["median_us"] = micros[micros.size() / 2];
+    state.counters["allocations"] = static_cast<double>(allocations);
+}
+
+// One turn is one frame of a 60 Hz display: every field is given the clock's position, what changed
+// is drawn. The share of a core is a turn's time against a sixtieth of a second.
+void FollowClock(benchmark::State& state) {
+    Fields fields(static_cast<int>(state.range(0)));
+    std::int64_t position = 0;
+    double seconds = 0;
+    std::int64_t turns = 0;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        for (TNumericEntryText* field : fields.mFields)
+            field->SetTextFromSample(Time_Sample(position), true);
+        fields.mDriver.WaitForIdle();
+        seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        position += 800;
+        ++turns;
+    }
+    state.counters["percent_of_core"] = seconds / static_cast<double>(turns) * 60 * 100;
+    state.counters["pixels_a_frame"] =
+        static_cast<double>(fields.mDriver.GetCosts().mPixelsPainted) / static_cast<double>(turns);
+}
+
+} // namespace
+
+BENCHMARK(DigitToPixels)
+    ->Name("NumericEntry_DigitToPixels")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(FollowClock)
+    ->Name("NumericEntry_FollowClock60Hz")
+    ->Arg(200)
+    ->Unit(benchmark::kMicrosecond);
+
+BENCHMARK_MAIN();
