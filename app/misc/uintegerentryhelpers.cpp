@@ -49,9 +49,7 @@ void CNumberEntryHelper::CalculateHiliteSelection(TNumericEntryText* field, cons
     GetInitialSelection(field);
 }
 
-void CNumberEntryHelper::GetInitialSelection(TNumericEntryText* field) {
-    GetWhole(field);
-}
+void CNumberEntryHelper::GetInitialSelection(TNumericEntryText* field) { GetWhole(field); }
 
 bool CNumberEntryHelper::HiliteNextBlock(TNumericEntryText* field, EBlockHiliteDirection, bool) {
     GetInitialSelection(field);

@@ -221,8 +221,8 @@ void TNumericEntryText::Draw(const VRect& area) {
     VRect extent = GetExtent();
     AdjustEraseForAdorners(extent);
     // Only characters in the middle changed: the plain field behind them is a filled rectangle.
-    const bool insideOnly =
-        !mBackgroundImage && area.Left() > extent.Left() + cInset && area.Right() < extent.Right() - cInset;
+    const bool insideOnly = !mBackgroundImage && area.Left() > extent.Left() + cInset &&
+                            area.Right() < extent.Right() - cInset;
     if (insideOnly) {
         VRect inside = area;
         inside.Top() = extent.Top() + 1;

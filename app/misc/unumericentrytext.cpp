@@ -482,8 +482,11 @@ bool TNumericEntryText::HiliteNextBlock(EBlockHiliteDirection direction, bool wr
 }
 
 void TNumericEntryText::AddValueToCurrentSelection(std::int64_t delta) {
-    if (!IsWildcard())
-        GetHelper()->AddValueToCurrentSelection(this, delta);
+    CNumericEntryHelper* const helper = GetHelper();
+    if (IsWildcard())
+        return;
+    mTypedCount = 0; // the next digit starts afresh
+    helper->AddValueToCurrentSelection(this, delta);
 }
 
 // ---- Editing ----

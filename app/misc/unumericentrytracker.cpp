@@ -11,9 +11,7 @@ TNumericEntryTracker::TNumericEntryTracker(bool wasTarget) : mWasTarget(wasTarge
 TNumericEntryTracker::~TNumericEntryTracker() = default;
 
 // A drag that has not begun: what is under way belongs to one press.
-TObject* TNumericEntryTracker::Clone() {
-    return new TNumericEntryTracker(mWasTarget);
-}
+TObject* TNumericEntryTracker::Clone() { return new TNumericEntryTracker(mWasTarget); }
 
 TNumericEntryText* TNumericEntryTracker::GetField() const {
     return QLX_ObjectCast<TNumericEntryText>(GetView());

@@ -106,7 +106,7 @@ TEST_F(FieldWindow, TheFirstClickSelectsAllOfATimeCodeTheNextABlock) {
     mDriver.Click(Over(mField, 9));
     EXPECT_EQ(Selection(mField), "9..11");
     EXPECT_EQ(mField->GetTypedCount(), 0);
-    mDriver.Click(Over(mField, 9));
+    mDriver.DoubleClick(Over(mField, 9));
     EXPECT_EQ(Selection(mField), "0..11") << "a double click on a block widens to the whole";
 
     mSecond->SetLocalFormat(kNumericEntry_FeetFrames, false, false);
