@@ -289,9 +289,9 @@ class QLX_API TView : public TCommandHandler {
     /// The view's own answer to a press that no subview and no behaviour took. Often begins
     /// tracking or makes the view the target. False passes the press on to what lies behind.
     virtual bool DoMouseCommand(const VPoint& local, TToolboxEvent* event);
-    /// A press of another button than the first: the front-most subview under the pointer, then the
-    /// behaviours, then DoOtherButton. Not HandleMouseDown, so that no button is pushed by a
-    /// context click. QLX_GetMouseButton tells which.
+    /// A press of another button than the first: the front-most subview under the pointer, then
+    /// DoOtherButton. Neither HandleMouseDown nor behaviours, which would take it for the first
+    /// button's. QLX_GetMouseButton tells which it is.
     virtual bool HandleOtherButton(const VPoint& local, TToolboxEvent* event);
     virtual bool DoOtherButton(const VPoint& local, TToolboxEvent* event);
     /// The release of a press that this view took and that no tracker follows: behaviours,

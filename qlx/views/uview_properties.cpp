@@ -105,6 +105,7 @@ void TView::ReadContainer(QLX_RawPropertyContainer* container, const MementoPtr&
                           TView* view) {
     TCommandHandler::ReadContainer(container, memento, view); // properties and behaviours
     mFromDescription = true;
+    TViewServer::RememberSource(this, container, memento);
     for (TBehavior* each = GetFirstBehavior(); each; each = each->GetNextBehavior())
         NeedExtras().mDescribedBehaviors.push_back(each);
     ReadEnvironments(container, memento);
@@ -195,6 +196,7 @@ void TView::ReadEnvironments(QLX_RawPropertyContainer* container, const MementoP
 
 void TView::ReReadProperties(QLX_RawPropertyContainer* container, const MementoPtr& memento) {
     const VPoint origin = -mOffset;
+    TViewServer::RememberSource(this, container, memento);
     ReadProperties(container, memento);
     SetLocalOrigin(origin, /*redraw*/ true);
 }

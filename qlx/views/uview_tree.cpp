@@ -15,6 +15,7 @@
 #include "qlx/views/uview.h"
 #include "qlx/views/uviewenvironment.h"
 #include "qlx/views/uviewextras.h"
+#include "qlx/views/uviewserver.h"
 #include "qlx/views/uwindow.h"
 
 QLX_DEFINE_CLASS(TView, TCommandHandler);

@@ -1,11 +1,13 @@
 #include "qlx/views/uviewserver.h"
 
 #include <exception>
+#include <map>
 #include <utility>
 
 #include "basekit/cmn/cmn_assert.h"
 #include "basekit/cmn/cmn_trace.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/views/ueventhandler.h"
 
 QLX_DEFINE_CLASS(TViewServer, TObject);
 
@@ -14,7 +16,38 @@ namespace {
 TViewServer* sInstalled = nullptr; // null: the framework's own
 TViewServer* sOwn = nullptr;       // made on first use, lives as long as the process
 
+struct Source {
+    QLX_RawPropertyContainer* container; // kept alive by memento
+    TViewServer::MementoPtr memento;
+};
+
+std::map<const TObject*, Source>& Sources() {
+    static std::map<const TObject*, Source> sSources;
+    return sSources;
+}
+
 } // namespace
+
+bool TViewServer::sRemembersSources = false;
+bool TViewServer::sHasSources = false;
+
+void TViewServer::SetRememberSources(bool remember) { sRemembersSources = remember; }
+
+QLX_RawPropertyContainer* TViewServer::GetSource(const TObject* view) {
+    const auto found = Sources().find(view);
+    return found == Sources().end() ? nullptr : found->second.container;
+}
+
+void TViewServer::KeepSource(const TObject* view, QLX_RawPropertyContainer* container,
+                             const MementoPtr& memento) {
+    Sources()[view] = {container, memento};
+    sHasSources = true;
+}
+
+void TViewServer::DropSource(const TObject* view) {
+    Sources().erase(view);
+    sHasSources = !Sources().empty();
+}
 
 std::string TViewServerProblem::AsString() const {
     std::string text = mFile.empty() ? mPath : mFile + ": " + mPath;
@@ -24,7 +57,14 @@ std::string TViewServerProblem::AsString() const {
     return text;
 }
 
-TViewServer::TViewServer() = default;
+// Handlers lie below this floor; they make their behaviours through the server as soon as there is
+// one.
+TViewServer::TViewServer() {
+    TEventHandler::SetObjectMaker(
+        [](QLX_RawPropertyContainer* container, const MementoPtr& memento, TView* view) {
+            return Get()->NewObject(container, memento, view);
+        });
+}
 
 TViewServer::~TViewServer() {
     if (sInstalled == this)

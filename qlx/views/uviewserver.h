@@ -11,8 +11,8 @@
 struct QLX_API TViewServerProblem {
     std::string mClassName; ///< as the description names it; empty when it names none
     std::string mFile;      ///< the description's name
-    std::string mPath; ///< the elements on the way, as "viewhierarchy/view 'main'/behavior 'drag'"
-    std::string mReason; ///< "unknown class", "not a view", ...
+    std::string mPath;      ///< the elements on the way, as "viewhierarchy/view/view[3]/behavior"
+    std::string mReason;    ///< "unknown class", "not a view", ...
     /// "file: path: reason: class"
     [[nodiscard]] std::string AsString() const;
 };
@@ -37,6 +37,23 @@ class QLX_API TViewServer : public TObject {
 
     [[nodiscard]] const std::vector<TViewServerProblem>& GetProblems() const { return mProblems; }
     [[nodiscard]] std::vector<TViewServerProblem> TakeProblems();
+
+    // Where views came from, for inspectors: remembered only while someone wants it.
+
+    /// With true the description of every view that is made or read again from now on is remembered
+    /// until the view ends.
+    static void SetRememberSources(bool remember);
+    /// The container that a view was read from; null when it is not remembered.
+    [[nodiscard]] static QLX_RawPropertyContainer* GetSource(const TObject* view);
+    static void RememberSource(const TObject* view, QLX_RawPropertyContainer* container,
+                               const MementoPtr& memento) {
+        if (sRemembersSources)
+            KeepSource(view, container, memento);
+    }
+    static void ForgetSource(const TObject* view) {
+        if (sHasSources)
+            DropSource(view);
+    }
 
     // Slot order is part of the binary interface: append, never move.
 
@@ -74,6 +91,11 @@ class QLX_API TViewServer : public TObject {
     [[nodiscard]] TObject* Clone() override;
 
   private:
+    static void KeepSource(const TObject* view, QLX_RawPropertyContainer* container,
+                           const MementoPtr& memento);
+    static void DropSource(const TObject* view);
+    static bool sRemembersSources;
+    static bool sHasSources;
     void ReReadInside(TView* view, QLX_RawPropertyContainer* container, const MementoPtr& memento);
 
     std::vector<TViewServerProblem> mProblems;

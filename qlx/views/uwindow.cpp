@@ -11,6 +11,7 @@
 #include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/uevent.h"
+#include "qlx/views/uinspector.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uviewserver.h"
 #include "qlx/views/uviewtooltip.h"
@@ -236,6 +237,7 @@ void TWindow::AddedASubView(TView* sub) {
     TInvalidateView::AddedASubView(sub);
     if (mState->toolTip && sub != mState->toolTip)
         MakeLastSubView(mState->toolTip);
+    TInspector::SubViewAdded(this, sub);
 }
 
 // Drawing
@@ -244,7 +246,10 @@ void TWindow::Draw(const VRect& area) {
     const PainterPtr& painter = GetPainter();
     if (!painter)
         return;
-    painter->SetForeground(static_cast<EThemeColor>(mState->background));
+    if (mState->background >= 0)
+        painter->SetForeground(static_cast<EThemeColor>(mState->background));
+    else
+        painter->SetForegroundColor(mState->backgroundColor);
     painter->FillRect(area.ToCmn_Rect());
 }
 
@@ -276,8 +281,11 @@ void TWindow::Drawn(const QLX_Region& region) {
                                    static_cast<std::uint64_t>(device.bottom - device.top);
     }
     GetCosts().mRectsShown += rects.size();
-    if (!rects.empty())
-        port->Present(rects);
+    if (rects.empty())
+        return;
+    if (IsPaintFlashing())
+        TInspector::Flash(this, region);
+    port->Present(rects);
 }
 
 // Activation and target
@@ -304,7 +312,8 @@ void TWindow::SetActive(bool active) {
         TEventHandler* target = gApplication ? gApplication->GetTarget() : nullptr;
         sActive = nullptr;
         if (target && target->GetWindow() == this) {
-            mState->target = target == this ? nullptr : target;
+            // Only views tell the window when they go.
+            mState->target = target == this ? nullptr : QLX_ObjectCast<TView>(target);
             target->ResignedWindowTarget();
             if (gApplication->GetTarget() == target)
                 gApplication->SetTarget(gApplication);
@@ -330,7 +339,7 @@ TEventHandler* TWindow::GetWindowTarget() const {
 
 bool TWindow::SetWindowTarget(TEventHandler* target) {
     if (sActive != this || !gApplication) {
-        mState->target = target == this ? nullptr : target;
+        mState->target = target == this ? nullptr : QLX_ObjectCast<TView>(target);
         return true;
     }
     const bool done = (target ? target : this)->BecomeTarget();
@@ -429,6 +438,10 @@ void TWindow::ReadProperties(QLX_RawPropertyContainer* container, const MementoP
     container->GetBoolProperty("IsDialog", settings.mDialog);
     container->GetBoolProperty("IsPopup", settings.mPopup);
     container->GetBoolProperty("FreeOnClose", mState->freeOnClose);
+    if (container->GetColorProperty("BackgroundColor", mState->backgroundColor)) {
+        mState->background = -1;
+        ForceRedraw();
+    }
     if (!container->GetStringProperty("Background", text))
         return;
     EThemeColor color = kThemeColor_WindowBackground;

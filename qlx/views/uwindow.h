@@ -16,8 +16,8 @@
 /// corner. Its next handler is the application.
 ///
 /// Properties besides TView's: "Title" (localised or plain string), "Resizable", "HasFrame",
-/// "IsDialog", "IsPopup", "FreeOnClose" (bools), "MinimumSize" (point; the layout's minimum counts
-/// too), "Background" (string, a theme colour's name; "WindowBackground").
+/// "IsDialog", "IsPopup", "FreeOnClose" (bools), "Background" (string, a theme colour's name;
+/// "WindowBackground" unless set) or "BackgroundColor" (rgbcolor).
 class QLX_API TWindow : public TInvalidateView {
   public:
     QLX_DECLARE_CLASS(TWindow);

@@ -8,6 +8,7 @@
 #include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/uevent.h"
+#include "qlx/views/uinspector.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uviewtooltip.h"
 #include "qlx/views/uwindowstate.h"
@@ -283,6 +284,7 @@ void TWindow::Hover(TToolboxEvent* event) {
         view->WindowToLocal(local);
         Guarded("DoMouseMove", [&] { view->DoMouseMove(local, event); });
     }
+    TInspector::PointerMoved(this);
     UpdateCursor();
 }
 
@@ -421,6 +423,9 @@ void TWindow::KeyDown(const QLX_EventRef& event) {
     if (keyCode == kDAW_Key_Escape)
         toolboxEvent.mKeyState = kKeyState_RealEscape;
     HideToolTip();
+    if (event.GetID().mKind == kQLX_EventKind_KeyDown &&
+        TInspector::TakeKey(this, keyCode, toolboxEvent.GetEventModifiers()))
+        return;
     if (mState->tracker) {
         if (keyCode == kDAW_Key_Escape) {
             CancelTracker();

@@ -34,7 +34,8 @@ struct TWindow::State {
     int delivering = 0;
     bool following = false; // the views are following the native window's size
     bool freeOnClose = false;
-    int background = 0; // EThemeColor
+    int background = 0; // EThemeColor; -1: backgroundColor
+    CRGBColor backgroundColor;
     std::vector<Cmn_Rect<int>> shownRects;
 
     // Keyboard

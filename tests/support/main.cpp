@@ -5,9 +5,10 @@
 #include "tests/support/assertion_catcher.h"
 
 // Fontconfig keeps the address of a pattern's values as a distance from the pattern, where the leak
-// check cannot see that they are still in use.
+// check cannot see that they are still in use. D-Bus, which SDL asks about the desktop, keeps its
+// connection as long as the process lives.
 extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions() {
-    return "leak:libfontconfig\n";
+    return "leak:libfontconfig\nleak:libdbus-1\n";
 }
 
 int main(int argc, char** argv) {
