@@ -43,11 +43,15 @@ void QLX_Platform::Install() {
     mInstalled->factory = QLX_WindowPortFactory::Install(&GetWindowFactory());
     mInstalled->keyboard = QLX_Keyboard::SetSource(&GetKeyboard());
     mInstalled->clipboard = QLX_Clipboard::Install(&GetClipboard());
+    if (gApplication)
+        gApplication->AttachToLoop(&GetEventLoop());
 }
 
 void QLX_Platform::Uninstall() {
     if (!mInstalled)
         return;
+    if (gApplication)
+        gApplication->AttachToLoop(mInstalled->loop);
     QLX_Clipboard::Install(mInstalled->clipboard);
     QLX_Keyboard::SetSource(mInstalled->keyboard);
     QLX_WindowPortFactory::Install(mInstalled->factory);

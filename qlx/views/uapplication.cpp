@@ -40,6 +40,7 @@ TApplication::TApplication() : mPrevious(std::exchange(gApplication, this)) {
 }
 
 TApplication::~TApplication() {
+    LeaveLoop();
     DropPosted();
     for (TApplication** application = &gApplication; *application;
          application = &(*application)->mPrevious) {

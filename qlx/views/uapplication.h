@@ -9,6 +9,7 @@
 #include "qlx/views/ucommandhandler.h"
 
 class CKeyBindings;
+class QLX_EventLoop;
 
 /// What the application remembers apart from itself.
 class QLX_API TApplicationData {
@@ -113,6 +114,9 @@ class QLX_API TApplication : public TCommandHandler {
     /// When the next turn is wanted: seconds of Sys_Clock_Seconds, in the past for at once,
     /// infinity for never. Between turns nothing needs to run.
     [[nodiscard]] double GetNextWish();
+    /// Takes its turns in a loop from now on, and no longer in the previous one; null leaves that
+    /// one only. The loop outlives the application, or is left first.
+    void AttachToLoop(QLX_EventLoop* loop);
 
     /// Forgets a handler that goes away: as target, in the stack, in menu loops, in idle time and
     /// in what is posted. Posted events for it are dropped.
@@ -173,6 +177,7 @@ class QLX_API TApplication : public TCommandHandler {
     };
 
   private:
+    class LoopClient;
     class StKeyDown;
     /// An entry of the queue, with the turns of processing in which it came and was last asked.
     struct Posted {
@@ -186,6 +191,7 @@ class QLX_API TApplication : public TCommandHandler {
     TEvent* TakeReady(std::uint64_t turn);
     void ProcessOne(TEvent* event);
     void DropPosted();
+    void LeaveLoop();
     void ForgetPosted(TEventHandler* handler);
     static void ForgetIdleWish(TEventHandler* handler);
     static void GiveIdlePhase(IdlePhase phase);
@@ -196,6 +202,7 @@ class QLX_API TApplication : public TCommandHandler {
     TEventHandler* mTarget = nullptr;     // not owned; null: this
     TApplication* mPrevious;              // not owned
     CKeyBindings* mKeyBindings = nullptr; // not owned
+    LoopClient* mLoopClient = nullptr;    // owned; null while attached to no loop
     std::vector<Posted> mPosted;          // waiting from mPostedHead on
     std::size_t mPostedHead = 0;
     std::uint64_t mPostTurn = 1;

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "basekit/sys/sys_clock.h"
+#include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/ustguard.h"
@@ -149,3 +151,31 @@ double TApplication::GetNextWish() {
     const double thisTick = std::floor(now * kSys_ClockTicksPerSecond);
     return (thisTick + ticks + 0.01) / kSys_ClockTicksPerSecond;
 }
+
+// The event loop
+
+/// The application's place in a loop.
+class TApplication::LoopClient : public QLX_EventLoopClient {
+  public:
+    LoopClient(TApplication* application, QLX_EventLoop* loop)
+        : mApplication(application), mLoop(loop) {
+        mLoop->AddClient(this);
+    }
+    ~LoopClient() override { mLoop->RemoveClient(this); }
+    LoopClient(const LoopClient&) = delete;
+    LoopClient& operator=(const LoopClient&) = delete;
+    bool DoTurn() override { return mApplication->TakeTurn(); }
+    double GetNextWish() override { return mApplication->GetNextWish(); }
+
+  private:
+    TApplication* mApplication; // not owned
+    QLX_EventLoop* mLoop;       // not owned
+};
+
+void TApplication::AttachToLoop(QLX_EventLoop* loop) {
+    LeaveLoop();
+    if (loop)
+        mLoopClient = new LoopClient(this, loop);
+}
+
+void TApplication::LeaveLoop() { delete std::exchange(mLoopClient, nullptr); }

@@ -38,6 +38,8 @@ void TWindow::Deliver(const QLX_EventRef& event) {
     if (event.IsEmpty())
         return;
     const StDispatch dispatch;
+    if (gApplication)
+        gApplication->EndIdleTime();
     if (EventListener* listener = GetEventListener())
         listener->WindowEvent(this, event);
     ++mState->delivering;
