@@ -29,12 +29,38 @@ TDependencySpace* TDependencySpace::SetGlobal(TDependencySpace* space) {
 }
 
 void TDependencySpace::AddDependency(TObject* notifier, TObject* dependent, std::int32_t tag) {
-    std::vector<Relation>& dependents = mDependentsByNotifier[notifier];
+    std::vector<Relation>& dependents = Entry(mDependentsByNotifier, notifier);
     const auto isSame = [dependent](const Relation& r) { return r.mOther == dependent; };
     if (std::any_of(dependents.begin(), dependents.end(), isSame))
         return;
     dependents.push_back({dependent, tag});
-    mNotifiersByDependent[dependent].push_back({notifier, tag});
+    Entry(mNotifiersByDependent, dependent).push_back({notifier, tag});
+}
+
+// Relations come and go with every command that is performed, so the memory of those that went is
+// used again instead of being asked for anew.
+std::vector<TDependencySpace::Relation>& TDependencySpace::Entry(Table& table, TObject* key) {
+    if (const auto entry = table.find(key); entry != table.end())
+        return entry->second;
+    if (mSpare.empty())
+        return table[key];
+    Table::node_type node = std::move(mSpare.back());
+    mSpare.pop_back();
+    node.key() = key;
+    return table.insert(std::move(node)).position->second;
+}
+
+void TDependencySpace::Drop(Table& table, Table::iterator entry) {
+    constexpr std::size_t kSpares = 8;
+    constexpr std::size_t kLargestSpare = 16;
+    if (mSpare.capacity() == 0)
+        mSpare.reserve(kSpares);
+    if (mSpare.size() == kSpares || entry->second.capacity() > kLargestSpare) {
+        table.erase(entry);
+        return;
+    }
+    entry->second.clear();
+    mSpare.push_back(table.extract(entry));
 }
 
 void TDependencySpace::Remove(Table& table, TObject* key, TObject* other) {
@@ -43,7 +69,7 @@ void TDependencySpace::Remove(Table& table, TObject* key, TObject* other) {
         return;
     std::erase_if(entry->second, [other](const Relation& r) { return r.mOther == other; });
     if (entry->second.empty())
-        table.erase(entry);
+        Drop(table, entry);
 }
 
 void TDependencySpace::RemoveDependency(TObject* notifier, TObject* dependent) {
@@ -56,13 +82,13 @@ void TDependencySpace::RemoveAllDependencies(TObject* object) {
         entry != mDependentsByNotifier.end()) {
         for (const Relation& dependent : entry->second)
             Remove(mNotifiersByDependent, dependent.mOther, object);
-        mDependentsByNotifier.erase(object);
+        Drop(mDependentsByNotifier, entry);
     }
     if (const auto entry = mNotifiersByDependent.find(object);
         entry != mNotifiersByDependent.end()) {
         for (const Relation& notifier : entry->second)
             Remove(mDependentsByNotifier, notifier.mOther, object);
-        mNotifiersByDependent.erase(object);
+        Drop(mNotifiersByDependent, entry);
     }
 }
 

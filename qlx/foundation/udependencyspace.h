@@ -37,8 +37,11 @@ class QLX_API TDependencySpace {
         std::int32_t mTag;
     };
     using Table = std::unordered_map<TObject*, std::vector<Relation>>;
-    static void Remove(Table& table, TObject* key, TObject* other);
+    void Remove(Table& table, TObject* key, TObject* other);
+    std::vector<Relation>& Entry(Table& table, TObject* key);
+    void Drop(Table& table, Table::iterator entry);
 
     Table mDependentsByNotifier;
     Table mNotifiersByDependent;
+    std::vector<Table::node_type> mSpare; // entries to be used again
 };

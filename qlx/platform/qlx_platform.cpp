@@ -56,6 +56,8 @@ void QLX_Platform::Uninstall() {
     QLX_Keyboard::SetSource(mInstalled->keyboard);
     QLX_WindowPortFactory::Install(mInstalled->factory);
     QLX_EventLoop::Install(mInstalled->loop);
+    if (gApplication)
+        gApplication->AttachToLoop(QLX_EventLoop::Get());
     sPlatform = mInstalled->platform;
     mInstalled.reset();
 }

@@ -1,6 +1,7 @@
 #include "qlx/views/uapplication.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "basekit/cmn/cmn_string.h"
@@ -8,11 +9,13 @@
 #include "newfilelibs/daw/daw_eventmodifiers.h"
 #include "newfilelibs/daw/daw_keyboardstate.h"
 #include "newfilelibs/daw/daw_keyevent.h"
+#include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/ucommand.h"
 #include "qlx/views/ucommandmanager.h"
 #include "qlx/views/uevent.h"
+#include "qlx/views/ueventdispatch.h"
 #include "qlx/views/ukeybindings.h"
 #include "qlx/views/ustguard.h"
 
@@ -37,6 +40,7 @@ void TApplicationData::SetPreMenuLoopTarget(TEventHandler* handler) {
 
 TApplication::TApplication() : mPrevious(std::exchange(gApplication, this)) {
     sTargetHandlingEventStack.reserve(16);
+    AttachToLoop(QLX_EventLoop::Get());
 }
 
 TApplication::~TApplication() {
@@ -104,6 +108,11 @@ void TApplication::ClearFromTargetHandlingEventStack(TEventHandler* handler) {
         std::find(sTargetHandlingEventStack.begin(), sTargetHandlingEventStack.end(), handler);
     if (entry != sTargetHandlingEventStack.end())
         *entry = nullptr;
+}
+
+void TApplication::KeyDownIsUnhandled() {
+    sMacAppKeyDownHandled = false;
+    QLX_NoteEndOfChain();
 }
 
 void TApplication::LogCommandKey(const TToolboxEvent& event) {
@@ -261,34 +270,35 @@ TApplication::StCommandValidator::~StCommandValidator() {
 
 namespace {
 
-constexpr std::size_t kScratchTexts = 8;
 constexpr std::size_t kLargestScratchText = 4096;
 
-std::vector<std::string>& ScratchTexts() {
-    static auto* const texts = [] {
-        auto* const made = new std::vector<std::string>;
-        made->reserve(kScratchTexts);
-        return made;
-    }();
+// Texts in use, then texts to be used again. Each has its own allocation, so that those in use stay
+// where they are. Never destroyed: commands may be freed by other static destructors.
+struct ScratchTexts {
+    std::vector<std::unique_ptr<std::string>> mTexts;
+    std::size_t mInUse = 0;
+};
+
+ScratchTexts& Scratch() {
+    static auto* const texts = new ScratchTexts;
     return *texts;
 }
 
 } // namespace
 
 TApplication::StScratchText::StScratchText() {
-    std::vector<std::string>& texts = ScratchTexts();
-    if (texts.empty())
-        return;
-    mText = std::move(texts.back());
-    texts.pop_back();
+    ScratchTexts& scratch = Scratch();
+    if (scratch.mInUse == scratch.mTexts.size())
+        scratch.mTexts.push_back(std::make_unique<std::string>());
+    mText = scratch.mTexts[scratch.mInUse++].get();
 }
 
 TApplication::StScratchText::~StScratchText() {
-    std::vector<std::string>& texts = ScratchTexts();
-    if (texts.size() == kScratchTexts || mText.capacity() > kLargestScratchText)
-        return;
-    mText.clear();
-    texts.push_back(std::move(mText));
+    --Scratch().mInUse;
+    if (mText->capacity() > kLargestScratchText)
+        *mText = std::string();
+    else
+        mText->clear();
 }
 
 TApplication::StActivity::StActivity(const char* verb, const std::string& name) {

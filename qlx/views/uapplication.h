@@ -67,6 +67,8 @@ class QLX_API TApplication : public TCommandHandler {
     /// Empties the first entry that names the handler.
     static void ClearFromTargetHandlingEventStack(TEventHandler* handler);
 
+    /// The key down under way has come to the end of its chain.
+    static void KeyDownIsUnhandled();
     /// Whether the key down under way was consumed; true between keys.
     static bool sMacAppKeyDownHandled;
     /// One entry for each key down under way, innermost last: the last handler that received it as
@@ -147,18 +149,18 @@ class QLX_API TApplication : public TCommandHandler {
         static std::string sCmdName;
     };
 
-    /// A text whose memory is used again by the next one.
+    /// A text, empty at first, whose memory is used again by the next one. Lives in a scope.
     class QLX_API StScratchText {
       public:
         StScratchText();
         ~StScratchText();
         StScratchText(const StScratchText&) = delete;
         StScratchText& operator=(const StScratchText&) = delete;
-        [[nodiscard]] std::string& operator*() { return mText; }
-        [[nodiscard]] std::string* operator->() { return &mText; }
+        [[nodiscard]] std::string& operator*() { return *mText; }
+        [[nodiscard]] std::string* operator->() { return mText; }
 
       private:
-        std::string mText;
+        std::string* mText; // owned by the stack of scratch texts
     };
 
     /// An activity: started by the constructor, ended by End, or by the destructor when an

@@ -84,6 +84,8 @@ TBehavior* TBehavior::GetNextEnabledBehavior() {
     return behavior;
 }
 
+TBehavior* TBehavior::ThisOrNextEnabled() { return IsEnabled() ? this : GetNextEnabledBehavior(); }
+
 void TBehavior::SetOwner(TEventHandler* owner) { mOwner = owner; }
 
 void TBehavior::InsertBefore(TBehavior* behavior, TBehavior* place) {
@@ -204,60 +206,54 @@ void TBehavior::HandleIdle(IdlePhase phase) {
 
 void TBehavior::DoCommandKeyEvent(TToolboxEvent* event) {
     if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::CommandKey, event, next,
-                        [=] { next->DoCommandKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::CommandKey, event, next, &TBehavior::DoCommandKeyEvent);
     else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchKey(EEventMessage::CommandKey, event, owner,
-                        [=] { owner->DoCommandKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::CommandKey, event, owner, &TEventHandler::DoCommandKeyEvent);
     else
         QLX_NoteDropped();
 }
 
 void TBehavior::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
     if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_Dispatch(EEventMessage::Event, event, number, next,
-                     [=] { next->DoEvent(number, source, event); });
+        QLX_DispatchEvent(number, source, event, next);
     else if (TEventHandler* const owner = mOwner)
-        QLX_Dispatch(EEventMessage::Event, event, number, owner,
-                     [=] { owner->DoEvent(number, source, event); });
+        QLX_DispatchEvent(number, source, event, owner);
     else
         QLX_NoteDropped();
 }
 
 void TBehavior::DoKeyEvent(TToolboxEvent* event) {
     if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyDown, event, next, [=] { next->DoKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::KeyDown, event, next, &TBehavior::DoKeyEvent);
     else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchKey(EEventMessage::KeyDown, event, owner, [=] { owner->DoKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::KeyDown, event, owner, &TEventHandler::DoKeyEvent);
     else
         QLX_NoteDropped();
 }
 
 void TBehavior::DoKeyUp(TToolboxEvent* event) {
     if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyUp, event, next, [=] { next->DoKeyUp(event); });
+        QLX_DispatchKey(EEventMessage::KeyUp, event, next, &TBehavior::DoKeyUp);
     else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchKey(EEventMessage::KeyUp, event, owner, [=] { owner->DoKeyUp(event); });
+        QLX_DispatchKey(EEventMessage::KeyUp, event, owner, &TEventHandler::DoKeyUp);
     else
         QLX_NoteDropped();
 }
 
 void TBehavior::DoMenuCommand(std::int32_t command) {
     if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_Dispatch(EEventMessage::MenuCommand, nullptr, command, next,
-                     [=] { next->DoMenuCommand(command); });
+        QLX_DispatchMenuCommand(command, next);
     else if (TEventHandler* const owner = mOwner)
-        QLX_Dispatch(EEventMessage::MenuCommand, nullptr, command, owner,
-                     [=] { owner->DoMenuCommand(command); });
+        QLX_DispatchMenuCommand(command, owner);
     else
         QLX_NoteDropped();
 }
 
 void TBehavior::DoSetupMenus() {
     if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_Dispatch(EEventMessage::SetupMenus, nullptr, 0, next, [=] { next->DoSetupMenus(); });
+        QLX_DispatchSetupMenus(next);
     else if (TEventHandler* const owner = mOwner)
-        QLX_Dispatch(EEventMessage::SetupMenus, nullptr, 0, owner, [=] { owner->DoSetupMenus(); });
+        QLX_DispatchSetupMenus(owner);
     else
         QLX_NoteDropped();
 }

@@ -90,6 +90,7 @@ class QLX_API TBehavior : public TObject {
 
   private:
     friend class TEventHandler;
+    [[nodiscard]] TBehavior* ThisOrNextEnabled();
     void Unlink();
     void TakeFromOwner();
 

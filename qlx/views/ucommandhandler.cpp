@@ -49,6 +49,9 @@ const char* ClassNameOf(const TObject* object) {
     return object->GetClassDescDynamic()->GetClassName().c_str();
 }
 
+// Goes up whenever a command leaves the list: while it stands still, who was alive is alive.
+std::uint64_t sDepartures = 0;
+
 /// Answers the command's life, the same one when it is known already.
 std::uint64_t AddAlive(const TCommand* command) {
     static std::uint64_t lastLife = 0;
@@ -67,12 +70,31 @@ std::uint64_t AddAlive(const TCommand* command) {
     return lastLife;
 }
 
-/// Whether a command is still the one that was added as this life. 0 is the life of one not added
-/// yet.
-bool IsAliveAs(const TCommand* command, std::uint64_t life) {
-    const auto entry = FindAlive(command);
-    return life == 0 || (entry != AliveCommands().end() && entry->mLife == life);
-}
+/// Adds a command to the list and knows afterwards whether it is still the one that was added. One
+/// that has not begun is of a command that is not in the list yet, and takes it to be alive.
+class AliveWatch {
+  public:
+    AliveWatch() = default;
+    explicit AliveWatch(const TCommand* command)
+        : mCommand(command), mLife(AddAlive(command)), mDepartures(sDepartures) {}
+
+    [[nodiscard]] bool IsAlive() const {
+        if (!mCommand || (mDepartures == sDepartures && mLife != 0))
+            return true;
+        const auto entry = mLife != 0 ? FindAlive(mCommand) : AliveCommands().end();
+        if (entry == AliveCommands().end() || entry->mLife != mLife) {
+            mLife = 0;
+            return false;
+        }
+        mDepartures = sDepartures;
+        return true;
+    }
+
+  private:
+    const TCommand* mCommand = nullptr;    // not owned, only compared
+    mutable std::uint64_t mLife = 0;       // 0 once it was found gone
+    mutable std::uint64_t mDepartures = 0; // as of the last look
+};
 
 const char* YesOrNo(bool flag) { return flag ? "YES" : "NO"; }
 
@@ -82,15 +104,14 @@ const char* YesOrNo(bool flag) { return flag ? "YES" : "NO"; }
 /// inside, and one that loses its place as last command meanwhile is ended by whoever made it busy.
 class TCommandHandler::StBusy {
   public:
-    explicit StBusy(TCommand* command)
-        : mCommand(command), mLife(AddAlive(command)), mOuter(sInnermost) {
+    explicit StBusy(TCommand* command) : mCommand(command), mWatch(command), mOuter(sInnermost) {
         sInnermost = this;
     }
     ~StBusy() { sInnermost = mOuter; }
     StBusy(const StBusy&) = delete;
     StBusy& operator=(const StBusy&) = delete;
 
-    [[nodiscard]] bool CommandIsAlive() const { return IsAliveAs(mCommand, mLife); }
+    [[nodiscard]] bool CommandIsAlive() const { return mWatch.IsAlive(); }
     [[nodiscard]] static bool IsBusy(const TCommand* command) {
         const StBusy* busy = sInnermost;
         while (busy && (busy->mCommand != command || !busy->CommandIsAlive()))
@@ -100,7 +121,7 @@ class TCommandHandler::StBusy {
 
   private:
     TCommand* mCommand; // not owned
-    std::uint64_t mLife;
+    AliveWatch mWatch;
     StBusy* mOuter; // not owned
     static StBusy* sInnermost;
 };
@@ -113,10 +134,10 @@ struct TCommandHandler::Run {
     TCommand* mCommand;
     const StGuard& mHandler;
     TCommand* mCommitted = nullptr; // stayed the last command when it was committed for this one
-    std::uint64_t mLife = 0;
+    AliveWatch mWatch{};
     bool mIsInDoIt = false;
 
-    [[nodiscard]] bool CommandIsAlive() const { return IsAliveAs(mCommand, mLife); }
+    [[nodiscard]] bool CommandIsAlive() const { return mWatch.IsAlive(); }
 };
 
 TCommandHandler::TCommandHandler() = default;
@@ -215,6 +236,7 @@ void TCommandHandler::RemoveAliveCommand(const TCommand* command) {
     if (entry == AliveCommands().end())
         return;
     AliveCommands().erase(entry);
+    ++sDepartures;
     if (Cmn_TraceIsEnabled(kTrace_Commands))
         Cmn_Trace(kTrace_Commands, "TCommand::~TCommand - deleting from AliveCommands %p (%s)",
                   static_cast<const void*>(command), ClassNameOf(command));
@@ -242,11 +264,15 @@ bool TCommandHandler::CanBeUsed(const TCommand* command) {
 void TCommandHandler::PerformCommand(TCommand* command) {
     if (!CanBeUsed(command))
         return;
-    QLX_Dispatch(EEventMessage::Command, command, command->GetCommandNumber(), this,
-                 [=, this] { PerformTraced(command); });
+    if (!gEventTraceIsOn) [[likely]] {
+        PerformGuarded(command);
+        return;
+    }
+    const QLX_StEventHop hop(EEventMessage::Command, command, command->GetCommandNumber(), this);
+    PerformGuarded(command);
 }
 
-void TCommandHandler::PerformTraced(TCommand* command) {
+void TCommandHandler::PerformGuarded(TCommand* command) {
     const StGuard self(this);
     Run run{this, command, self};
     try {
@@ -286,7 +312,7 @@ void TCommandHandler::Perform(Run& run) {
     TakeFromKeeper(command);
     if (command->WillCauseChange() || command->CanBeUndone())
         CommitLastCommand();
-    run.mLife = AddAlive(command);
+    run.mWatch = AliveWatch(command);
     if (run.mHandler) {
         run.mCommitted = mLastCommand;
         struct RestoreFlag {
@@ -343,10 +369,10 @@ void TCommandHandler::TakeFromKeeper(TCommand* command) {
 void TCommandHandler::KeepCommand(TCommand* command, const TCommand* committed) {
     const StGuard self(this);
     // There is a last command here when the command performed another one from its DoIt.
-    const std::uint64_t life = AddAlive(command);
+    const AliveWatch watch(command);
     if (mLastCommand && mLastCommand != command && mLastCommand != committed)
         CommitLastCommand();
-    if (!self || !IsAliveAs(command, life))
+    if (!self || !watch.IsAlive())
         return;
     if (mLastCommand && mLastCommand != command) {
         mLastCommand->mKeeper = nullptr;
@@ -355,7 +381,7 @@ void TCommandHandler::KeepCommand(TCommand* command, const TCommand* committed) 
     mLastCommand = command;
     command->mKeeper = this;
     command->SetupDependencies();
-    if (IsAliveAs(command, life))
+    if (watch.IsAlive())
         command->NowTopUndo();
 }
 
@@ -426,21 +452,21 @@ void TCommandHandler::UndoOrRedo() {
     TCommand* const command = GetLastCommand();
     if (!command || StBusy::IsBusy(command))
         return;
-    const std::uint64_t life = AddAlive(command);
+    const AliveWatch watch(command);
     const bool wasDone = command->mDone;
     const bool wasKept = command->mKeeper != nullptr;
     try {
         UndoOrRedoBusy(command, wasDone);
-        if (!IsAliveAs(command, life))
+        if (!watch.IsAlive())
             return;
         command->mDone = !wasDone;
         command->DoNotification();
     } catch (...) {
-        if (IsAliveAs(command, life) && wasKept && !command->mKeeper)
+        if (watch.IsAlive() && wasKept && !command->mKeeper)
             EndDisplaced(command);
         throw;
     }
-    if (IsAliveAs(command, life) && wasKept && !command->mKeeper)
+    if (watch.IsAlive() && wasKept && !command->mKeeper)
         EndDisplaced(command);
 }
 
@@ -460,13 +486,13 @@ void TCommandHandler::UndoOrRedoBusy(TCommand* command, bool wasDone) {
 
 // Its UndoIt performed another command, which is the last one now and could not end this one.
 void TCommandHandler::EndDisplaced(TCommand* command) {
-    const std::uint64_t life = AddAlive(command);
+    const AliveWatch watch(command);
     if (command->mDone)
         command->Commit();
-    if (!IsAliveAs(command, life))
+    if (!watch.IsAlive())
         return;
     const bool frees = command->ShouldFreeOnCompletion();
     command->Completed();
-    if (frees && IsAliveAs(command, life))
+    if (frees && watch.IsAlive())
         command->Free();
 }

@@ -62,7 +62,7 @@ class QLX_API TCommandHandler : public TEventHandler {
     static void RemoveAliveCommand(const TCommand* command);
 
     [[nodiscard]] static bool CanBeUsed(const TCommand* command);
-    void PerformTraced(TCommand* command);
+    void PerformGuarded(TCommand* command);
     void PerformNamed(Run& run);
     void Perform(Run& run);
     static void Finish(Run& run);

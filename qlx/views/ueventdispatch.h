@@ -12,28 +12,48 @@
 // addresses.
 extern QLX_INTERNAL bool gEventTraceIsOn;
 
-/// Calls; with the trace on, as a hop of the message.
-template <class Receiver, class Call>
-inline void QLX_Dispatch(EEventMessage message, const void* subject, std::int64_t number,
-                         Receiver* receiver, Call&& call) {
-    if (!gEventTraceIsOn) [[likely]] {
-        call();
-        return;
-    }
-    const QLX_StEventHop hop(message, subject, number, receiver);
-    call();
+/// Calls a receiver's Do as a hop of the trace. Out of line and called last, so that the road
+/// without the trace saves no registers for it.
+template <class Receiver>
+struct QLX_INTERNAL QLX_TracedHop {
+    using DoKey = void (Receiver::*)(TToolboxEvent*);
+    using DoCommand = void (Receiver::*)(std::int32_t);
+    using DoSetup = void (Receiver::*)();
+    static void Key(EEventMessage message, TToolboxEvent* event, Receiver* receiver, DoKey call);
+    static void Menu(std::int32_t command, Receiver* receiver, DoCommand call);
+    static void Setup(Receiver* receiver, DoSetup call);
+    static void Event(std::int32_t number, TEventHandler* source, TEvent* event,
+                      Receiver* receiver);
+};
+
+template <class Receiver>
+inline void QLX_DispatchKey(EEventMessage message, TToolboxEvent* event, Receiver* receiver,
+                            typename QLX_TracedHop<Receiver>::DoKey call) {
+    if (gEventTraceIsOn) [[unlikely]]
+        return QLX_TracedHop<Receiver>::Key(message, event, receiver, call);
+    (receiver->*call)(event);
 }
 
-/// The same for a key, whose number is its character code.
-template <class Receiver, class Call>
-inline void QLX_DispatchKey(EEventMessage message, TToolboxEvent* event, Receiver* receiver,
-                            Call&& call) {
-    if (!gEventTraceIsOn) [[likely]] {
-        call();
-        return;
-    }
-    const QLX_StEventHop hop(message, event, event ? event->mCharacterCode : 0, receiver);
-    call();
+template <class Receiver>
+inline void QLX_DispatchMenuCommand(std::int32_t command, Receiver* receiver) {
+    if (gEventTraceIsOn) [[unlikely]]
+        return QLX_TracedHop<Receiver>::Menu(command, receiver, &Receiver::DoMenuCommand);
+    receiver->DoMenuCommand(command);
+}
+
+template <class Receiver>
+inline void QLX_DispatchSetupMenus(Receiver* receiver) {
+    if (gEventTraceIsOn) [[unlikely]]
+        return QLX_TracedHop<Receiver>::Setup(receiver, &Receiver::DoSetupMenus);
+    receiver->DoSetupMenus();
+}
+
+template <class Receiver>
+inline void QLX_DispatchEvent(std::int32_t number, TEventHandler* source, TEvent* event,
+                              Receiver* receiver) {
+    if (gEventTraceIsOn) [[unlikely]]
+        return QLX_TracedHop<Receiver>::Event(number, source, event, receiver);
+    receiver->DoEvent(number, source, event);
 }
 
 inline void QLX_NoteEndOfChain() {

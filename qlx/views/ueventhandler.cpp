@@ -170,11 +170,9 @@ TEventHandler* TEventHandler::RemoveHandler(TEventHandler* head) {
 
 void TEventHandler::HandleEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
     if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_Dispatch(EEventMessage::Event, event, number, behavior,
-                     [=] { behavior->DoEvent(number, source, event); });
+        QLX_DispatchEvent(number, source, event, behavior);
     else
-        QLX_Dispatch(EEventMessage::Event, event, number, this,
-                     [=, this] { DoEvent(number, source, event); });
+        QLX_DispatchEvent(number, source, event, this);
 }
 
 void TEventHandler::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
@@ -186,47 +184,40 @@ void TEventHandler::DoEvent(std::int32_t number, TEventHandler* source, TEvent* 
 
 void TEventHandler::HandleKeyCommand(TToolboxEvent* event) {
     if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyDown, event, behavior,
-                        [=] { behavior->DoKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::KeyDown, event, behavior, &TBehavior::DoKeyEvent);
     else
-        QLX_DispatchKey(EEventMessage::KeyDown, event, this, [=, this] { DoKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::KeyDown, event, this, &TEventHandler::DoKeyEvent);
 }
 
 void TEventHandler::DoKeyEvent(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler()) {
+    if (TEventHandler* const next = GetNextHandler())
         next->HandleKeyCommand(event);
-    } else {
-        TApplication::sMacAppKeyDownHandled = false;
-        QLX_NoteEndOfChain();
-    }
+    else
+        TApplication::KeyDownIsUnhandled();
 }
 
 void TEventHandler::HandleCommandKey(TToolboxEvent* event) {
     TApplication::SetTargetHandlingEvent(this);
     if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::CommandKey, event, behavior,
-                        [=] { behavior->DoCommandKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::CommandKey, event, behavior, &TBehavior::DoCommandKeyEvent);
     else
-        QLX_DispatchKey(EEventMessage::CommandKey, event, this,
-                        [=, this] { DoCommandKeyEvent(event); });
+        QLX_DispatchKey(EEventMessage::CommandKey, event, this, &TEventHandler::DoCommandKeyEvent);
 }
 
 void TEventHandler::DoCommandKeyEvent(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler()) {
+    if (TEventHandler* const next = GetNextHandler())
         next->HandleCommandKey(event);
-    } else {
-        TApplication::sMacAppKeyDownHandled = false;
-        QLX_NoteEndOfChain();
-    }
+    else
+        TApplication::KeyDownIsUnhandled();
 }
 
 // The walk stops at the first handler that overrides DoKeyUp: the default, called through the slot,
 // is the step to the next handler, so no question about overriding has to be asked.
 void TEventHandler::HandleKeyUp(TToolboxEvent* event) {
     if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyUp, event, behavior, [=] { behavior->DoKeyUp(event); });
+        QLX_DispatchKey(EEventMessage::KeyUp, event, behavior, &TBehavior::DoKeyUp);
     else
-        QLX_DispatchKey(EEventMessage::KeyUp, event, this, [=, this] { DoKeyUp(event); });
+        QLX_DispatchKey(EEventMessage::KeyUp, event, this, &TEventHandler::DoKeyUp);
 }
 
 void TEventHandler::DoKeyUp(TToolboxEvent* event) {
@@ -238,11 +229,9 @@ void TEventHandler::DoKeyUp(TToolboxEvent* event) {
 
 void TEventHandler::HandleMenuCommand(std::int32_t command) {
     if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_Dispatch(EEventMessage::MenuCommand, nullptr, command, behavior,
-                     [=] { behavior->DoMenuCommand(command); });
+        QLX_DispatchMenuCommand(command, behavior);
     else
-        QLX_Dispatch(EEventMessage::MenuCommand, nullptr, command, this,
-                     [=, this] { DoMenuCommand(command); });
+        QLX_DispatchMenuCommand(command, this);
 }
 
 void TEventHandler::DoMenuCommand(std::int32_t command) {
@@ -254,10 +243,9 @@ void TEventHandler::DoMenuCommand(std::int32_t command) {
 
 void TEventHandler::HandleSetupMenus() {
     if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_Dispatch(EEventMessage::SetupMenus, nullptr, 0, behavior,
-                     [=] { behavior->DoSetupMenus(); });
+        QLX_DispatchSetupMenus(behavior);
     else
-        QLX_Dispatch(EEventMessage::SetupMenus, nullptr, 0, this, [this] { DoSetupMenus(); });
+        QLX_DispatchSetupMenus(this);
 }
 
 void TEventHandler::DoSetupMenus() {
@@ -437,10 +425,9 @@ void TEventHandler::HandleIdle(IdlePhase phase) {
 
 TBehavior* TEventHandler::GetFirstBehavior() { return mFirstBehavior; }
 
+// Small, so that it is merged into the Handle operations where nobody overrides it.
 TBehavior* TEventHandler::GetFirstEnabledBehavior() {
-    if (!mFirstBehavior) [[likely]]
-        return nullptr;
-    return mFirstBehavior->IsEnabled() ? mFirstBehavior : mFirstBehavior->GetNextEnabledBehavior();
+    return mFirstBehavior ? mFirstBehavior->ThisOrNextEnabled() : nullptr;
 }
 
 TBehavior* TEventHandler::GetBehaviorWithIdentifier(std::uint32_t identifier) {

@@ -304,3 +304,34 @@ QLX_StEventHop::~QLX_StEventHop() {
     }
     delete mDelivery;
 }
+
+// Traced dispatch
+
+template <class Receiver>
+void QLX_TracedHop<Receiver>::Key(EEventMessage message, TToolboxEvent* event, Receiver* receiver,
+                                  DoKey call) {
+    const QLX_StEventHop hop(message, event, event ? event->mCharacterCode : 0, receiver);
+    (receiver->*call)(event);
+}
+
+template <class Receiver>
+void QLX_TracedHop<Receiver>::Menu(std::int32_t command, Receiver* receiver, DoCommand call) {
+    const QLX_StEventHop hop(EEventMessage::MenuCommand, nullptr, command, receiver);
+    (receiver->*call)(command);
+}
+
+template <class Receiver>
+void QLX_TracedHop<Receiver>::Setup(Receiver* receiver, DoSetup call) {
+    const QLX_StEventHop hop(EEventMessage::SetupMenus, nullptr, 0, receiver);
+    (receiver->*call)();
+}
+
+template <class Receiver>
+void QLX_TracedHop<Receiver>::Event(std::int32_t number, TEventHandler* source, TEvent* event,
+                                    Receiver* receiver) {
+    const QLX_StEventHop hop(EEventMessage::Event, event, number, receiver);
+    receiver->DoEvent(number, source, event);
+}
+
+template struct QLX_TracedHop<TEventHandler>;
+template struct QLX_TracedHop<TBehavior>;

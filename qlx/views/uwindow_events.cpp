@@ -128,6 +128,10 @@ void TWindow::WindowEvent(const QLX_EventRef& event) {
         break;
     case kQLX_EventKind_Deactivated:
         SetActive(false);
+        // The keys that are held go up unseen. The window is not looked at again: what ends with
+        // its key may close it.
+        if (gApplication)
+            gApplication->ReleaseAllKeys();
         break;
     default:
         break;

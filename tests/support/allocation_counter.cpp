@@ -31,3 +31,11 @@ void operator delete(void* bytes, std::size_t) noexcept { std::free(bytes); }
 AllocationCounter::AllocationCounter() : mStart(sAllocations.load()) {}
 
 std::size_t AllocationCounter::GetCount() const { return sAllocations.load() - mStart; }
+
+bool AllocationCounter::CountsTheLibrary() {
+#ifdef _WIN32
+    return false;
+#else
+    return true;
+#endif
+}

@@ -10,6 +10,9 @@ class AllocationCounter {
     AllocationCounter();
     /// Allocations since the counter was made.
     [[nodiscard]] std::size_t GetCount() const;
+    /// Whether the library's allocations are among them: a DLL keeps its own operator new, so on
+    /// Win32 only those of the test program are.
+    [[nodiscard]] static bool CountsTheLibrary();
 
   private:
     std::size_t mStart;

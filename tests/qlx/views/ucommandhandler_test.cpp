@@ -23,9 +23,13 @@ class CommandTrace {
         sTrace.clear();
         Cmn_TraceEnable(kTrace_Commands, true);
         mPrevious = Cmn_SetTraceSink([](const char* line) {
+            // "0x5500…" with one C library, sixteen bare digits with another.
+            constexpr const char* kDigits = "0123456789abcdefABCDEF";
             std::string text(line);
-            for (std::size_t at = text.find("0x"); at != std::string::npos; at = text.find("0x"))
-                text.replace(at, text.find_first_not_of("0123456789abcdef", at + 2) - at, "@");
+            for (const char* start : {"0x", "0000"})
+                for (std::size_t at = text.find(start); at != std::string::npos;
+                     at = text.find(start))
+                    text.replace(at, text.find_first_not_of(kDigits, at + 2) - at, "@");
             sTrace.push_back(text);
         });
     }
