@@ -2,31 +2,28 @@
 
 #include <cstring>
 #include <ostream>
-#include <vector>
 
 #include "basekit/cmn/cmn_failure.h"
+#include "basekit/cmn/cmn_memory.h"
 
 namespace {
 
 // Deliberate: one buffer for all regions, grown when too small and never shrunk, so that reading
-// many handles in a row allocates once. Part of the user-interface thread's state.
-std::vector<Cmn_Rect<int>>* sReadBuffer = nullptr;
+// many handles in a row allocates once. Made on first use; part of the user-interface thread's
+// state.
+Cmn_Rect<int>* sReadBuffer = nullptr;
+std::size_t sReadBufferSize = 0;
 
 constexpr std::size_t kHeaderRects = sizeof(QLX_NativeRegionHeader) / sizeof(Cmn_Rect<int>);
 static_assert(kHeaderRects * sizeof(Cmn_Rect<int>) == sizeof(QLX_NativeRegionHeader));
 
-// Room for at least that many bytes, as rectangles so that they are aligned for reading.
+// Room for at least that many bytes, aligned for rectangles.
 Cmn_Rect<int>* GetReadBuffer(std::size_t size) {
-    const std::size_t count = (size + sizeof(Cmn_Rect<int>) - 1) / sizeof(Cmn_Rect<int>);
-    try {
-        if (!sReadBuffer)
-            sReadBuffer = new std::vector<Cmn_Rect<int>>;
-        if (sReadBuffer->size() < count)
-            sReadBuffer->resize(count);
-    } catch (const std::bad_alloc&) {
-        Cmn_RaiseFailure(kFailure_OutOfMemory);
+    if (sReadBufferSize < size) {
+        sReadBuffer = static_cast<Cmn_Rect<int>*>(Cmn_ReallocateOrFail(sReadBuffer, size));
+        sReadBufferSize = size;
     }
-    return sReadBuffer->data();
+    return sReadBuffer;
 }
 
 QLX_NativeRegionHeader MakeHeader(std::size_t count, const Cmn_Rect<int>& bounds) {
@@ -42,6 +39,14 @@ QLX_NativeRegionHeader MakeHeader(std::size_t count, const Cmn_Rect<int>& bounds
 QLX_RegionImpl_HRGN::~QLX_RegionImpl_HRGN() {
     if (mHandle)
         QLX_NativeRegion_Delete(mHandle);
+}
+
+void* QLX_RegionImpl_HRGN::operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return Cmn_AllocateOrFail(size);
+    } catch (const Cmn_Failure&) {
+        return nullptr;
+    }
 }
 
 QLX_RegionImpl_HRGN* QLX_RegionImpl_HRGN::GetSharedEmpty() noexcept {

@@ -26,6 +26,14 @@ class QLX_API QLX_RegionImpl_HRGN : public Cmn_RegionImpl<int> {
     QLX_RegionImpl_HRGN& operator=(const QLX_RegionImpl_HRGN&) = delete;
     ~QLX_RegionImpl_HRGN() override;
 
+    /// Null when there is no memory.
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+    static void operator delete(void* memory, const std::nothrow_t&) noexcept {
+        ::operator delete(memory);
+    }
+
     // Slot order is part of the binary interface: append, never move.
 
     /// User-interface thread. False for an unknown selector or a null io where one is needed.
