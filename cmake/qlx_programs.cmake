@@ -1,4 +1,4 @@
-# The programs: examples/NAME.cpp is one each; host/ is session_host; tools/NAME/*.cpp is one a folder. Extra libraries
+# The programs: examples/NAME.cpp is one each; host/ is session_host and its view classes; tools/NAME/*.cpp is one a folder. Extra libraries
 # of a program stand in a NAME.cmake beside its sources. All of them use the library's public headers only.
 
 function(qlx_add_program name folder)
@@ -27,7 +27,8 @@ foreach(name IN LISTS tools)
     endif()
 endforeach()
 
-file(GLOB host_sources CONFIGURE_DEPENDS host/*.cpp)
-if(host_sources)
-    qlx_add_program(session_host host ${host_sources})
+# The host is written as a project of its own, so that it can be copied out and built on its own.
+if(QLX_WITH_DESKTOP)
+    add_subdirectory(host)
+    set_target_properties(session_host PROPERTIES INSTALL_RPATH "$ORIGIN/${QLX_RPATH_FROM_BINDIR}")
 endif()

@@ -40,6 +40,9 @@ list(REMOVE_DUPLICATES test_programs)
 foreach(program IN LISTS test_programs)
     add_executable(${program} ${${program}_sources})
     target_link_libraries(${program} PRIVATE qlx_test_support)
+    if(program MATCHES "^tests_host_")
+        target_link_libraries(${program} PRIVATE session_views)
+    endif()
     # scripts/test_summary.py counts the cases in the report; a report of an earlier run must not stand
     # in for a program that crashed.
     add_test(NAME ${program} COMMAND ${program} --gtest_output=xml:reports/${program}.xml

@@ -56,8 +56,6 @@ void QLX_Platform::Uninstall() {
     QLX_Keyboard::SetSource(mInstalled->keyboard);
     QLX_WindowPortFactory::Install(mInstalled->factory);
     QLX_EventLoop::Install(mInstalled->loop);
-    if (gApplication)
-        gApplication->AttachToLoop(QLX_EventLoop::Get());
     sPlatform = mInstalled->platform;
     mInstalled.reset();
 }
