@@ -53,6 +53,13 @@ foreach(program IN LISTS test_programs)
     endif()
 endforeach()
 
+# The tool's tests run the tool, and let it load a library as a host has one.
+add_library(qlx_test_host_classes MODULE tests/support/host_classes/host_classes.cpp)
+target_link_libraries(qlx_test_host_classes PRIVATE qlx_build qlx)
+set_target_properties(qlx_test_host_classes PROPERTIES PREFIX "" SUFFIX ".module"
+                      LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+add_dependencies(tests_tools_qlxview qlxview qlx_test_host_classes)
+
 if(WIN32)
     add_test(NAME wine_up COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-up)
     set_tests_properties(wine_up PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)

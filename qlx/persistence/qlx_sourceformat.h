@@ -56,6 +56,9 @@ class QLX_API QLX_SourceObserver {
                              const std::string& typeName, const std::string& valueText,
                              const QLX_PropertyFilter& filter, Place place);
     virtual void CommentMet(const std::string& text, Place place);
+    /// An attribute of a start tag, before ContainerStarted; the place is the tag's.
+    virtual void AttributeMet(QLX_RawPropertyContainer& container, const std::string& name,
+                              const std::string& valueText, Place place);
 };
 
 /// Reads one source file into containers. Made for one Parse.

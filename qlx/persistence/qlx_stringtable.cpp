@@ -70,8 +70,9 @@ void CheckText(const std::string& text, const std::string& key, const std::strin
 /// Walks the file's text and knows where it is.
 class Reader {
   public:
-    Reader(std::string_view text, const std::string& file, std::vector<QLX_SourceProblem>* problems)
-        : mText(text), mFile(file), mProblems(problems) {}
+    Reader(std::string_view text, const std::string& file, std::vector<QLX_SourceProblem>* problems,
+           QLX_StringTablePlaces* places)
+        : mText(text), mFile(file), mProblems(problems), mPlaces(places) {}
 
     QLX_StringTable Read() {
         const std::size_t bad = FindBadUTF8(mText);
@@ -109,18 +110,26 @@ class Reader {
     }
 
     [[nodiscard]] QLX_SourceProblem ProblemAt(std::size_t at, QLX_SourceProblem::Severity severity,
-                                              const std::string& reason) const {
-        QLX_SourceProblem problem{mFile, 1, 1, severity, reason};
-        for (std::size_t i = 0; i < at && i < mText.size(); ++i) {
-            const bool pair = mText[i] == '\r' && i + 1 < mText.size() && mText[i + 1] == '\n';
-            if (IsLineEnd(mText[i]) && !pair) {
-                ++problem.mLine;
-                problem.mColumn = 1;
-            } else {
-                ++problem.mColumn;
-            }
+                                              const std::string& reason) {
+        const auto [line, column] = PlaceOf(at);
+        return {mFile, line, column, severity, reason};
+    }
+
+    /// Counts on from the last place that was asked for.
+    std::pair<int, int> PlaceOf(std::size_t at) {
+        if (at < mCountedTo) {
+            mCountedTo = 0;
+            mCounted = {1, 1};
         }
-        return problem;
+        for (; mCountedTo < at && mCountedTo < mText.size(); ++mCountedTo) {
+            const std::size_t i = mCountedTo;
+            const bool pair = mText[i] == '\r' && i + 1 < mText.size() && mText[i + 1] == '\n';
+            if (IsLineEnd(mText[i]) && !pair)
+                mCounted = {mCounted.first + 1, 1};
+            else
+                ++mCounted.second;
+        }
+        return mCounted;
     }
 
     void SkipLine() {
@@ -192,6 +201,8 @@ class Reader {
         }
         if (!AtEnd() && !IsLineEnd(mText[mAt]))
             Fail("expected the line's end after the text of the key \"" + key + "\"");
+        if (mPlaces)
+            (*mPlaces)[key] = PlaceOf(keyStart);
         if (!mTable.insert_or_assign(key, std::move(entry)).second && mProblems &&
             mProblems->size() < kMostProblems)
             mProblems->push_back(
@@ -230,7 +241,10 @@ class Reader {
     std::string_view mText;
     const std::string& mFile;
     std::vector<QLX_SourceProblem>* mProblems; // not owned; may be null
+    QLX_StringTablePlaces* mPlaces;            // likewise
     std::size_t mAt = 0;
+    std::size_t mCountedTo = 0;
+    std::pair<int, int> mCounted{1, 1};
     QLX_StringTable mTable;
 };
 } // namespace
@@ -265,8 +279,9 @@ std::string QLX_WriteStringTable(const QLX_StringTable& table, const std::string
 }
 
 QLX_StringTable QLX_ReadStringTable(std::string_view text, const std::string& file,
-                                    std::vector<QLX_SourceProblem>* problems) {
-    return Reader(text, file, problems).Read();
+                                    std::vector<QLX_SourceProblem>* problems,
+                                    QLX_StringTablePlaces* places) {
+    return Reader(text, file, problems, places).Read();
 }
 
 std::string QLX_GetStringTableName(std::string_view text) {

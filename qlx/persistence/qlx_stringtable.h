@@ -1,14 +1,19 @@
 // String-table files: the localised texts of one language by key.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "basekit/sys/sys_file.h"
 #include "qlx/persistence/qlx_persistence.h"
 
 struct QLX_SourceProblem;
+
+/// Line and column of each key in a file, both from 1.
+using QLX_StringTablePlaces = std::map<std::string, std::pair<int, int>>;
 
 /// The file's text: a heading comment with the description's name, "{", a line a key in key order
 /// (tab, key, the source text in quotes when there is one, the localised text in quotes), "}".
@@ -23,10 +28,10 @@ QLX_WriteStringTable(const QLX_StringTable& table, const std::string& name, Line
 /// Reads what QLX_WriteStringTable wrote; texts may span lines, lines that begin with "//" and
 /// blank lines may stand anywhere between keys. Throws std::runtime_error ("file:line:column:
 /// reason") for anything else. Of a key that stands twice the last one counts; problems, when
-/// given, tells.
-[[nodiscard]] QLX_API QLX_StringTable
-QLX_ReadStringTable(std::string_view text, const std::string& file,
-                    std::vector<QLX_SourceProblem>* problems = nullptr);
+/// given, tells. Places, when given, is filled.
+[[nodiscard]] QLX_API QLX_StringTable QLX_ReadStringTable(
+    std::string_view text, const std::string& file,
+    std::vector<QLX_SourceProblem>* problems = nullptr, QLX_StringTablePlaces* places = nullptr);
 
 /// The heading's name; empty when there is none.
 [[nodiscard]] QLX_API std::string QLX_GetStringTableName(std::string_view text);

@@ -60,6 +60,8 @@ void QLX_SourceObserver::PropertyMet(QLX_RawPropertyContainer&, const std::strin
                                      const std::string&, const std::string&,
                                      const QLX_PropertyFilter&, Place) {}
 void QLX_SourceObserver::CommentMet(const std::string&, Place) {}
+void QLX_SourceObserver::AttributeMet(QLX_RawPropertyContainer&, const std::string&,
+                                      const std::string&, Place) {}
 
 /// What expat calls. Nothing may be thrown through it: an exception is kept and the parser stopped.
 struct QLX_XMLParser::Callbacks {
@@ -228,6 +230,8 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     const QLX_PropertyFilter& filter = QLX_PropertyFilter::DefaultFilter();
     for (; *attributes; attributes += 2) {
         const bool isIdentifier = Is(attributes[0], kIdentifier);
+        if (mObserver)
+            mObserver->AttributeMet(container, attributes[0], attributes[1], GetPlace());
         if (plain) {
             UseScratchFor(&container, filter);
             mScratch.SetFromText(attributes[0],

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "basekit/cmn/cmn_assert.h"
 #include "classschema.h"
 #include "command.h"
 #include "description.h"
@@ -25,14 +24,13 @@ bool HasClass(const std::string& element) {
 class Checker {
   public:
     void CheckFile(const std::string& path) {
-        // What the readers say by assertion is told with its place here.
-        const Cmn_AssertionHandler previous =
-            Cmn_SetAssertionHandler([](const char*, const char*, int) {});
         std::unique_ptr<Description> description;
         try {
             description = std::make_unique<Description>(path);
-        } catch (const std::exception& error) {
-            AddUnreadable(path, error.what());
+        } catch (const UnreadableError& error) {
+            const QLX_SourceProblem& problem = error.GetProblem();
+            mFindings.push_back({problem.mFile, problem.mLine, problem.mColumn, true, "unreadable",
+                                 problem.mReason});
         }
         if (description) {
             mDescription = description.get();
@@ -43,14 +41,13 @@ class Checker {
             CheckWellKnown();
             for (const std::string& loss :
                  QLX_SourceViewFormat::FindUnwritable(*mDescription->GetRoot()))
-                Add({0, 0}, true, "hidden",
+                Add(PlaceOfPath(loss.substr(0, loss.find(": "))), true, "hidden",
                     "an attribute of the same name keeps this from being written: " + loss);
             mDescription->GetRoot()->SetCurrentFilter(QLX_PropertyFilter::RootFilter());
             CheckTree(*mDescription->GetRoot());
             CheckStrings();
             mUsedKeys.clear();
         }
-        Cmn_SetAssertionHandler(previous);
     }
 
     [[nodiscard]] std::vector<Finding> TakeFindings() {
@@ -70,20 +67,6 @@ class Checker {
             {mDescription->GetPath(), place.mLine, place.mColumn, error, rule, text});
     }
 
-    /// The message has the form "file:line:column: reason".
-    void AddUnreadable(const std::string& path, const std::string& message) {
-        Finding finding{path, 0, 0, true, "unreadable", message};
-        int used = 0;
-        if (message.compare(0, path.size() + 1, path + ":") == 0) {
-            const char* const rest = message.c_str() + path.size() + 1;
-            if (std::sscanf(rest, "%d:%d: %n", &finding.mLine, &finding.mColumn, &used) == 2)
-                finding.mText = rest + used;
-            else
-                finding.mText = rest + (*rest == ' ' ? 1 : 0);
-        }
-        mFindings.push_back(finding);
-    }
-
     void CheckWellKnown() {
         std::list<std::string> messages;
         mDescription->GetRoot()->VerifyWellKnownProperties(messages);
@@ -94,7 +77,9 @@ class Checker {
     /// The place of the element whose path stands in a verification message.
     Place PlaceOf(const std::string& message) {
         const std::size_t start = message.find('"') + 1;
-        const std::string path = message.substr(start, message.find('"', start) - start);
+        return PlaceOfPath(message.substr(start, message.find('"', start) - start));
+    }
+    Place PlaceOfPath(const std::string& path) {
         if (mPaths.first != mDescription) {
             mPaths = {mDescription, {}};
             AddPaths(*mDescription->GetRoot());
@@ -118,6 +103,13 @@ class Checker {
 
     /// Texts that do not say what was read from them, keys, and layouts that no one can select.
     void CheckTexts(const QLX_RawPropertyContainer& container) {
+        std::string identifier;
+        if (mDescription->GetIdentifierText(&container, identifier) && !identifier.empty()) {
+            const std::string reason = QLX_CheckPropertyText(qlx_PropType_IDType, identifier);
+            if (!reason.empty())
+                Add(mDescription->GetPlace(&container), false, "value",
+                    "the identifier \"" + identifier + "\": " + reason);
+        }
         for (const auto& [filter, set] : container.GetFilterPropertyMap()) {
             for (std::size_t i = 0; i < set.GetCount(); ++i) {
                 const QLX_PropertyView view = set.GetAt(i);
@@ -194,6 +186,14 @@ class Checker {
                                 ", not as " + mine);
     }
 
+    /// A finding in a language's string table, where the key stands.
+    void AddInTable(QLX_Language::ELanguage language, const std::string& key,
+                    const std::string& rule, const std::string& text) {
+        const Place place = mDescription->GetKeyPlace(language, key);
+        mFindings.push_back({mDescription->GetTableLoc(language).GetPath(), place.mLine,
+                             place.mColumn, false, rule, text});
+    }
+
     void CheckStrings() {
         const auto& tables = mDescription->GetMemento().GetStringTables();
         const auto english = tables.find(QLX_Language::English);
@@ -205,13 +205,13 @@ class Checker {
                         "the key \"" + key + "\" has no text in the table " + code);
             for (const auto& [key, entry] : table) {
                 if (!mUsedKeys.count(key))
-                    Add({0, 0}, false, "string-unused",
-                        "the key \"" + key + "\" of the table " + code + " is not used");
+                    AddInTable(language, key, "string-unused",
+                               "the key \"" + key + "\" is not used");
                 else if (entry.mLocalized.empty())
-                    Add({0, 0}, false, "string-untranslated",
-                        "the key \"" + key + "\" has an empty text in the table " + code);
+                    AddInTable(language, key, "string-untranslated",
+                               "the key \"" + key + "\" has an empty text");
                 else
-                    CheckSource(english == tables.end() ? nullptr : &english->second, code, key,
+                    CheckSource(english == tables.end() ? nullptr : &english->second, language, key,
                                 entry);
             }
         }
@@ -220,15 +220,15 @@ class Checker {
                 "there are string keys but no string table beside the file");
     }
 
-    void CheckSource(const QLX_StringTable* english, const std::string& code,
+    void CheckSource(const QLX_StringTable* english, QLX_Language::ELanguage language,
                      const std::string& key, const QLX_StringTableEntry& entry) {
         if (!english || entry.mSource.empty())
             return;
         const auto source = english->find(key);
         if (source != english->end() && source->second.mLocalized != entry.mSource)
-            Add({0, 0}, false, "string-stale",
-                "the English text of the key \"" + key + "\" changed since it was translated in " +
-                    code);
+            AddInTable(language, key, "string-stale",
+                       "the English text of the key \"" + key +
+                           "\" changed since it was translated");
     }
 
     const Description* mDescription = nullptr;
@@ -237,11 +237,10 @@ class Checker {
     std::pair<const Description*, std::map<std::string, const QLX_RawPropertyContainer*>> mPaths;
     std::vector<Finding> mFindings;
 };
-} // namespace
 
-void AddCheckCommand(CLI::App& app) {
-    CLI::App* const command = app.add_subcommand(
-        "check", "Tells what is wrong with descriptions and their string tables");
+void AddCheckCommand(CLI::App& app, const char* name) {
+    CLI::App* const command =
+        app.add_subcommand(name, "Tells what is wrong with descriptions and their string tables");
     const auto options = std::make_shared<Options>();
     command->add_option("FILE", options->mFiles, "XML sources")->required();
     CLI::Option* const json = command->add_flag("--json", options->mJSON, "The findings as JSON");
@@ -263,3 +262,5 @@ void AddCheckCommand(CLI::App& app) {
                 gExitStatus = kExitFound;
     });
 }
+const ToolCommand gCheck(10, "check", AddCheckCommand);
+} // namespace

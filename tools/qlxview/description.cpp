@@ -6,14 +6,6 @@
 #include "basekit/cmn/cmn_string.h"
 #include "qlx/persistence/qlx_genericproperty.h"
 
-namespace {
-/// The writer ends its comment behind an end tag with a blank and begins it without one, which
-/// nobody does by hand.
-bool IsWritersComment(const std::string& text) {
-    return text == " " || (!text.empty() && text.front() != ' ' && text.back() == ' ');
-}
-} // namespace
-
 Description::Description(const std::string& path)
     : mPath(path), mLineEndings(QLX_SourceViewFormat::LineEndingsFor(Sys_FileLoc(path))) {
     const StCurrentLanguage english(QLX_Language::English);
@@ -22,12 +14,15 @@ Description::Description(const std::string& path)
     try {
         mMemento = Cmn_RefCountPtr<QLX_ViewMemento>(format.ReadMemento(nullptr));
     } catch (const std::runtime_error& error) {
-        std::string text = path + ": " + error.what();
+        QLX_SourceProblem reason{path, 0, 0, QLX_SourceProblem::kError, error.what()};
         for (const QLX_SourceProblem& problem : format.GetProblems())
             if (problem.mSeverity == QLX_SourceProblem::kError)
-                text = problem.ToString();
-        throw std::runtime_error(text);
+                reason = problem;
+        throw UnreadableError(reason);
     }
+    for (const auto& [language, table] : mMemento->GetStringTables())
+        (void)QLX_ReadStringTable(Sys_File::ReadAll(GetTableLoc(language)), path, nullptr,
+                                  &mKeyPlaces[language]);
     mProblems.insert(mProblems.begin(), format.GetProblems().begin(), format.GetProblems().end());
 }
 
@@ -47,6 +42,29 @@ bool Description::GetValueText(const PropertyKey& key, std::string& text) const 
         return false;
     text = found->second.mText;
     return true;
+}
+
+bool Description::GetIdentifierText(const QLX_RawPropertyContainer* container,
+                                    std::string& text) const {
+    const auto found = mIdentifiers.find(container);
+    if (found == mIdentifiers.end())
+        return false;
+    text = found->second;
+    return true;
+}
+
+Sys_FileLoc Description::GetTableLoc(QLX_Language::ELanguage language) const {
+    return QLX_SourceViewFormat(Sys_FileLoc(mPath)).GetStringTableFileLoc(language);
+}
+
+Description::Place Description::GetKeyPlace(QLX_Language::ELanguage language,
+                                            const std::string& key) const {
+    const auto table = mKeyPlaces.find(language);
+    if (table == mKeyPlaces.end())
+        return {0, 0};
+    const auto found = table->second.find(key);
+    return found == table->second.end() ? Place{0, 0}
+                                        : Place{found->second.first, found->second.second};
 }
 
 std::string Description::GetCanonicalText() const {
@@ -112,6 +130,7 @@ void Description::ContainerEnded(QLX_RawPropertyContainer& container, Place plac
     }
     mBehindLine = place.mLine;
     mBehindEnd = true;
+    mClosingComment = QLX_SourceViewFormat::GetClosingComment(container);
 }
 
 void Description::PropertyMet(QLX_RawPropertyContainer& container, const std::string& name,
@@ -135,10 +154,17 @@ void Description::PropertyMet(QLX_RawPropertyContainer& container, const std::st
     mBehindEnd = false;
 }
 
+void Description::AttributeMet(QLX_RawPropertyContainer& container, const std::string& name,
+                               const std::string& valueText, Place) {
+    if (name == "Identifier")
+        mIdentifiers[&container] = valueText;
+}
+
 void Description::CommentMet(const std::string& text, Place place) {
     if (mBehind && place.mLine == mBehindLine) {
-        // Only the first comment behind an end tag can be the writer's.
-        if (!mBehindEnd || !IsWritersComment(text))
+        // The writer's own says what the end tag closes and is written anew. One that says anything
+        // else is the author's, or names what the container was called before: it is kept.
+        if (!mBehindEnd || text != mClosingComment)
             mBehind->push_back(WithLineEnds(text));
         mBehindEnd = false;
         return;
@@ -151,7 +177,10 @@ void Description::CommentMet(const std::string& text, Place place) {
 
 std::unique_ptr<Description> LoadDescription(const std::string& path) {
     try {
-        return std::make_unique<Description>(path);
+        auto description = std::make_unique<Description>(path);
+        for (const QLX_SourceProblem& problem : description->GetProblems())
+            std::fprintf(stderr, "qlxview: %s\n", problem.ToString().c_str());
+        return description;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qlxview: %s\n", error.what());
         return nullptr;

@@ -3,19 +3,32 @@
 
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "qlx/persistence/qlx_sourceformat.h"
+#include "qlx/persistence/qlx_stringtable.h"
+
+/// What makes a description unreadable, with its place; what() is its text.
+class UnreadableError : public std::runtime_error {
+  public:
+    explicit UnreadableError(QLX_SourceProblem problem)
+        : std::runtime_error(problem.ToString()), mProblem(std::move(problem)) {}
+    [[nodiscard]] const QLX_SourceProblem& GetProblem() const { return mProblem; }
+
+  private:
+    QLX_SourceProblem mProblem;
+};
 
 /// A stored property: where, under which filter, of which type and name.
 using PropertyKey = QLX_SourceComments::PropertyKey;
 
 class Description : private QLX_SourceObserver {
   public:
-    /// Reads with English current. Throws std::runtime_error with a text that names file, line and
-    /// reason.
+    /// Reads with English current. Throws UnreadableError.
     explicit Description(const std::string& path);
 
     [[nodiscard]] const std::string& GetPath() const { return mPath; }
@@ -31,6 +44,12 @@ class Description : private QLX_SourceObserver {
     /// Whether it stands in the file as a property element; text is its value as it stands there.
     /// False for an attribute of a start tag.
     bool GetValueText(const PropertyKey& key, std::string& text) const;
+    /// The text of the "Identifier" attribute as it stands in the start tag; false without one.
+    bool GetIdentifierText(const QLX_RawPropertyContainer* container, std::string& text) const;
+    /// Where a language's string table lies.
+    [[nodiscard]] Sys_FileLoc GetTableLoc(QLX_Language::ELanguage language) const;
+    /// Where a key stands in a language's string table; line 0 when it does not.
+    [[nodiscard]] Place GetKeyPlace(QLX_Language::ELanguage language, const std::string& key) const;
 
     [[nodiscard]] LineEndings GetLineEndings() const { return mLineEndings; }
     /// The canonical text, with the author's comments.
@@ -45,6 +64,8 @@ class Description : private QLX_SourceObserver {
                      const std::string& typeName, const std::string& valueText,
                      const QLX_PropertyFilter& filter, Place place) override;
     void CommentMet(const std::string& text, Place place) override;
+    void AttributeMet(QLX_RawPropertyContainer& container, const std::string& name,
+                      const std::string& valueText, Place place) override;
     void TakePending(std::vector<std::string>& into);
     [[nodiscard]] std::string WithLineEnds(const std::string& text) const;
 
@@ -59,13 +80,16 @@ class Description : private QLX_SourceObserver {
     std::vector<QLX_SourceProblem> mProblems;
     std::map<const QLX_RawPropertyContainer*, Place> mContainers;
     std::map<PropertyKey, StoredProperty> mProperties;
+    std::map<const QLX_RawPropertyContainer*, std::string> mIdentifiers;
+    std::map<QLX_Language::ELanguage, QLX_StringTablePlaces> mKeyPlaces;
     std::vector<std::string> mWrapperLosses;
 
     QLX_SourceComments mComments;
     std::vector<std::string> mPending;           // comments that wait for what follows them
     std::vector<std::string>* mBehind = nullptr; // those behind what was met last, in mComments
     int mBehindLine = 0;
-    bool mBehindEnd = false; // what was met last is an end tag
+    std::string mClosingComment; // the writer's own behind the end tag that was met last
+    bool mBehindEnd = false;     // nothing was met behind that end tag
     int mDepth = 0;
 };
 

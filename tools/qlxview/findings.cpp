@@ -1,6 +1,8 @@
 #include "findings.h"
 
 #include <cstdio>
+#include <cstring>
+#include <map>
 #include <set>
 
 namespace {
@@ -28,6 +30,43 @@ std::string Quoted(const std::string& text) {
         }
     }
     return out + "\"";
+}
+
+/// A path as a URI reference: what a URI may not hold is percent-encoded (RFC 3986).
+std::string URIOf(const std::string& path) {
+    std::string out;
+    for (const char c : path) {
+        char escape[4];
+        const bool plain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
+                           (c >= 'A' && c <= 'Z') || (c && std::strchr("-._~/:@!$&'()*+,;=", c));
+        if (plain) {
+            out += c;
+        } else {
+            std::snprintf(escape, sizeof escape, "%%%02X",
+                          static_cast<unsigned>(static_cast<unsigned char>(c)));
+            out += escape;
+        }
+    }
+    return out;
+}
+
+/// What a rule is about, for those who read a report.
+const char* Explain(const std::string& rule) {
+    static const std::map<std::string, const char*> texts = {
+        {"unreadable", "The file cannot be read"},
+        {"source", "Something in the source is dropped or odd"},
+        {"well-known", "An attribute that an element needs is missing, empty or of another type"},
+        {"hidden", "An attribute keeps a property of the same name from being written"},
+        {"filter", "A layout or language that no look-up selects"},
+        {"value", "A text is taken as another value than it says"},
+        {"class", "A class that is not registered"},
+        {"unread", "A property that its class does not read"},
+        {"string-missing", "A key without a text"},
+        {"string-unused", "A text that no property uses"},
+        {"string-untranslated", "An empty text"},
+        {"string-stale", "A translation of an English text that changed"}};
+    const auto found = texts.find(rule);
+    return found == texts.end() ? "" : found->second;
 }
 
 const char* Level(const Finding& finding) { return finding.mError ? "error" : "warning"; }
@@ -66,11 +105,13 @@ std::string FindingsAsSARIF(const std::vector<Finding>& findings) {
         rules.insert(finding.mRule);
     std::string out = "{\n  \"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
                       "  \"version\": \"2.1.0\",\n  \"runs\": [{\n"
+                      "    \"columnKind\": \"unicodeCodePoints\",\n"
                       "    \"tool\": {\"driver\": {\"name\": \"qlxview\", \"rules\": [";
     const char* separator = "";
     for (const std::string& rule : rules) {
-        out += separator + std::string("{\"id\": ") + Quoted(rule) + "}";
-        separator = ", ";
+        out += separator + std::string("\n      {\"id\": ") + Quoted(rule) +
+               ", \"shortDescription\": {\"text\": " + Quoted(Explain(rule)) + "}}";
+        separator = ",";
     }
     out += "]}},\n    \"results\": [";
     separator = "\n";
@@ -79,7 +120,7 @@ std::string FindingsAsSARIF(const std::vector<Finding>& findings) {
                ", \"level\": \"" + Level(finding) +
                "\", \"message\": {\"text\": " + Quoted(finding.mText) +
                "}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": " +
-               Quoted(finding.mFile) + "}";
+               Quoted(URIOf(finding.mFile)) + "}";
         if (finding.mLine > 0)
             out += ", \"region\": {\"startLine\": " + std::to_string(finding.mLine) +
                    ", \"startColumn\": " + std::to_string(finding.mColumn) + "}";

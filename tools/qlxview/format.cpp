@@ -40,11 +40,10 @@ void FormatFile(const std::string& path, const Options& options) {
     Sys_SafeWriter::Replace(Sys_FileLoc(path), text);
     std::printf("%s: formatted\n", path.c_str());
 }
-} // namespace
 
-void AddFormatCommand(CLI::App& app) {
+void AddFormatCommand(CLI::App& app, const char* name) {
     CLI::App* const command = app.add_subcommand(
-        "format", "Rewrites descriptions in canonical form, with the author's comments");
+        name, "Rewrites descriptions in canonical form, with the author's comments");
     const auto options = std::make_shared<Options>();
     command->add_option("FILE", options->mFiles, "XML sources")->required();
     command->add_flag("--check", options->mCheck,
@@ -57,3 +56,5 @@ void AddFormatCommand(CLI::App& app) {
             FormatFile(path, *options);
     });
 }
+const ToolCommand gFormat(20, "format", AddFormatCommand);
+} // namespace

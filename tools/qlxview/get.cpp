@@ -66,11 +66,10 @@ void Get(const Options& options) {
         gExitStatus = kExitFound;
     }
 }
-} // namespace
 
-void AddGetCommand(CLI::App& app) {
+void AddGetCommand(CLI::App& app, const char* name) {
     CLI::App* const command =
-        app.add_subcommand("get", "Prints one value as a layout and a language see it");
+        app.add_subcommand(name, "Prints one value as a layout and a language see it");
     const auto options = std::make_shared<Options>();
     command->add_option("FILE", options->mFile, "An XML source")->required();
     command->add_option("ELEMENT", options->mElement, "A path, or @ and an identifier")->required();
@@ -82,3 +81,5 @@ void AddGetCommand(CLI::App& app) {
                     "Example: qlxview get views/MixerStrip.xml @fadr Frame --layout Compact");
     command->callback([options] { Get(*options); });
 }
+const ToolCommand gGet(40, "get", AddGetCommand);
+} // namespace

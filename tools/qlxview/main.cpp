@@ -1,13 +1,40 @@
-// qlxview: checks, formats, shows, translates and packs view descriptions.
+// qlxview: checks, formats, shows, translates, compares and packs view descriptions.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <string_view>
+#include <vector>
 
+#include "basekit/cmn/cmn_assert.h"
 #include "basekit/sys/sys_library.h"
 #include "command.h"
 
 int gExitStatus = kExitWell;
+const char* gProgramPath = "qlxview";
+ToolCommand* ToolCommand::sFirst = nullptr;
+
+ToolCommand::ToolCommand(int rank, const char* name, void (*add)(CLI::App& app, const char* name))
+    : mRank(rank), mName(name), mAdd(add), mNext(sFirst) {
+    sFirst = this;
+}
+
+void ToolCommand::AddAll(CLI::App& app) {
+    std::vector<const ToolCommand*> commands;
+    for (const ToolCommand* command = sFirst; command; command = command->mNext)
+        commands.push_back(command);
+    std::sort(commands.begin(), commands.end(), [](const ToolCommand* a, const ToolCommand* b) {
+        return a->mRank != b->mRank ? a->mRank < b->mRank
+                                    : std::string_view(a->mName) < std::string_view(b->mName);
+    });
+    for (const ToolCommand* command : commands)
+        command->mAdd(app, command->mName);
+}
 
 int main(int argc, char** argv) {
+    if (argc > 0)
+        gProgramPath = argv[0];
+    // What the library says by assertion about a file, the tool says with its place.
+    Cmn_SetAssertionHandler([](const char*, const char*, int) {});
     CLI::App app("Checks, formats, shows, translates, compares and packs view descriptions.",
                  "qlxview");
     app.require_subcommand(1);
@@ -22,19 +49,10 @@ int main(int argc, char** argv) {
            },
            "A host's library whose classes are to be known; may be repeated")
         ->type_name("LIB")
+        ->expected(1)
+        ->take_all()
         ->trigger_on_parse();
-    AddCheckCommand(app);
-    AddFormatCommand(app);
-    AddTreeCommand(app);
-    AddGetCommand(app);
-    // DIFF
-    // MERGE
-    // STRINGS
-    AddPackCommand(app);
-    AddUnpackCommand(app);
-    AddListCommand(app);
-    // SCHEMA
-    // GIT
+    ToolCommand::AddAll(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

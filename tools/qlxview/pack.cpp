@@ -104,11 +104,10 @@ void List(const Options& options) {
         std::printf("%10llu  %s\n", static_cast<unsigned long long>(format.GetPackedSize(name)),
                     name.c_str());
 }
-} // namespace
 
-void AddPackCommand(CLI::App& app) {
+void AddPackCommand(CLI::App& app, const char* name) {
     CLI::App* const command =
-        app.add_subcommand("pack", "Compiles descriptions and their string tables into one file");
+        app.add_subcommand(name, "Compiles descriptions and their string tables into one file");
     const auto options = std::make_shared<Options>();
     command->add_option("FILE", options->mFiles, "XML sources")->required();
     command->add_option("-o,--output", options->mOutput, "The pack file, replaced if it is there")
@@ -118,9 +117,10 @@ void AddPackCommand(CLI::App& app) {
     command->footer("Example: qlxview pack --verify -o views.qlxpack views/*.xml");
     command->callback([options] { Pack(*options); });
 }
+const ToolCommand gPack(70, "pack", AddPackCommand);
 
-void AddUnpackCommand(CLI::App& app) {
-    CLI::App* const command = app.add_subcommand("unpack", "Writes the sources of a pack file");
+void AddUnpackCommand(CLI::App& app, const char* name) {
+    CLI::App* const command = app.add_subcommand(name, "Writes the sources of a pack file");
     const auto options = std::make_shared<Options>();
     command->add_option("PACK", options->mOutput, "The pack file")->required();
     command->add_option("NAME", options->mFiles, "Which descriptions; without a name all");
@@ -128,12 +128,15 @@ void AddUnpackCommand(CLI::App& app) {
     command->footer("Example: qlxview unpack views.qlxpack -C /tmp/views Transport");
     command->callback([options] { Unpack(*options); });
 }
+const ToolCommand gUnpack(71, "unpack", AddUnpackCommand);
 
-void AddListCommand(CLI::App& app) {
+void AddListCommand(CLI::App& app, const char* name) {
     CLI::App* const command =
-        app.add_subcommand("list", "Names the descriptions of a pack file with their sizes");
+        app.add_subcommand(name, "Names the descriptions of a pack file with their sizes");
     const auto options = std::make_shared<Options>();
     command->add_option("PACK", options->mOutput, "The pack file")->required();
     command->footer("Example: qlxview list views.qlxpack");
     command->callback([options] { List(*options); });
 }
+const ToolCommand gList(72, "list", AddListCommand);
+} // namespace

@@ -58,11 +58,9 @@ void PrintElement(const QLX_RawPropertyContainer& container, int depth, const Op
     for (const auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
         PrintElement(*child, depth + 1, options, description, language);
 }
-} // namespace
 
-void AddTreeCommand(CLI::App& app) {
-    CLI::App* const command =
-        app.add_subcommand("tree", "Shows a description as a readable outline");
+void AddTreeCommand(CLI::App& app, const char* name) {
+    CLI::App* const command = app.add_subcommand(name, "Shows a description as a readable outline");
     const auto options = std::make_shared<Options>();
     command->add_option("FILE", options->mFile, "An XML source")->required();
     CLI::Option* const layout =
@@ -85,3 +83,5 @@ void AddTreeCommand(CLI::App& app) {
         PrintElement(*description->GetRoot(), 0, *options, *description, filter.GetLanguage());
     });
 }
+const ToolCommand gTree(30, "tree", AddTreeCommand);
+} // namespace

@@ -1,0 +1,44 @@
+#include "run_tool.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
+
+#include "basekit/sys/sys_file.h"
+
+ToolRun RunTool(const std::string& arguments) {
+    std::string program = QLX_TEST_OUTPUT "/../bin/qlxview";
+#ifdef _WIN32
+    std::replace(program.begin(), program.end(), '/', '\\');
+#endif
+    const std::string out = QLX_TEST_OUTPUT "/qlxview.out";
+    const std::string err = QLX_TEST_OUTPUT "/qlxview.err";
+    int status = std::system((program + " " + arguments + " >" + out + " 2>" + err).c_str());
+#ifndef _WIN32
+    status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+    return {status, ReadText(out), ReadText(err)};
+}
+
+std::string FreshFolder(const std::string& name) {
+    const std::string folder = QLX_TEST_OUTPUT "/" + name;
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
+std::string ReadText(const std::string& path) {
+    std::string text = Sys_File::ReadAll(Sys_FileLoc(path));
+#ifdef _WIN32
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+#endif
+    return text;
+}
+
+void WriteText(const std::string& path, const std::string& text) {
+    Sys_SafeWriter::Replace(Sys_FileLoc(path), text);
+}
