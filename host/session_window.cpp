@@ -177,6 +177,7 @@ void TSessionWindow::SetLook(const SessionLook& look) {
     QLX_Language::SetCurrentLanguage(look.mLanguage);
     mMemento->GetRoot()->SetCurrentFilter(
         QLX_PropertyFilter::MakeFilter(look.mLayout, look.mLanguage));
+    TakeSizeOfLayout();
     TViewServer::Get()->ReReadHierarchy(this, mMemento);
     for (auto [identifier, value] : {std::pair(Cmn_FourChar("layo"), LayoutNumber(look.mLayout)),
                                      {Cmn_FourChar("lang"), LanguageNumber(look.mLanguage)},
@@ -189,6 +190,16 @@ void TSessionWindow::SetLook(const SessionLook& look) {
     mShownPosition = -1;
     ShowPosition();
     ForceRedraw();
+}
+
+// A layout brings its size. The same layout in another language keeps the user's.
+void TSessionWindow::TakeSizeOfLayout() {
+    if (mLook.mLayout == mShownLayout)
+        return;
+    mShownLayout = mLook.mLayout;
+    VPoint size;
+    if (mMemento->GetRoot()->GetChildren("view").front()->GetPointProperty("Size", size))
+        SetFrame(VRect(VPoint(0, 0), size), /*redraw*/ true, /*layOut*/ true);
 }
 
 void TSessionWindow::ApplyFormats() {

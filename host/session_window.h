@@ -76,6 +76,7 @@ class TSessionWindow : public TWindow {
 
     void WireViews();
     void MakeMenus();
+    void TakeSizeOfLayout();
     void ApplyFormats();
     void ApplyRates();
     void ShowModel();
@@ -89,6 +90,7 @@ class TSessionWindow : public TWindow {
     std::shared_ptr<Audio_PeakPyramid> mPeaks;
     MementoPtr mMemento; // counted
     SessionLook mLook;
+    std::string mShownLayout; // the size of the window is this one's, or the user's
     SessionState mBeforeDrag; // what undo goes back to when a drag has ended
     bool mDragging = false;
     TNumericEntryText* mLabels = nullptr; // owned; in no window: it turns frames into texts

@@ -114,8 +114,9 @@ QLX_Font TControl::GetControlFont() const {
 }
 
 void TControl::DoFocus(const PainterPtr& painter) {
-    painter->SetFont(GetControlFont());
     TView::DoFocus(painter);
+    if (mFontNumber != 0 || mFontStyle != 0 || mFontSize > 0)
+        painter->SetFont(GetControlFont());
 }
 
 bool TControl::ShowsFocus() { return IsTarget(); }
