@@ -181,10 +181,12 @@ void TButton::Pushed() {
 }
 
 void TButton::DoKeyEvent(TToolboxEvent* event) {
-    if (event->mKeyCode == kDAW_Key_Return && IsEnabled())
-        Push();
-    else
+    if (event->mKeyCode == kDAW_Key_Return && IsEnabled()) {
+        if (!event->IsAutoKeyEvent()) // a held key pushes once
+            Push();
+    } else {
         TButtonBase::DoKeyEvent(event);
+    }
 }
 
 void TButton::Draw(const VRect&) {

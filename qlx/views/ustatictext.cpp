@@ -60,6 +60,12 @@ void TStaticText::Draw(const VRect&) {
                          /*erase*/ false);
 }
 
+void TStaticText::SetWrap(bool wrap, bool redraw) {
+    mWrap = wrap;
+    if (redraw)
+        ForceRedraw();
+}
+
 void TStaticText::GetAccessibleInfo(TAccessibleInfo& info) const {
     TControl::GetAccessibleInfo(info);
     info.mRole = "text";

@@ -20,6 +20,7 @@ class QLX_API TStaticText : public TControl {
     void SetJustification(QLX_Painter::EJustification horizontal,
                           QLX_Painter::EVerticalJustification vertical, bool redraw);
     void SetTextColor(EThemeColor color) { mTextColor = color; }
+    void SetWrap(bool wrap, bool redraw);
 
     void Draw(const VRect& area) override;
     void GetAccessibleInfo(TAccessibleInfo& info) const override;

@@ -15,6 +15,7 @@
 #include "qlx/views/utracker.h"
 #include "qlx/views/uviewserver.h"
 #include "qlx/views/uviewtooltip.h"
+#include "qlx/views/uwindowmodal.h"
 #include "qlx/views/uwindowstate.h"
 
 QLX_DEFINE_CLASS(TWindow, TInvalidateView);
@@ -171,6 +172,7 @@ void TWindow::Close() {
     mState->closedPorts.back()->Show(false);
     if (mState->delivering == 0)
         mState->closedPorts.clear();
+    QLX_ModalWindows::WindowClosed(this);
     if (mState->freeOnClose)
         Free();
 }

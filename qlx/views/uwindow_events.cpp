@@ -11,6 +11,7 @@
 #include "qlx/views/uinspector.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uviewtooltip.h"
+#include "qlx/views/uwindowmodal.h"
 #include "qlx/views/uwindowstate.h"
 
 namespace {
@@ -34,10 +35,31 @@ void Guarded(const char* what, Call&& call) {
 
 } // namespace
 
+namespace {
+
+/// What the user does, as opposed to what becomes of the window. Releases go through, so that a
+/// window that was blocked in the middle of a press does not take the button for held.
+bool IsUserInput(const QLX_EventID& event) {
+    if (event.mClass == kQLX_EventClass_Window)
+        return event.mKind == kQLX_EventKind_CloseRequested;
+    if (event.mClass == kQLX_EventClass_Mouse)
+        return event.mKind != kQLX_EventKind_MouseUp && event.mKind != kQLX_EventKind_MouseLeft &&
+               event.mKind != kQLX_EventKind_CaptureLost;
+    return event.mClass == kQLX_EventClass_Keyboard && event.mKind != kQLX_EventKind_KeyUp;
+}
+
+} // namespace
+
 void TWindow::Deliver(const QLX_EventRef& event) {
     if (event.IsEmpty())
         return;
     const StDispatch dispatch;
+    if (IsUserInput(event.GetID()) && QLX_ModalWindows::IsBlocked(this)) {
+        TWindow* modal = QLX_ModalWindows::GetInnermost();
+        if (event.GetID().mKind == kQLX_EventKind_MouseDown && modal)
+            modal->Activate();
+        return;
+    }
     if (gApplication)
         gApplication->EndIdleTime();
     if (EventListener* listener = GetEventListener())
