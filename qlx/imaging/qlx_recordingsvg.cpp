@@ -6,6 +6,7 @@
 #include "qlx/imaging/qlx_path.h"
 #include "qlx/imaging/qlx_recording.h"
 #include "qlx/imaging/qlx_textlayout.h"
+#include "qlx/imaging/qlx_utf8.h"
 
 namespace {
 
@@ -21,17 +22,24 @@ namespace {
     return Attribute(name, Number(value));
 }
 
+// What XML 1.0 has no character for becomes U+FFFD; a reader would refuse the whole file.
 [[nodiscard]] std::string Escaped(std::string_view text) {
     std::string out;
-    for (const char character : text) {
-        if (character == '&')
+    for (std::size_t place = 0; place < text.size();) {
+        const std::size_t begin = place;
+        const char32_t code = QLX_NextCodePoint(text, place);
+        if (code == '&')
             out += "&amp;";
-        else if (character == '<')
+        else if (code == '<')
             out += "&lt;";
-        else if (character == '"')
+        else if (code == '"')
             out += "&quot;";
+        else if (code < 0x20)
+            out += ' ';
+        else if (code == kReplacementCharacter || code == 0xFFFE || code == 0xFFFF)
+            out += "\xEF\xBF\xBD";
         else
-            out += static_cast<unsigned char>(character) < 0x20 ? ' ' : character;
+            out += text.substr(begin, place - begin);
     }
     return out;
 }

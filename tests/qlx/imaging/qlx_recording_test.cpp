@@ -136,6 +136,16 @@ TEST(Recording, WhatIsNoRecordingIsToldWithItsPlace) {
     }
 }
 
+TEST(Recording, AnSVGHoldsNothingThatXMLRefuses) {
+    const auto p = NewRecorder();
+    p->DrawString("a<b & \"c\"\x01\xFF\xC3(\xED\xA0\x80\xEF\xBF\xBF\xE2\x82\xAC");
+    const std::string svg = RecordingOf(p).AsSVG();
+    constexpr const char* kBad = "\xEF\xBF\xBD";
+    const std::string expected = std::string(">a&lt;b &amp; &quot;c&quot; ") + kBad + kBad + "(" +
+                                 kBad + kBad + kBad + kBad + "\xE2\x82\xAC</text>";
+    EXPECT_NE(svg.find(expected), std::string::npos) << svg;
+}
+
 TEST(Recording, NothingIsRecordedOnceTheTargetIsGone) {
     const auto p = NewRecorder();
     const auto clone = p->Clone();
