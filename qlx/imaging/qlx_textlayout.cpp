@@ -51,15 +51,13 @@ constexpr float kSlack = 1.0F / 64;
 
 } // namespace
 
-void QLX_TextLayout::AddLine(std::size_t begin, std::size_t end, float width, bool paragraphEnd) {
+// The line is measured as one: in scripts that join letters it is narrower than its characters.
+void QLX_TextLayout::AddLine(std::size_t begin, std::size_t end, bool paragraphEnd) {
     Line line;
     line.begin = begin;
     line.end = WithoutTrailingSpaces(mText, begin, end);
     line.paragraphEnd = paragraphEnd;
-    line.width =
-        line.end == end
-            ? width
-            : QLX_TextMeasure::Get().MeasureWidth(mFont, mText.substr(begin, line.end - begin));
+    line.width = QLX_TextMeasure::Get().MeasureWidth(mFont, mText.substr(begin, line.end - begin));
     mLines.push_back(line);
 }
 
@@ -69,7 +67,7 @@ void QLX_TextLayout::BreakParagraph(std::size_t begin, std::size_t end, float wi
                                     QLX_Painter::EWrapKind wrap) {
     QLX_TextMeasure& measure = QLX_TextMeasure::Get();
     if (wrap == QLX_Painter::kWrap_None || begin == end) {
-        AddLine(begin, end, measure.MeasureWidth(mFont, mText.substr(begin, end - begin)), true);
+        AddLine(begin, end, true);
         return;
     }
     std::size_t lineBegin = begin, breakPlace = begin;
@@ -91,14 +89,14 @@ void QLX_TextLayout::BreakParagraph(std::size_t begin, std::size_t end, float wi
                 breakPlace = characterBegin;
                 widthAtBreak = lineWidth;
             }
-            AddLine(lineBegin, breakPlace, widthAtBreak, false);
+            AddLine(lineBegin, breakPlace, false);
             lineBegin = breakPlace;
             lineWidth -= widthAtBreak;
         }
         lineWidth += advance;
         previous = code;
     }
-    AddLine(lineBegin, end, lineWidth, true);
+    AddLine(lineBegin, end, true);
 }
 
 void QLX_TextLayout::LayOut(std::string_view text, const QLX_Font& font, float width,

@@ -50,7 +50,7 @@ class QLX_API QLX_TextLayout {
   private:
     void BreakParagraph(std::size_t begin, std::size_t end, float width,
                         QLX_Painter::EWrapKind wrap);
-    void AddLine(std::size_t begin, std::size_t end, float width, bool paragraphEnd);
+    void AddLine(std::size_t begin, std::size_t end, bool paragraphEnd);
     void PlaceJustified(const Line& line, std::string_view text, float left, float width,
                         int baseline);
     [[nodiscard]] std::string_view Shorten(std::string_view text, float width, bool force,
