@@ -1,5 +1,5 @@
 // Draws the contact sheet of the painter: every operation, mode, pattern, text box and saver, at
-// scale 1 and 2, as pictures, as a recording and as SVG.
+// scales 1, 1.25, 1.5 and 2, as pictures, as a recording and as SVG.
 //
 //   painter_sheet [FOLDER]      writes into FOLDER (default: the current one)
 
@@ -39,6 +39,7 @@ int main(int argumentCount, char** arguments) {
     if (QLX_PainterFactory::Find("cairo"))
         good = WritePicture(folder + "painter-sheet-1x.png", 1) &&
                WritePicture(folder + "painter-sheet-1.25x.png", 1.25) &&
+               WritePicture(folder + "painter-sheet-1.5x.png", 1.5) &&
                WritePicture(folder + "painter-sheet-2x.png", 2);
     const QLX_Painter::Ptr recorder(
         new QLX_PainterRecording(kPainterSheetWidth, kPainterSheetHeight));

@@ -33,11 +33,43 @@ QLX_Image::Ptr Sample(int size) {
     return image;
 }
 
+/// A button's face whose parts can be told apart: corners, edges, middle, a unit's border.
+QLX_Image::Ptr Button(int scale) {
+    const int size = 24 * scale, corner = 6 * scale;
+    const QLX_Image::Ptr image = QLX_Image::Create(size, size);
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x) {
+            const bool inCornerX = x < corner || x >= size - corner;
+            const bool inCornerY = y < corner || y >= size - corner;
+            const int outer = std::min({x, y, size - 1 - x, size - 1 - y});
+            std::uint32_t pixel = inCornerX && inCornerY   ? 0xFFD08040
+                                  : inCornerX || inCornerY ? 0xFFA0C0E0
+                                                           : 0xFFE8F0F8;
+            if (outer < scale)
+                pixel = 0xFF204080;
+            if (inCornerX && inCornerY && outer == 0 &&
+                std::min(x, size - 1 - x) + std::min(y, size - 1 - y) < 3 * scale)
+                pixel = 0;
+            image->GetWritablePixels()[y * size + x] = pixel;
+        }
+    image->PixelsChanged();
+    return image;
+}
+
+constexpr const char* kModeNames[kPenMode_Count] = {
+    "copy",    "or",    "xor", "bic",      "not copy", "not or",  "not xor",
+    "not bic", "blend", "add", "subtract", "maximum",  "minimum", "transparent"};
+constexpr const char* kPatternNames[kPenPattern_Count] = {
+    "solid",    "dark gray", "gray",  "light gray", "empty", "horizontal",
+    "vertical", "diagonal",  "cross", "dash",       "dots"};
+
 class Sheet {
   public:
     Sheet(const QLX_Painter::Ptr& painter, unsigned parts) : p(painter), mParts(parts) {
         mImage = Sample(24);
         mImage->SetDouble(Sample(48));
+        mButton = Button(1);
+        mButton->SetDouble(Button(2));
     }
 
     void Draw() {
@@ -84,6 +116,17 @@ class Sheet {
         mX += width + 8;
         mRow = std::max(mRow, height + 8);
         return cell;
+    }
+
+    /// What a cell shows, under it.
+    void Label(const Cell& c, const char* text) {
+        if (!Has(kSheet_Texts))
+            return;
+        const QLX_StPaintState state(p);
+        p->SetForegroundColor(CRGBColor(0x5050, 0x5050, 0x5050));
+        p->SetFont(QLX_FontMap::RetrieveFont(kFont_InterfaceSmall, kFontSelect_Plain));
+        p->MoveTo(float(c.left), float(c.bottom - 2), QLX_Painter::kResolution_Logical);
+        p->DrawString(text);
     }
 
     void Shapes() {
@@ -191,14 +234,15 @@ class Sheet {
     void Modes() {
         Caption("Pen modes copy to transparent, fills above, text and images below");
         for (int mode = 0; mode < kPenMode_Count; ++mode) {
-            const Cell c = Next(42, 62);
+            const Cell c = Next(58, 76);
+            Label(c, kModeNames[mode]);
             p->SetForegroundColor(kGray);
-            p->FillRect({c.left, c.top, c.left + 21, c.bottom});
+            p->FillRect({c.left, c.top, c.left + 21, c.top + 62});
             p->SetForegroundColor(CRGBColor(0xA0A0, 0x6060, 0x2020));
-            p->FillRect({c.left, c.top + 6, c.right, c.top + 12});
+            p->FillRect({c.left, c.top + 6, c.left + 42, c.top + 12});
             p->SetForegroundColor(kInk);
             p->SetPenMode(EPenMode(mode));
-            p->FillRect({c.left + 4, c.top + 2, c.right - 4, c.top + 16});
+            p->FillRect({c.left + 4, c.top + 2, c.left + 38, c.top + 16});
             p->SetTextMode(EPenMode(mode));
             p->SetFont(QLX_FontMap::RetrieveFont(kFont_Interface, kFontSelect_Bold));
             p->MoveTo(float(c.left + 2), float(c.top + 30), QLX_Painter::kResolution_Logical);
@@ -215,7 +259,8 @@ class Sheet {
         p->SetForegroundColor(kInk);
         p->SetBackgroundColor(CRGBColor(0xFFFF, 0xF0F0, 0xC0C0));
         for (int pattern = 0; pattern < kPenPattern_Count; ++pattern) {
-            const Cell c = Next(58, 40);
+            const Cell c = Next(58, 54);
+            Label(c, kPatternNames[pattern]);
             p->SetPenPattern(EPenPattern(pattern));
             p->FillRect({c.left, c.top, c.left + 24, c.top + 24});
             p->SetPenMode(kPenMode_Transparent);
@@ -293,10 +338,11 @@ class Sheet {
                             QLX_Painter::kResolution_Logical);
         QLX_Icon icon(mImage);
         p->DrawIcon(icon, Next(40, 40));
+        p->DrawImage(mButton, Next(24, 24), kPenMode_Copy);
         const QLX_StOriginState origin(p);
         c = Next(90, 40);
         p->SetWindowOrigin({-c.left, -c.top});
-        p->OptimizedDrawBackgroundImage(mImage, 90, 40, 6, QLX_Painter::kResolution_Logical);
+        p->OptimizedDrawBackgroundImage(mButton, 90, 40, 6, QLX_Painter::kResolution_Logical);
         p->SetWindowOrigin({0, 0});
         c = Next(120, 30);
         const int xs[] = {c.left, c.left + 30, c.left + 60, c.left + 90};
@@ -385,8 +431,32 @@ class Sheet {
     }
 
     void Savers() {
-        Caption("Savers: clip and its differences, origin, theme colours");
-        Cell c = Next(60, 44);
+        Caption("Savers: pen and colours (before, within, after), copies, clip, origin; canvases");
+        Cell c = Next(80, 44);
+        p->SetForegroundColor(kInk);
+        p->DrawRect({c.left, c.top, c.left + 24, c.bottom});
+        {
+            const QLX_StPenState pen(p);
+            const QLX_StColorState colors(p);
+            p->SetForegroundColor(kRed);
+            p->SetPenSize(4, 2);
+            p->SetPenPattern(kPenPattern_Gray);
+            p->DrawRect({c.left + 28, c.top, c.left + 52, c.bottom});
+        }
+        p->DrawRect({c.left + 56, c.top, c.right, c.bottom});
+        c = Next(80, 44);
+        {
+            QLX_StColorState saved(p);
+            p->SetForegroundColor(kGreen);
+            const QLX_StColorState green(p);
+            p->SetForegroundColor(kRed);
+            p->FillRect({c.left, c.top, c.left + 24, c.bottom});
+            { const QLX_StColorState copy(green); } // puts green back
+            saved.Release();
+            p->FillRect({c.left + 28, c.top, c.left + 52, c.bottom});
+        }
+        p->FillRect({c.left + 56, c.top, c.right, c.bottom}); // still green: the first was released
+        c = Next(60, 44);
         p->SetForegroundColor(kInk);
         {
             QLX_StClipRgnState clip(p, Cell(c.left, c.top, c.right - 10, c.bottom - 4));
@@ -441,6 +511,7 @@ class Sheet {
     QLX_Painter::Ptr p;
     unsigned mParts;
     QLX_Image::Ptr mImage;
+    QLX_Image::Ptr mButton;
     int mX = 10;
     int mY = 4;
     int mRow = 0;

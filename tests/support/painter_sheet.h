@@ -5,7 +5,7 @@
 #include "qlx/imaging/qlx_painter.h"
 
 inline constexpr int kPainterSheetWidth = 760;
-inline constexpr int kPainterSheetHeight = 720;
+inline constexpr int kPainterSheetHeight = 850;
 
 /// What of the sheet is drawn. Shapes depend on arithmetic alone, texts on fonts too.
 enum EPainterSheetPart : unsigned {

@@ -11,16 +11,17 @@
 
 namespace {
 
-// Whole pixel and quarter of a place on the line.
+// Whole pixel and quarter of a place on the line, which is above -2^28.
 struct PenPlace {
     int pixel;
     int quarter;
     explicit PenPlace(double x) noexcept {
-        const double quarters =
-            std::floor(std::clamp(x, -1e8, 1e8) * QLX_SizedFont::kQuarters + 0.5);
-        const auto whole = std::int64_t(quarters);
-        pixel = int(whole >> 2);
-        quarter = int(whole & 3);
+        // Made positive for a moment: truncating is what processors do at once.
+        constexpr double kUp = 1 << 30;
+        const auto quarters =
+            std::int64_t(std::min(x, 1e8) * QLX_SizedFont::kQuarters + (kUp + 0.5)) - (1 << 30);
+        pixel = int(quarters >> 2);
+        quarter = int(quarters & 3);
     }
 };
 static_assert(QLX_SizedFont::kQuarters == 4);

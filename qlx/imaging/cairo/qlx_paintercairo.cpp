@@ -201,6 +201,15 @@ bool QLX_PainterCairo::GetOffscreenBuffer(void** bits, int* width, int* height, 
 
 Cmn_Rect<int> QLX_PainterCairo::ToCanvas(const Cmn_Rect<int>& local,
                                          EResolution resolution) const noexcept {
+    if (mScale.IsOne()) { // the usual case, in which both resolutions are one
+        const auto x = [&](int edge) {
+            return Cmn_ClampTo<int>(std::int64_t{edge} - mWindowOrigin.x - mDeviceCorner.x);
+        };
+        const auto y = [&](int edge) {
+            return Cmn_ClampTo<int>(std::int64_t{edge} - mWindowOrigin.y - mDeviceCorner.y);
+        };
+        return {x(local.left), y(local.top), x(local.right), y(local.bottom)};
+    }
     return MovedBack(ToDevice(local, resolution), mDeviceCorner);
 }
 
@@ -260,7 +269,7 @@ QLX_SpanPaint QLX_PainterCairo::PlainPaint(const CRGBColor& color,
                                            EAlphaBlendType blend) const noexcept {
     QLX_SpanPaint paint;
     paint.color = color.AsInt32() | 0xFF000000;
-    paint.alpha = blend == kAlphaBlend_Ignore ? Byte(mAlpha) : AlphaOf(color);
+    paint.alpha = blend != kAlphaBlend_Ignore ? AlphaOf(color) : mAlpha == 1 ? 255 : Byte(mAlpha);
     paint.mode = blend == kAlphaBlend_Add ? kPenMode_Add : kPenMode_Copy;
     return paint;
 }
@@ -287,6 +296,15 @@ QLX_SpanPaint QLX_PainterCairo::TextPaint() const noexcept {
 
 void QLX_PainterCairo::Fill(const Cmn_Rect<int>& canvasRect, const QLX_SpanPaint& paint) {
     const QLX_Surface& surface = mCanvas->GetSurface();
+    if (DeviceClip().size() == 1) { // its only rectangle
+        const Cmn_Rect<int> part(std::max(canvasRect.left, mClipBounds.left),
+                                 std::max(canvasRect.top, mClipBounds.top),
+                                 std::min(canvasRect.right, mClipBounds.right),
+                                 std::min(canvasRect.bottom, mClipBounds.bottom));
+        if (part.left < part.right && part.top < part.bottom)
+            QLX_FillSpans(surface, part, paint);
+        return;
+    }
     ForClipped(canvasRect, [&](const Cmn_Rect<int>& part) { QLX_FillSpans(surface, part, paint); });
 }
 

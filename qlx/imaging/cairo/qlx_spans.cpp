@@ -27,16 +27,17 @@ constexpr std::uint32_t kAlphaMask = 0xFF000000;
     return low | high;
 }
 
-// a by weight and b by the rest of 255, added and rounded once, in all four bytes. A lane holds at
-// most 255 * 255.
+// a by weight and b by the rest, added and rounded once, in all four bytes. The weight is stretched
+// to 0 to 256, so that shifting divides and full weight is exact; a lane holds at most 255 * 256 +
+// 128.
 [[nodiscard]] constexpr std::uint32_t Mixed(std::uint32_t a, std::uint32_t b,
                                             unsigned weight) noexcept {
-    const unsigned rest = 255 - weight;
-    std::uint32_t low = (a & 0x00FF00FF) * weight + (b & 0x00FF00FF) * rest + 0x00800080;
-    std::uint32_t high = (a >> 8 & 0x00FF00FF) * weight + (b >> 8 & 0x00FF00FF) * rest + 0x00800080;
-    low = (low + (low >> 8 & 0x00FF00FF)) >> 8 & 0x00FF00FF;
-    high = (high + (high >> 8 & 0x00FF00FF)) & 0xFF00FF00;
-    return low | high;
+    weight += weight >> 7;
+    const unsigned rest = 256 - weight;
+    const std::uint32_t low = (a & 0x00FF00FF) * weight + (b & 0x00FF00FF) * rest + 0x00800080;
+    const std::uint32_t high =
+        (a >> 8 & 0x00FF00FF) * weight + (b >> 8 & 0x00FF00FF) * rest + 0x00800080;
+    return (low >> 8 & 0x00FF00FF) | (high & 0xFF00FF00);
 }
 
 template <class Operation>
@@ -237,45 +238,99 @@ void CoverRow(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_S
 }
 
 #if defined(__SSE2__)
-// Four pixels at once, equal to Covered in every byte. color * w + d * (255 - w) is d * 255 +
-// (color - d) * w; the difference may be negative, but the sum fits a lane, so what wraps on the
-// way unwraps.
-inline void CoverFour(std::uint32_t* p, __m128i weights, __m128i color, __m128i opaque) noexcept {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i d = _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), opaque);
-    // weights: four 16-bit values in the low half; each is wanted four times over
-    const __m128i pairs = _mm_unpacklo_epi16(weights, weights);
-    const auto half = [&](__m128i bytes, __m128i weight) {
-        const __m128i full = _mm_sub_epi16(_mm_slli_epi16(bytes, 8), bytes);
-        return Divide255(_mm_add_epi16(full, _mm_mullo_epi16(_mm_sub_epi16(color, bytes), weight)));
-    };
-    const __m128i low = half(_mm_unpacklo_epi8(d, zero), _mm_unpacklo_epi32(pairs, pairs));
-    const __m128i high = half(_mm_unpackhi_epi8(d, zero), _mm_unpackhi_epi32(pairs, pairs));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(low, high));
-}
+// Covers rows of one colour four and eight pixels at once, equal to Covered in every byte: d * 256
+// + 128 + (color - d) * weight, shifted. The difference may be negative, but the sum fits a lane,
+// so what wraps on the way unwraps.
+class WideCover {
+  public:
+    WideCover(const QLX_SpanPaint& paint, bool hasAlpha) noexcept
+        : mColor(_mm_set1_epi32(int(paint.color))),
+          mColorLanes(_mm_unpacklo_epi8(mColor, _mm_setzero_si128())),
+          mOpaque(hasAlpha ? _mm_setzero_si128() : _mm_set1_epi32(int(kAlphaMask))),
+          mAlpha(_mm_set1_epi16(short(paint.alpha))), mWhole(paint.alpha == 255) {}
 
-void CoverRowWide(std::uint32_t* p, const std::uint8_t* mask, int count, const QLX_SpanPaint& paint,
-                  bool hasAlpha) noexcept {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i color = _mm_unpacklo_epi8(_mm_set1_epi32(int(paint.color)), zero);
-    const __m128i opaque = hasAlpha ? zero : _mm_set1_epi32(int(kAlphaMask));
-    const __m128i alpha = _mm_set1_epi16(short(paint.alpha));
-    int i = 0;
-    for (; i + 4 <= count; i += 4) {
+    void Four(std::uint32_t* p, const std::uint8_t* mask) const noexcept {
         std::int32_t four;
-        std::memcpy(&four, mask + i, 4);
+        std::memcpy(&four, mask, 4);
         if (four == 0)
-            continue;
-        __m128i weights = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), zero);
-        if (paint.alpha != 255)
-            weights = Divide255(_mm_mullo_epi16(weights, alpha));
-        else if (four == -1) {
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(p + i), _mm_set1_epi32(int(paint.color)));
-            continue;
+            return;
+        if (four == -1 && mWhole) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(p), mColor);
+            return;
         }
-        CoverFour(p + i, weights, color, opaque);
+        const __m128i weights = Weights(_mm_cvtsi32_si128(four));
+        Lay(p, _mm_unpacklo_epi16(weights, weights));
     }
-    CoverRow(p + i, mask + i, count - i, paint, hasAlpha);
+    void Eight(std::uint32_t* p, const std::uint8_t* mask) const noexcept {
+        std::int64_t eight;
+        std::memcpy(&eight, mask, 8);
+        if (eight == 0)
+            return;
+        const __m128i weights = Weights(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(mask)));
+        Lay(p, _mm_unpacklo_epi16(weights, weights));
+        Lay(p + 4, _mm_unpackhi_epi16(weights, weights));
+    }
+
+  private:
+    // Eight coverages as weights of 0 to 256.
+    [[nodiscard]] __m128i Weights(__m128i coverages) const noexcept {
+        __m128i weights = _mm_unpacklo_epi8(coverages, _mm_setzero_si128());
+        if (!mWhole)
+            weights = Divide255(_mm_mullo_epi16(weights, mAlpha));
+        return _mm_add_epi16(weights, _mm_srli_epi16(weights, 7));
+    }
+    // weights: those of four pixels, each twice.
+    void Lay(std::uint32_t* p, __m128i weights) const noexcept {
+        const __m128i zero = _mm_setzero_si128();
+        const __m128i half = _mm_set1_epi8(char(0x80));
+        const __m128i d =
+            _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), mOpaque);
+        const __m128i lowDifference = _mm_sub_epi16(mColorLanes, _mm_unpacklo_epi8(d, zero));
+        const __m128i highDifference = _mm_sub_epi16(mColorLanes, _mm_unpackhi_epi8(d, zero));
+        const __m128i low =
+            _mm_add_epi16(_mm_unpacklo_epi8(half, d),
+                          _mm_mullo_epi16(lowDifference, _mm_unpacklo_epi32(weights, weights)));
+        const __m128i high =
+            _mm_add_epi16(_mm_unpackhi_epi8(half, d),
+                          _mm_mullo_epi16(highDifference, _mm_unpackhi_epi32(weights, weights)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
+                         _mm_packus_epi16(_mm_srli_epi16(low, 8), _mm_srli_epi16(high, 8)));
+    }
+
+    __m128i mColor, mColorLanes, mOpaque, mAlpha;
+    bool mWhole;
+};
+
+// Glyphs are 4 to 16 pixels wide, so rows are short and many: what they share is made once.
+void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
+               int maskRow, int taken, const QLX_SpanPaint& paint) noexcept {
+    const WideCover cover(paint, surface.hasAlpha);
+    std::uint32_t* row = surface.At(rect.left, rect.top);
+    const std::ptrdiff_t next = surface.rowPixels;
+    int rows = rect.bottom - rect.top;
+    if (taken == 8) {
+        for (; rows > 0; --rows, row += next, mask += maskRow)
+            cover.Eight(row, mask);
+        return;
+    }
+    if (taken == 4) {
+        for (; rows > 0; --rows, row += next, mask += maskRow)
+            cover.Four(row, mask);
+        return;
+    }
+    for (; rows > 0; --rows, row += next, mask += maskRow) {
+        int i = 0;
+        for (; i + 4 <= taken; i += 4)
+            cover.Four(row + i, mask + i);
+        if (i < taken)
+            CoverRow(row + i, mask + i, taken - i, paint, surface.hasAlpha);
+    }
+}
+#else
+void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
+               int maskRow, int taken, const QLX_SpanPaint& paint) noexcept {
+    for (int y = rect.top; y < rect.bottom; ++y, mask += maskRow)
+        CoverRow(surface.At(rect.left, y), mask, taken, paint, surface.hasAlpha);
 }
 #endif
 
@@ -343,12 +398,10 @@ void FillOpaque(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
 
 } // namespace
 
-void QLX_FillSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
-                   const QLX_SpanPaint& paint) noexcept {
-    if (paint.mode == kPenMode_Copy && paint.alpha == 255 && !paint.pattern) {
-        FillOpaque(surface, rect, paint.color);
-        return;
-    }
+namespace {
+
+void FillGeneral(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                 const QLX_SpanPaint& paint) noexcept {
     const int count = rect.right - rect.left;
     for (int y = rect.top; y < rect.bottom; ++y) {
         std::uint32_t* row = surface.At(rect.left, y);
@@ -361,25 +414,29 @@ void QLX_FillSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
     }
 }
 
+} // namespace
+
+void QLX_FillSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                   const QLX_SpanPaint& paint) noexcept {
+    if (paint.mode == kPenMode_Copy && paint.alpha == 255 && !paint.pattern)
+        FillOpaque(surface, rect, paint.color);
+    else
+        FillGeneral(surface, rect, paint);
+}
+
 void QLX_MaskSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
                    int maskRow, const QLX_SpanPaint& paint, bool paddedMask) noexcept {
     const int count = rect.right - rect.left;
     // The zero bytes behind a padded row leave pixels as they are, as long as the surface has them.
     const int wide = (count + 3) & ~3;
     const int taken = paddedMask && rect.left + wide <= surface.width ? wide : count;
-    const bool plain =
-        !paint.pattern && (paint.mode == kPenMode_Copy || paint.mode == kPenMode_Transparent);
+    if (!paint.pattern && (paint.mode == kPenMode_Copy || paint.mode == kPenMode_Transparent)) {
+        CoverRows(surface, rect, mask, maskRow, taken, paint);
+        return;
+    }
     const int period = 8 * paint.cell;
     for (int y = rect.top; y < rect.bottom; ++y, mask += maskRow) {
         std::uint32_t* row = surface.At(rect.left, y);
-        if (plain) {
-#if defined(__SSE2__)
-            CoverRowWide(row, mask, taken, paint, surface.hasAlpha);
-#else
-            CoverRow(row, mask, taken, paint, surface.hasAlpha);
-#endif
-            continue;
-        }
         const int py = PatternPlace(y + paint.phaseY, paint.cell);
         int px = PatternPlace(rect.left + paint.phaseX, paint.cell);
         for (int i = 0; i < count; ++i) {
