@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "newfilelibs/cmn/cmn_rectindex.h"
 #include "qlx/views/uviewextras.h"
 
 QLX_DEFINE_CLASS(TInvalidateView, TView);
@@ -28,11 +29,15 @@ QLX_Region UnionOf(const Cmn_Rect<int>* rects, std::size_t count) {
     return UnionOf(rects, half).Union(UnionOf(rects + half, count - half));
 }
 
+std::uint64_t CountPixels(const Cmn_Rect<int>& rect) {
+    return static_cast<std::uint64_t>(std::int64_t{rect.right} - rect.left) *
+           static_cast<std::uint64_t>(std::int64_t{rect.bottom} - rect.top);
+}
+
 std::uint64_t CountPixels(const QLX_Region& region) {
     std::uint64_t pixels = 0;
     for (const Cmn_Rect<int>& rect : region.GetRectList())
-        pixels += static_cast<std::uint64_t>(std::int64_t{rect.right} - rect.left) *
-                  static_cast<std::uint64_t>(std::int64_t{rect.bottom} - rect.top);
+        pixels += CountPixels(rect);
     return pixels;
 }
 
@@ -109,6 +114,8 @@ void TInvalidateView::BecameInvalid() {}
 
 void TInvalidateView::Drawn(const QLX_Region&) {}
 
+void TInvalidateView::DrawnRect(const Cmn_Rect<int>& rect) { Drawn(QLX_Region(rect)); }
+
 // Drawing
 
 void TInvalidateView::SetDrawingPainter(const PainterPtr& painter) {
@@ -122,28 +129,48 @@ void TInvalidateView::DrawInvalid() {
     if (mDrawing || !mPainter || !NeedsDrawing() || !mPainter->IsValid())
         return;
     const StDispatch dispatch;
+    if (DrawOneRect())
+        return;
     MergePending();
     const VRect limits = GetExtent() & kRegionLimits;
     mDrawRegion = mInvalid.Intersection(QLX_Region(limits.ToCmn_Rect()));
     mInvalid = QLX_Region();
-    mDrawBounds = mDrawRegion.GetBounds();
-    mDrawRegionIsRect = mDrawRegion.IsRectangular();
-    mFocused = nullptr;
-    mExpected = {};
-    if (!mDrawRegion.IsEmpty()) {
-        mDrawing = true;
-        HandleDraw(mDrawBounds);
-        mDrawing = false;
-        mPainter->Flush();
-        ++mCosts.mFrames;
-        mCosts.mPixelsPainted += CountPixels(mDrawRegion);
-    }
-    mFocused = nullptr;
-    mExpected = {};
+    if (!mDrawRegion.IsEmpty())
+        DrawFrame(mDrawRegion.GetBounds(), mDrawRegion.IsRectangular(), CountPixels(mDrawRegion));
     const QLX_Region shown = mMoved.IsEmpty() ? mDrawRegion : QLX_Region(mDrawRegion.Union(mMoved));
     mMoved = QLX_Region();
     mDrawRegion = QLX_Region();
     Drawn(shown);
+}
+
+// What one control invalidates, a digit that was typed or a meter that moved, is one rectangle. It
+// is drawn without making a region, so without allocating.
+bool TInvalidateView::DrawOneRect() {
+    if (mPending.size() != 1 || !mInvalid.IsEmpty() || !mMoved.IsEmpty())
+        return false;
+    const VRect cut = VRect(mPending.front()) & GetExtent() & kRegionLimits;
+    mPending.clear();
+    if (cut.Empty())
+        return true;
+    const Cmn_Rect<int> rect = cut.ToCmn_Rect();
+    DrawFrame(rect, /*isRect*/ true, CountPixels(rect));
+    DrawnRect(rect);
+    return true;
+}
+
+void TInvalidateView::DrawFrame(const Cmn_Rect<int>& bounds, bool isRect, std::uint64_t pixels) {
+    mDrawBounds = bounds;
+    mDrawRegionIsRect = isRect;
+    mFocused = nullptr;
+    mExpected = {};
+    mDrawing = true;
+    HandleDraw(mDrawBounds);
+    mDrawing = false;
+    mPainter->Flush();
+    ++mCosts.mFrames;
+    mCosts.mPixelsPainted += pixels;
+    mFocused = nullptr;
+    mExpected = {};
 }
 
 void TInvalidateView::DrawViewOn(const PainterPtr& painter, TView* view, const VRect& area) {
@@ -164,14 +191,39 @@ void TInvalidateView::DrawViewOn(const PainterPtr& painter, TView* view, const V
     mPainter = own;
 }
 
+// With many small places to draw, each view is told of what lies in it alone: a view that knows how
+// to draw a part of itself does so however far the other places reach.
 bool TInvalidateView::ClipToDrawing(VRect& rect) const {
     rect &= GetExtent();
     if (mDrawing)
         rect &= VRect(mDrawBounds);
     if (rect.Empty())
         return false;
-    return !mDrawing || mDrawRegionIsRect ||
-           mDrawRegion.ContainsRect((rect & kRegionLimits).ToCmn_Rect());
+    if (!mDrawing || mDrawRegionIsRect || rect == VRect(mDrawBounds))
+        return true;
+    int pieces = 0;
+    const Cmn_Rect<int> drawn = BoundsInDrawing((rect & kRegionLimits).ToCmn_Rect(), pieces);
+    if (pieces == 0)
+        return false;
+    rect = VRect(drawn);
+    return true;
+}
+
+Cmn_Rect<int> TInvalidateView::BoundsInDrawing(const Cmn_Rect<int>& rect, int& pieces) const {
+    const Cmn_RectList& list = mDrawRegion.GetRectList();
+    Cmn_Rect<int> bounds(0, 0, 0, 0);
+    pieces = 0;
+    Cmn_RectIndexView(list).ForEach(rect, [&](std::size_t index) {
+        const Cmn_Rect<int>& drawn = list[index];
+        const Cmn_Rect<int> piece(std::max(drawn.left, rect.left), std::max(drawn.top, rect.top),
+                                  std::min(drawn.right, rect.right),
+                                  std::min(drawn.bottom, rect.bottom));
+        if (pieces++ == 0)
+            bounds = piece;
+        bounds = {std::min(bounds.left, piece.left), std::min(bounds.top, piece.top),
+                  std::max(bounds.right, piece.right), std::max(bounds.bottom, piece.bottom)};
+    });
+    return bounds;
 }
 
 void TInvalidateView::ExpectFocus(const TView* view, const VPoint& toHere, const VRect& rect) {
@@ -207,7 +259,11 @@ void TInvalidateView::SetClipFor(const VPoint& toHere, const VRect& rect) {
         return;
     }
     mPainter->SetWindowOrigin(origin.ToCmn_Point());
-    if (!mDrawing || mDrawRegionIsRect) {
+    int pieces = 1;
+    if (mDrawing && !mDrawRegionIsRect)
+        (void)BoundsInDrawing((rect & kRegionLimits).ToCmn_Rect(), pieces);
+    // The rectangle is cut to what is drawn in it: a single piece is all of it.
+    if (pieces == 1) {
         mPainter->SetClip(local.ToCmn_Rect());
         return;
     }

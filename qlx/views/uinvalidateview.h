@@ -60,7 +60,7 @@ class QLX_API TInvalidateView : public TView {
     // For TView
 
     /// Cuts a rectangle in local coordinates to what can be drawn now: the extent and, while
-    /// drawing, the region that is being drawn. False when nothing is left.
+    /// drawing, the bounds of what is being drawn within it. False when nothing is left.
     bool ClipToDrawing(VRect& rect) const;
     /// Sets origin, clip and drawing environment for a view of this tree. False without a painter.
     bool FocusOn(TView* view);
@@ -91,6 +91,8 @@ class QLX_API TInvalidateView : public TView {
     virtual void BecameInvalid();
     /// The region was drawn, in local coordinates, and pixels were moved within it.
     virtual void Drawn(const QLX_Region& region);
+    /// The same of a single rectangle, and nothing was moved. Calls Drawn.
+    virtual void DrawnRect(const Cmn_Rect<int>& rect);
 
   private:
     friend class TView;
@@ -100,6 +102,10 @@ class QLX_API TInvalidateView : public TView {
         VRect rect;
     };
     void MergePending() const;
+    bool DrawOneRect();
+    void DrawFrame(const Cmn_Rect<int>& bounds, bool isRect, std::uint64_t pixels);
+    /// Around the pieces of the drawn region in a rectangle, and how many they are.
+    [[nodiscard]] Cmn_Rect<int> BoundsInDrawing(const Cmn_Rect<int>& rect, int& pieces) const;
     void SetClipFor(const VPoint& toHere, const VRect& rect);
     [[nodiscard]] bool IsCovered(const TView* view, const VRect& rect) const;
 

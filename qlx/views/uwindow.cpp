@@ -32,7 +32,10 @@ class WindowUpdater : public QLX_EventLoopClient {
     bool DoTurn() override {
         bool did = false;
         const TView::StDispatch dispatch;
-        const std::vector<TWindow*> windows = sWindows;
+        // A turn inside a turn finds the list taken and makes one of its own.
+        std::vector<TWindow*> windows;
+        windows.swap(mTurnWindows);
+        windows = sWindows;
         for (TWindow* window : windows) {
             if (std::find(sWindows.begin(), sWindows.end(), window) == sWindows.end())
                 continue;
@@ -42,6 +45,7 @@ class WindowUpdater : public QLX_EventLoopClient {
             window->DrawInvalid();
             did = true;
         }
+        windows.swap(mTurnWindows);
         return did;
     }
 
@@ -70,7 +74,8 @@ class WindowUpdater : public QLX_EventLoopClient {
     }
 
   private:
-    QLX_EventLoop* mLoop = nullptr; // not owned
+    QLX_EventLoop* mLoop = nullptr;     // not owned
+    std::vector<TWindow*> mTurnWindows; // its memory is kept from turn to turn
 };
 
 WindowUpdater sUpdater;
@@ -261,17 +266,31 @@ EHighlight TWindow::GetCurrentHL() const { return IsActive() ? kHighlight_On : k
 void TWindow::BecameInvalid() {}
 
 void TWindow::Drawn(const QLX_Region& region) {
-    QLX_WindowPort* port = mState->port.get();
+    const Cmn_RectList& list = region.GetRectList();
+    if (ShowRects(list.data(), list.size()) && IsPaintFlashing())
+        TInspector::Flash(this, region);
+    PresentShown();
+}
+
+void TWindow::DrawnRect(const Cmn_Rect<int>& rect) {
+    if (ShowRects(&rect, 1) && IsPaintFlashing())
+        TInspector::Flash(this, QLX_Region(rect));
+    PresentShown();
+}
+
+// Collects what of the rectangles lies on the surface, in device pixels. False when nothing does.
+bool TWindow::ShowRects(const Cmn_Rect<int>* drawn, std::size_t count) {
+    std::vector<Cmn_Rect<int>>& rects = mState->shownRects;
+    rects.clear();
+    const QLX_WindowPort* port = mState->port.get();
     if (!port)
-        return;
+        return false;
     const QLX_DeviceScale scale = GetScale();
     const VPoint corner = GetLocalOffset();
     const Cmn_Point<int> size = port->GetSize();
     const Cmn_Rect<int> surface = scale.RectToDevice({0, 0, size.x, size.y});
-    std::vector<Cmn_Rect<int>>& rects = mState->shownRects;
-    rects.clear();
-    for (const Cmn_Rect<int>& rect : region.GetRectList()) {
-        Cmn_Rect<int> device = scale.RectToDevice((VRect(rect) - corner).ToCmn_Rect());
+    for (std::size_t i = 0; i < count; ++i) {
+        Cmn_Rect<int> device = scale.RectToDevice((VRect(drawn[i]) - corner).ToCmn_Rect());
         device.left = std::max(device.left, surface.left);
         device.top = std::max(device.top, surface.top);
         device.right = std::min(device.right, surface.right);
@@ -283,11 +302,12 @@ void TWindow::Drawn(const QLX_Region& region) {
                                    static_cast<std::uint64_t>(device.bottom - device.top);
     }
     GetCosts().mRectsShown += rects.size();
-    if (rects.empty())
-        return;
-    if (IsPaintFlashing())
-        TInspector::Flash(this, region);
-    port->Present(rects);
+    return !rects.empty();
+}
+
+void TWindow::PresentShown() {
+    if (!mState->shownRects.empty() && mState->port)
+        mState->port->Present(mState->shownRects);
 }
 
 // Activation and target

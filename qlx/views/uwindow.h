@@ -126,6 +126,7 @@ class QLX_API TWindow : public TInvalidateView {
     void Free() override;
     void BecameInvalid() override;
     void Drawn(const QLX_Region& region) override;
+    void DrawnRect(const Cmn_Rect<int>& rect) override;
 
     // Slot order is part of the binary interface: append, never move.
 
@@ -161,6 +162,8 @@ class QLX_API TWindow : public TInvalidateView {
     void AwaitToolTip();
     void ShowToolTip();
     void UpdateTextInput();
+    bool ShowRects(const Cmn_Rect<int>* drawn, std::size_t count);
+    void PresentShown();
     [[nodiscard]] VPoint Where(const QLX_EventRef& event) const;
     [[nodiscard]] int CountClick(const QLX_EventRef& event);
 
