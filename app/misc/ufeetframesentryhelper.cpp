@@ -49,7 +49,7 @@ void CFeetAndFramesEntryHelper::WriteUnits(TNumericEntryText*, std::int64_t unit
 std::int64_t CFeetAndFramesEntryHelper::StepUnits(TNumericEntryText*, std::int64_t units, int block,
                                                   std::int64_t delta) const {
     constexpr int subframesBlock = 2;
-    if (block == subframesBlock || (block < 0 && HasSubframes()))
+    if (block == subframesBlock)
         return Cmn_SaturatingAdd(units, delta);
     const Time_FeetFrame step =
         block == 0 ? Time_FeetFrame::FromFeetAndFrames(delta, 0)

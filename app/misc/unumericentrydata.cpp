@@ -31,34 +31,3 @@ std::int64_t CNumericEntryCallbackInfo::GetMilliSeconds() const {
         return mData.mMinSec.GetMilliSeconds();
     return Time_MulDiv(mData.mValue, 1000, Time_Session::GetSampleRate(), Time_ERounding::Nearest);
 }
-
-ENumericEntryFormat TimeFormatToNumericEntryFormat(ETimeFormat format) {
-    switch (format) {
-    case kTimeFormat_BarsBeats:
-        return kNumericEntry_BarsBeats;
-    case kTimeFormat_MinutesSeconds:
-        return kNumericEntry_MinutesSeconds;
-    case kTimeFormat_FeetFrames:
-        return kNumericEntry_FeetFrames;
-    case kTimeFormat_Samples:
-        return kNumericEntry_Samples;
-    case kTimeFormat_TimeCode:
-        break;
-    }
-    return kNumericEntry_TimeCode;
-}
-
-ETimeFormat NumericEntryFormatToTimeFormat(ENumericEntryFormat format) {
-    switch (format) {
-    case kNumericEntry_BarsBeats:
-        return kTimeFormat_BarsBeats;
-    case kNumericEntry_MinutesSeconds:
-        return kTimeFormat_MinutesSeconds;
-    case kNumericEntry_FeetFrames:
-        return kTimeFormat_FeetFrames;
-    case kNumericEntry_Samples:
-        return kTimeFormat_Samples;
-    default:
-        return kTimeFormat_TimeCode;
-    }
-}

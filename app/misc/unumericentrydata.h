@@ -129,8 +129,3 @@ class QLX_API CNumericEntryCallbackInfo {
     TNumericEntryText* mField;
     CNumericEntryData mData;
 };
-
-/// Time formats and entry formats name the same five displays; time code stands in for anything
-/// else.
-[[nodiscard]] QLX_API ENumericEntryFormat TimeFormatToNumericEntryFormat(ETimeFormat format);
-[[nodiscard]] QLX_API ETimeFormat NumericEntryFormatToTimeFormat(ENumericEntryFormat format);

@@ -20,6 +20,8 @@ namespace {
 // Between the frame and the text, logical pixels.
 constexpr int cInset = 4;
 constexpr int cCornerRadius = 3;
+// What frame and focus ring take at the edges.
+constexpr int cFrame = 2;
 
 // What one font's ASCII characters measure. Fields share a handful of fonts, and a text's width is
 // the sum of its characters', so measuring a field's text is a walk over a table.
@@ -67,6 +69,14 @@ float WidthOf(const QLX_Font& font, std::string_view text) {
 int RoundDown(float value) { return static_cast<int>(std::floor(value)); }
 
 int RoundUp(float value) { return static_cast<int>(std::ceil(value)); }
+
+// Whole pixels, so that glyphs lie the same in every field.
+float BaselineOf(const VRect& area, const QLX_FontMetrics& metrics) {
+    const auto top = static_cast<float>(area.Top());
+    const auto height = static_cast<float>(area.Bottom() - area.Top());
+    const float lineHeight = metrics.ascent + metrics.descent;
+    return std::floor(top + (height - lineHeight) / 2 + metrics.ascent + 0.5F);
+}
 
 } // namespace
 
@@ -119,6 +129,15 @@ short TNumericEntryText::GetCharacterAt(const VPoint& where) {
     return static_cast<short>(mText.size());
 }
 
+// The rows that the text and its hilite take, inside the frame and the focus ring.
+void TNumericEntryText::GetTextRows(VCoordinate& top, VCoordinate& bottom) const {
+    const VRect extent = GetExtent();
+    const QLX_FontMetrics& metrics = AdvancesOf(GetControlFont()).metrics;
+    const float baseline = BaselineOf(extent, metrics);
+    top = std::max<VCoordinate>(extent.Top() + cFrame, RoundDown(baseline - metrics.ascent));
+    bottom = std::min<VCoordinate>(extent.Bottom() - cFrame, RoundUp(baseline + metrics.descent));
+}
+
 // With volatile update only the characters that changed are drawn again; otherwise the whole field.
 void TNumericEntryText::InvalidateCharacters(std::size_t first, std::size_t last, bool all) {
     if (all || !mVolatileUpdate) {
@@ -129,6 +148,7 @@ void TNumericEntryText::InvalidateCharacters(std::size_t first, std::size_t last
     const float left = GetValueLeft();
     area.Left() = RoundDown(left + GetWidthUpTo(first)) - 1;
     area.Right() = RoundUp(left + GetWidthUpTo(last)) + 1;
+    GetTextRows(area.Top(), area.Bottom());
     InvalidateVRect(area);
 }
 
@@ -220,21 +240,22 @@ void TNumericEntryText::Draw(const VRect& area) {
     GetHelper()->WillDraw(this);
     VRect extent = GetExtent();
     AdjustEraseForAdorners(extent);
-    // Only characters in the middle changed: the plain field behind them is a filled rectangle.
-    const bool insideOnly = !mBackgroundImage && area.Left() > extent.Left() + cInset &&
-                            area.Right() < extent.Right() - cInset;
+    // Only characters in the middle changed: the plain field behind them is a filled rectangle,
+    // frame and focus ring are still there.
+    const bool insideOnly = !mBackgroundImage && area.Left() >= extent.Left() + cInset &&
+                            area.Right() <= extent.Right() - cInset &&
+                            area.Top() >= extent.Top() + cFrame &&
+                            area.Bottom() <= extent.Bottom() - cFrame;
     if (insideOnly) {
-        VRect inside = area;
-        inside.Top() = extent.Top() + 1;
-        inside.Bottom() = extent.Bottom() - 1;
         painter->SetForegroundColor(IsEnabled() ? GetControlColor(kThemeColor_FieldBackground)
                                                 : GetControlColor(kThemeColor_WindowBackground));
-        painter->FillRect(inside);
+        painter->FillRect(area);
     } else {
         StaticDrawBackground(painter, extent, IsEnabled(), mBackgroundImage);
     }
     ImageText(painter, GetExtent());
-    DrawFocusRing(0, cCornerRadius);
+    if (!insideOnly)
+        DrawFocusRing(0, cCornerRadius);
     TControl::Draw(area);
 }
 
@@ -242,10 +263,7 @@ void TNumericEntryText::ImageText(const PainterPtr& painter, const VRect& area) 
     const QLX_Font font = GetControlFont();
     const QLX_FontMetrics& metrics = AdvancesOf(font).metrics;
     painter->SetFont(font);
-    const auto top = static_cast<float>(area.Top());
-    const auto height = static_cast<float>(area.Bottom() - area.Top());
-    const float lineHeight = metrics.ascent + metrics.descent;
-    const float baseline = std::floor(top + (height - lineHeight) / 2 + metrics.ascent + 0.5F);
+    const float baseline = BaselineOf(area, metrics);
     const float left = GetValueLeft();
     const CRGBColor textColor = GetTextColor(kThemeColor_FieldText);
     const auto drawAt = [&](float x, const std::string& text, const CRGBColor& color) {

@@ -8,6 +8,7 @@
 #include "app/misc/unumericentryhelper.h"
 #include "basekit/cmn/cmn_string.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/views/qlx_comingtarget.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/uevent.h"
@@ -321,6 +322,37 @@ void TNumericEntryText::RegisterCaptureTimeCallback(Time_SMPTE (*callback)()) {
 std::uint32_t TNumericEntryText::MakeHelperMapKey(ENumericEntryFormat format, bool useSubframes,
                                                   bool optional) {
     return CNumericEntryHelper::MakeHelperMapKey(format, useSubframes, optional);
+}
+
+ENumericEntryFormat TNumericEntryText::TimeFormatToNumericEntryFormat(ETimeFormat format) {
+    switch (format) {
+    case kTimeFormat_BarsBeats:
+        return kNumericEntry_BarsBeats;
+    case kTimeFormat_MinutesSeconds:
+        return kNumericEntry_MinutesSeconds;
+    case kTimeFormat_FeetFrames:
+        return kNumericEntry_FeetFrames;
+    case kTimeFormat_Samples:
+        return kNumericEntry_Samples;
+    case kTimeFormat_TimeCode:
+        break;
+    }
+    return kNumericEntry_TimeCode;
+}
+
+ETimeFormat TNumericEntryText::NumericEntryFormatToTimeFormat(ENumericEntryFormat format) {
+    switch (format) {
+    case kNumericEntry_BarsBeats:
+        return kTimeFormat_BarsBeats;
+    case kNumericEntry_MinutesSeconds:
+        return kTimeFormat_MinutesSeconds;
+    case kNumericEntry_FeetFrames:
+        return kTimeFormat_FeetFrames;
+    case kNumericEntry_Samples:
+        return kTimeFormat_Samples;
+    default:
+        return kTimeFormat_TimeCode;
+    }
 }
 
 // ---- Bounds ----
@@ -644,8 +676,13 @@ void TNumericEntryText::ResignedTarget() {
     if (mUpdateWhenResigning && !mNotified)
         UpdateClient(0, false, false, false, false, /*fromTracking*/ false, kTrack_End);
     mNotified = false;
-    if (!mGone)
-        TControl::ResignedTarget();
+    if (mGone)
+        return;
+    TControl::ResignedTarget();
+    // Given up for nobody: whoever was the target before has it again.
+    if (!mGone && gApplication != nullptr && gApplication->GetTarget() == gApplication &&
+        QLX_GetComingTarget() == nullptr)
+        RestoreOldTarget();
 }
 
 void TNumericEntryText::SetEnable(bool enable) {

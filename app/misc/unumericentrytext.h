@@ -220,6 +220,10 @@ class QLX_API TNumericEntryText : public TControl {
     static void RegisterCaptureTimeCallback(Time_SMPTE (*callback)());
     [[nodiscard]] static std::uint32_t MakeHelperMapKey(ENumericEntryFormat format,
                                                         bool useSubframes, bool optional);
+    /// Time formats and entry formats name the same five displays; time code stands in for anything
+    /// else.
+    [[nodiscard]] static ENumericEntryFormat TimeFormatToNumericEntryFormat(ETimeFormat format);
+    [[nodiscard]] static ETimeFormat NumericEntryFormatToTimeFormat(ENumericEntryFormat format);
 
     // For helpers
 
@@ -314,6 +318,7 @@ class QLX_API TNumericEntryText : public TControl {
     void EndArithmetic();
     void PassOn(TToolboxEvent* event);
     void InvalidateCharacters(std::size_t first, std::size_t last, bool all);
+    void GetTextRows(VCoordinate& top, VCoordinate& bottom) const;
     /// Where the value's first character begins, in local coordinates.
     [[nodiscard]] float GetValueLeft() const;
     /// The width of the first characters of the text.

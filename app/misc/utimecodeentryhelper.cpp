@@ -75,8 +75,7 @@ std::int64_t CTimeCodeEntryHelper::StepUnits(TNumericEntryText* field, std::int6
                                              int block, std::int64_t delta) const {
     constexpr int subframesBlock = 4;
     const std::int64_t unitsPerFrame = HasSubframes() ? Time_SMPTE::cSubframesPerFrame : 1;
-    // Without a block the smallest unit is stepped.
-    if (block == subframesBlock || (block < 0 && HasSubframes()))
+    if (block == subframesBlock)
         return Cmn_SaturatingAdd(units, delta);
     const Time_FormatInfo& info = InfoOf(field);
     constexpr std::int64_t seconds[] = {3600, 60, 1};

@@ -90,7 +90,9 @@ void CVolumeEntryHelper::DoTyping(TNumericEntryText* field, char character) {
     if (!point && (character < '0' || character > '9'))
         return;
     constexpr std::size_t wholeDigits = 3;
-    std::string text = field->GetTypedCount() == 0 ? std::string() : field->GetText();
+    // "-inf" may stand there in the middle of an edit when the host validates it.
+    const bool startsAfresh = field->GetTypedCount() == 0 || field->GetText() == cMinusInfinityText;
+    std::string text = startsAfresh ? std::string() : field->GetText();
     const std::size_t pointAt = text.find('.');
     if (point) {
         if (pointAt != std::string::npos)

@@ -6,6 +6,7 @@
 
 #include "basekit/sys/sys_clock.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/views/qlx_comingtarget.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/ueventdispatch.h"
@@ -346,12 +347,36 @@ void TEventHandler::ResignedTarget() { HandleEvent(kEvent_ResignedTarget, this, 
 
 bool TEventHandler::IsTarget() { return gApplication && gApplication->GetTarget() == this; }
 
+namespace {
+
+constinit TEventHandler* sComingTarget = nullptr; // only compared with null
+
+class StComingTarget {
+  public:
+    explicit StComingTarget(TEventHandler* coming) : mOuter(sComingTarget) {
+        sComingTarget = coming;
+    }
+    ~StComingTarget() { sComingTarget = mOuter; }
+    StComingTarget(const StComingTarget&) = delete;
+    StComingTarget& operator=(const StComingTarget&) = delete;
+
+  private:
+    TEventHandler* mOuter;
+};
+
+} // namespace
+
+TEventHandler* QLX_GetComingTarget() { return sComingTarget; }
+
 bool TEventHandler::BecomeTarget() {
     if (!gApplication || gApplication->GetTarget() == this)
         return true;
     const StGuard self(this);
-    if (!gApplication->GetTarget()->ResignTarget())
-        return false;
+    {
+        const StComingTarget coming(this);
+        if (!gApplication->GetTarget()->ResignTarget())
+            return false;
+    }
     // Validating and resigning are the host's code: it may have freed this handler or the
     // application.
     if (!self || !gApplication)

@@ -12,6 +12,7 @@
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/views/qlx_windowevents.h"
 #include "qlx/views/uapplication.h"
+#include "qlx/views/ucommand.h"
 #include "qlx/views/uevent.h"
 
 /// What the texts of a format look like between two keys, spelled out anew: 9 a digit, _ a blank or
@@ -41,6 +42,52 @@ inline constexpr EntryShape cEntryShapes[] = {
     {kNumericEntry_MeterDenominator, false, false, nullptr, nullptr},
     {kNumericEntry_Volume, false, false, nullptr, nullptr},
 };
+
+/// Of formats that are one number.
+inline bool HasNumberShape(const EntryShape& shape, const std::string& text) {
+    if (text.size() > 31 || text.empty())
+        return false;
+    const bool level = shape.format == kNumericEntry_Volume;
+    if (level && text == "-inf")
+        return true;
+    std::size_t points = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool sign = text[i] == '-' || text[i] == '+';
+        const bool point = text[i] == '.' && level;
+        points += point ? 1 : 0;
+        if (!(text[i] >= '0' && text[i] <= '9') && !(sign && i == 0) && !point)
+            return false;
+    }
+    return points <= 1;
+}
+
+/// Whether a text may stand in a field between two keys.
+inline bool HasEntryShape(const EntryShape& shape, const std::string& text) {
+    if (shape.mask == nullptr)
+        return HasNumberShape(shape, text);
+    std::string mask = shape.mask;
+    std::string empty = shape.empty != nullptr ? shape.empty : "";
+    if (shape.format == kNumericEntry_TimeCode &&
+        Time_SMPTEUtils::NeedsThreeFrameDigits(Time_Session::GetTimeCodeFormat())) {
+        mask.insert(11, "9");
+        empty += empty.empty() ? "" : "-";
+    }
+    if (!empty.empty() && text == empty)
+        return true;
+    if (text.size() != mask.size())
+        return false;
+    bool digitSeen = false; // no blank behind a digit
+    for (std::size_t i = 0; i < mask.size(); ++i) {
+        const bool digit = text[i] >= '0' && text[i] <= '9';
+        const bool dropMark = shape.format == kNumericEntry_TimeCode && i == 8 && text[i] == ';';
+        if (mask[i] == '9'   ? !digit
+            : mask[i] == '_' ? !digit && (text[i] != ' ' || digitSeen)
+                             : text[i] != mask[i] && !dropMark)
+            return false;
+        digitSeen = digitSeen || digit;
+    }
+    return true;
+}
 
 class EntryMonkey {
   public:
@@ -109,6 +156,12 @@ class EntryMonkey {
         case 30:
             Key(kDAW_Key_Escape);
             break;
+        case 18:
+            Undo();
+            break;
+        case 19:
+            how % 2 != 0 ? (void)mField->Validate() : mField->SetTypedCount(0);
+            break;
         case 31:
             Time_Session::SetSampleRate(how % 2 != 0 ? 44100 : 192000);
             Time_Session::SetFrameOffset(how * 1000);
@@ -119,10 +172,12 @@ class EntryMonkey {
     /// Empty when all is in order, else what is not.
     [[nodiscard]] std::string Complaint() {
         (void)mField->GetLocalFormat(); // lets the field follow a change of rate
+        if (!mComplaint.empty())
+            return mComplaint;
         const std::string& text = mField->GetText();
-        if (!HasShape(text))
+        if (!HasEntryShape(mShape, text))
             return "shape of \"" + text + "\"";
-        if (!HasShape(mField->GetBackup()))
+        if (!HasEntryShape(mShape, mField->GetBackup()))
             return "shape of the backup \"" + mField->GetBackup() + "\"";
         short start = 0;
         short end = 0;
@@ -137,6 +192,8 @@ class EntryMonkey {
             return "typed count " + std::to_string(mField->GetTypedCount());
         if (mField->GetArithmeticMode() != kArithmetic_None && !mField->IsTarget())
             return "arithmetic without the keyboard";
+        if (mField->IsTarget() != (gApplication->GetTarget() == mField))
+            return "the field and the application disagree on the target";
         return "";
     }
     [[nodiscard]] TNumericEntryText* GetField() const { return mField; }
@@ -155,57 +212,28 @@ class EntryMonkey {
             event.mKeyState = kKeyState_RealEscape;
         mApplication->HandleKeyDownEvent(&event);
     }
+    // What Undo gives back is the backup, out of arithmetic, and it is all of an edit: a second one
+    // is not the field's.
+    void Undo() {
+        const bool edits = mField->IsTarget() && (mField->GetText() != mField->GetBackup() ||
+                                                  mField->GetArithmeticMode() != kArithmetic_None);
+        const std::string backup = mField->GetBackup();
+        const std::string before = mField->GetText();
+        mField->DoMenuCommand(kCommand_Undo);
+        if (mField->GetText() != (edits ? backup : before))
+            mComplaint = "undo gave \"" + mField->GetText() + "\" for \"" + backup + "\"";
+        if (edits &&
+            (mField->GetTypedCount() != 0 || mField->GetArithmeticMode() != kArithmetic_None))
+            mComplaint = "an edit goes on after undo";
+    }
     void Click(std::uint8_t where) {
         TToolboxEvent event;
         event.IToolboxEvent(mField, QLX_MakeMouseEvent(3, {where, 12}, 0));
         mField->DoMouseCommand(VPoint(where, 12), &event);
     }
 
-    [[nodiscard]] bool HasShape(const std::string& text) const {
-        if (mShape.mask == nullptr)
-            return HasNumberShape(text);
-        std::string mask = mShape.mask;
-        std::string empty = mShape.empty != nullptr ? mShape.empty : "";
-        if (mShape.format == kNumericEntry_TimeCode &&
-            Time_SMPTEUtils::NeedsThreeFrameDigits(Time_Session::GetTimeCodeFormat())) {
-            mask.insert(11, "9");
-            empty += empty.empty() ? "" : "-";
-        }
-        if (!empty.empty() && text == empty)
-            return true;
-        if (text.size() != mask.size())
-            return false;
-        bool digitSeen = false; // no blank behind a digit
-        for (std::size_t i = 0; i < mask.size(); ++i) {
-            const bool digit = text[i] >= '0' && text[i] <= '9';
-            const bool dropMark =
-                mShape.format == kNumericEntry_TimeCode && i == 8 && text[i] == ';';
-            if (mask[i] == '9'   ? !digit
-                : mask[i] == '_' ? !digit && (text[i] != ' ' || digitSeen)
-                                 : text[i] != mask[i] && !dropMark)
-                return false;
-            digitSeen = digitSeen || digit;
-        }
-        return true;
-    }
-    [[nodiscard]] bool HasNumberShape(const std::string& text) const {
-        if (text.size() > 31 || text.empty())
-            return false;
-        const bool level = mShape.format == kNumericEntry_Volume;
-        if (level && text == "-inf")
-            return true;
-        std::size_t points = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const bool sign = text[i] == '-' || text[i] == '+';
-            const bool point = text[i] == '.' && level;
-            points += point ? 1 : 0;
-            if (!(text[i] >= '0' && text[i] <= '9') && !(sign && i == 0) && !point)
-                return false;
-        }
-        return points <= 1;
-    }
-
     EntryShape mShape;
+    std::string mComplaint;
     TApplication* mApplication;
     TView* mRoot;
     TNumericEntryText* mField;

@@ -4,9 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include "qlx/platform/testing/qlx_testdriver.h"
+#include "qlx/views/uwindow.h"
 #include "tests/support/entry_monkey.h"
 
 namespace {
+
+class OtherView : public TView {
+  public:
+    bool WantsToBeTarget() override { return true; }
+};
 
 class AnyKeys : public testing::TestWithParam<EntryShape> {};
 
@@ -51,6 +58,74 @@ TEST_P(AnyKeys, EveryByteAsAKey) {
         monkey.Do(0, 5);
         EXPECT_EQ(monkey.Complaint(), "") << byte << " then a digit";
     }
+}
+
+// A user in a window: keys, clicks, drags, the wheel, another view that takes the keyboard. Through
+// the native events, with the client hearing of everything.
+TEST_P(AnyKeys, AUserInAWindowKeepsThemToo) {
+    constexpr std::uint32_t cField = Cmn_FourChar("fld1");
+    QLX_TestDriver driver;
+    auto* window = new TWindow;
+    window->IWindow("field", VPoint(300, 120));
+    auto* other = new OtherView;
+    other->IView(window, VRect(0, 90, 300, 120));
+    auto* field = new TNumericEntryText;
+    field->IView(window, VRect(10, 10, 200, 34));
+    field->SetIdentifier(cField);
+    field->SetLocalFormat(GetParam().format, GetParam().subframes, GetParam().optional);
+    field->SetUpdateClientWhenKeyPressed(true);
+    field->SetUpdateClientAfterArrow(true);
+    field->SetMinMaxIntegerValues(-5000, 5000);
+    std::string wrong;
+    struct Context {
+        const EntryShape* shape;
+        std::string* wrong;
+    } context{&GetParam(), &wrong};
+    field->SetCallback(
+        [](void* pointer, CNumericEntryCallbackInfo& info, int key) {
+            const auto* told = static_cast<Context*>(pointer);
+            if (!HasEntryShape(*told->shape, info.GetField()->GetText()))
+                *told->wrong =
+                    "told of \"" + info.GetField()->GetText() + "\" by key " + std::to_string(key);
+        },
+        &context);
+    driver.OpenWindow(*window);
+    field->BecomeTarget();
+    std::mt19937 random(11);
+    bool pressed = false;
+    Cmn_Point<int> pointer(20, 20);
+    const char keys[] = "0123456789.,+-*/=\r\x03\x08\x7F\x1C\x1D\x1E\x1Fqt";
+    for (int step = 0; step < 1000; ++step) {
+        const unsigned what = random() % 16;
+        if (what < 9) {
+            driver.KeyDown(static_cast<unsigned char>(keys[random() % (sizeof keys - 1)]));
+        } else if (what < 13) {
+            pointer = {static_cast<int>(random() % 300), static_cast<int>(random() % 120)};
+            driver.MoveTo(pointer);
+        } else if (what == 13) {
+            pressed ? driver.Release() : driver.Press(pointer);
+            pressed = !pressed;
+        } else if (what == 14) {
+            driver.Wheel(cField, static_cast<int>(random() % 5) - 2);
+        } else {
+            field->SetNormalArrowMode(random() % 2 != 0);
+            random() % 3 == 0 ? (void)other->BecomeTarget() : (void)field->BecomeTarget();
+        }
+        short start = 0;
+        short end = 0;
+        field->GetSelection(start, end);
+        const bool collapsed = start == 0 && end == 0;
+        ASSERT_EQ(wrong, "") << "step " << step;
+        ASSERT_TRUE(HasEntryShape(GetParam(), field->GetText()))
+            << field->GetText() << " step " << step;
+        ASSERT_TRUE(collapsed || field->GetHelper()->IsSelection(field, start, end))
+            << start << ".." << end << " of " << field->GetText() << " step " << step;
+        if (!field->IsTarget()) {
+            ASSERT_TRUE(collapsed && !field->IsBeingEdited()) << "step " << step;
+            ASSERT_EQ(field->GetText(), field->GetBackup()) << "step " << step;
+        }
+    }
+    window->Free();
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, AnyKeys, testing::ValuesIn(cEntryShapes), NameOf);

@@ -155,6 +155,9 @@ TEST_F(NumericField, SubframesEnterAtTheEndAndAreABlock) {
     EXPECT_EQ(Text(), "00:00:01:24.50");
     Key(kDAW_Key_Return);
     EXPECT_EQ(mData.mSMPTE.GetTotalSubframes(), 5450);
+    mField->AbortEdit();
+    mField->AddValueToCurrentSelection(1);
+    EXPECT_EQ(Text(), "00:00:01:25.50") << "the whole steps frames";
 }
 
 TEST_F(NumericField, StepsCarryAcrossBlocks) {
@@ -669,10 +672,12 @@ TEST_F(NumericField, RegistryKeys) {
     for (int format = -1; format <= 5; ++format) {
         const auto time = static_cast<ETimeFormat>(format);
         const int expected[] = {4, 1, 2, 4, 8, 16, 4};
-        EXPECT_EQ(TimeFormatToNumericEntryFormat(time), expected[format + 1]);
+        EXPECT_EQ(TNumericEntryText::TimeFormatToNumericEntryFormat(time), expected[format + 1]);
     }
-    EXPECT_EQ(NumericEntryFormatToTimeFormat(kNumericEntry_Samples), kTimeFormat_Samples);
-    EXPECT_EQ(NumericEntryFormatToTimeFormat(kNumericEntry_Volume), kTimeFormat_TimeCode);
+    EXPECT_EQ(TNumericEntryText::NumericEntryFormatToTimeFormat(kNumericEntry_Samples),
+              kTimeFormat_Samples);
+    EXPECT_EQ(TNumericEntryText::NumericEntryFormatToTimeFormat(kNumericEntry_Volume),
+              kTimeFormat_TimeCode);
 }
 
 TEST_F(NumericField, FollowsTheProcessWideFormatAndConvertsItsValue) {
@@ -752,6 +757,38 @@ TEST_F(NumericField, ReturnGivesTheKeyboardBack) {
     mOther = nullptr;
     Key(kDAW_Key_Return);
     EXPECT_TRUE(mField->IsTarget()) << "who went meanwhile is not woken";
+}
+
+TEST_F(NumericField, GivingTheKeyboardUpForNobodyGivesItBack) {
+    Use(cTC);
+    mField->SetUpdateClientWhenResigningTarget(true);
+    const auto giveUp = std::vector<std::function<void()>>{
+        [this] { mField->ResignTarget(); },
+        [this] {
+            mField->SetEnable(false);
+            mField->SetEnable(true);
+        },
+        [this] {
+            mField->SetResignedTargetOnUnhandledEvent(true);
+            Key('q');
+        },
+    };
+    for (const auto& way : giveUp) {
+        mOther->BecomeTarget();
+        TNumericEntryText::CheckOldTarget(nullptr);
+        mField->BecomeTarget();
+        mKeys.clear();
+        way();
+        EXPECT_TRUE(mOther->IsTarget());
+        EXPECT_EQ(mKeys, std::vector<int>{0});
+    }
+    // Taken by somebody else it goes there, and there alone.
+    auto* third = new OtherView;
+    third->IView(mRoot, VRect(0, 240, 100, 260));
+    TNumericEntryText::CheckOldTarget(nullptr);
+    mField->BecomeTarget();
+    third->BecomeTarget();
+    EXPECT_TRUE(third->IsTarget());
 }
 
 TEST_F(NumericField, LosingTheKeyboardFinishesTheEdit) {
