@@ -7,6 +7,7 @@
 #include "basekit/cmn/cmn_trace.h"
 #include "qlx/views/qlx_clipboard.h"
 #include "qlx/views/qlx_eventloop.h"
+#include "qlx/views/qlx_filedialog.h"
 #include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/qlx_windowport.h"
 #include "qlx/views/uapplication.h"
@@ -21,6 +22,7 @@ struct QLX_Platform::Installed {
     QLX_WindowPortFactory* factory;
     QLX_KeyboardSource* keyboard;
     QLX_Clipboard* clipboard;
+    QLX_FileDialogs* fileDialogs;
 };
 
 QLX_Platform::QLX_Platform() = default;
@@ -34,6 +36,8 @@ QLX_Platform::~QLX_Platform() {
 
 QLX_Platform* QLX_Platform::Get() { return sPlatform; }
 
+QLX_FileDialogs* QLX_Platform::GetFileDialogs() { return nullptr; }
+
 void QLX_Platform::Install() {
     if (mInstalled)
         return;
@@ -43,6 +47,7 @@ void QLX_Platform::Install() {
     mInstalled->factory = QLX_WindowPortFactory::Install(&GetWindowFactory());
     mInstalled->keyboard = QLX_Keyboard::SetSource(&GetKeyboard());
     mInstalled->clipboard = QLX_Clipboard::Install(&GetClipboard());
+    mInstalled->fileDialogs = QLX_FileDialogs::Install(GetFileDialogs());
     if (gApplication)
         gApplication->AttachToLoop(&GetEventLoop());
 }
@@ -52,6 +57,7 @@ void QLX_Platform::Uninstall() {
         return;
     if (gApplication)
         gApplication->AttachToLoop(mInstalled->loop);
+    QLX_FileDialogs::Install(mInstalled->fileDialogs);
     QLX_Clipboard::Install(mInstalled->clipboard);
     QLX_Keyboard::SetSource(mInstalled->keyboard);
     QLX_WindowPortFactory::Install(mInstalled->factory);

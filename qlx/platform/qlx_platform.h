@@ -9,6 +9,7 @@
 
 class QLX_Clipboard;
 class QLX_EventLoop;
+class QLX_FileDialogs;
 class QLX_KeyboardSource;
 class QLX_WindowPortFactory;
 
@@ -28,6 +29,9 @@ class QLX_API QLX_Platform {
     [[nodiscard]] virtual QLX_Clipboard& GetClipboard() = 0;
     /// Device pixels for 120 logical ones on the main display; kWindow_ScaleUnit is none.
     [[nodiscard]] virtual int GetDisplayScale() const = 0;
+
+    /// The system's own file dialogs; null, as here, for the ones that the framework draws.
+    [[nodiscard]] virtual QLX_FileDialogs* GetFileDialogs();
 
     /// Puts every side of this platform in place, and attaches gApplication, when there is one, to
     /// the loop. Uninstall, or the end of the platform, puts back what was there before.

@@ -1,11 +1,14 @@
 #include "qlx/views/utextlist.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "basekit/sys/sys_clock.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/qlx_windowevents.h"
+#include "qlx/views/uedittext.h"
 #include "qlx/views/uevent.h"
 #include "qlx/views/uscrollbar.h"
 #include "qlx/views/utracker.h"
@@ -15,6 +18,8 @@ QLX_DEFINE_CLASS(TTextList, TControl)
 namespace {
 
 constexpr double kTypeAheadSeconds = 1.0;
+constexpr double kEditClickSeconds = 0.6; // longer than a double click may take
+constexpr std::uint32_t kKey_F2 = kDAW_Key_F1 + 1;
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c; }
 
@@ -47,7 +52,10 @@ void AppendUTF8(std::string& text, std::uint32_t character) {
 /// Selects while dragging; scrolls along when the pointer leaves what is visible.
 class TListTracker : public TTracker {
   public:
-    explicit TListTracker(bool toggle) : mToggle(toggle) { SetRepeat(0.05); }
+    TListTracker(bool toggle, std::int64_t mayEdit) : mToggle(toggle), mMayEdit(mayEdit) {
+        SetRepeat(0.05);
+        SetHysteresis(2);
+    }
 
     void TrackMouse(TrackPhase phase, const VPoint&, const VPoint&, const VPoint& next,
                     TToolboxEvent*) override {
@@ -61,13 +69,46 @@ class TListTracker : public TTracker {
         const std::int64_t row = std::clamp<std::int64_t>(
             (next.v - list->GetExtent().Top()) / list->GetRowHeight(), 0, list->GetRowCount() - 1);
         list->SelectTo(row, mToggle, mBefore);
-        if (phase == kTrack_End)
-            list->Announce(mBefore);
+        if (phase != kTrack_End)
+            return;
+        if (mMayEdit >= 0 && !HasMoved())
+            list->AwaitEditing(mMayEdit);
+        list->Announce(mBefore);
     }
 
   private:
     bool mToggle;
+    std::int64_t mMayEdit; // the row that a click without a drag edits; -1: none
     QLX_RowSelection mBefore;
+};
+
+/// The field over a row that is edited.
+class TRowEditor : public TEditText {
+  public:
+    explicit TRowEditor(TTextList* list) : mList(list) {}
+
+    void DoKeyEvent(TToolboxEvent* event) override {
+        const StDispatch dispatch; // the list frees this field
+        const std::uint32_t key = event->mKeyCode;
+        const bool composes = !GetComposition().empty();
+        if (key == kDAW_Key_Escape && !composes) {
+            mList->EndEditing(/*keep*/ false, /*orGiveUp*/ true);
+        } else if ((key == kDAW_Key_Return || key == kDAW_Key_Enter) && !composes) {
+            if (!mList->EndEditing(/*keep*/ true, /*orGiveUp*/ false))
+                ValidationFailed(1);
+        } else {
+            TEditText::DoKeyEvent(event);
+        }
+    }
+    void ResignedTarget() override {
+        const StDispatch dispatch;
+        TEditText::ResignedTarget();
+        if (mList->GetEditor() == this)
+            mList->EndEditing(/*keep*/ true, /*orGiveUp*/ true);
+    }
+
+  private:
+    TTextList* mList; // not owned: the superview
 };
 
 TTextList::TTextList() {
@@ -75,7 +116,7 @@ TTextList::TTextList() {
     SetValue(-1, /*redraw*/ false);
 }
 
-TTextList::~TTextList() = default;
+TTextList::~TTextList() { StopAwaiting(); }
 
 TObject* TTextList::Clone() {
     auto* copy = static_cast<TTextList*>(TControl::Clone());
@@ -85,12 +126,23 @@ TObject* TTextList::Clone() {
     CopyMember(copy->mFind, mFind);
     CopyMember(copy->mSelection, mSelection);
     CopyMember(copy->mTyped, mTyped);
+    CopyMember(copy->mEdit, mEdit);
+    copy->mEditor = nullptr;
+    copy->mEditTimer = 0;
     return copy;
+}
+
+void TTextList::Free() {
+    StopAwaiting();
+    EndEditing(/*keep*/ false, /*orGiveUp*/ true);
+    TControl::Free();
 }
 
 // Rows
 
 void TTextList::SetRows(std::int64_t count, RowTextCallback rowText) {
+    StopAwaiting();
+    EndEditing(/*keep*/ false, /*orGiveUp*/ true);
     mRowCount = std::max<std::int64_t>(0, count);
     mRowText = std::move(rowText);
     mSelection.Remove(mRowCount, INT64_MAX);
@@ -212,13 +264,92 @@ void TTextList::GoToRow(std::int64_t row, bool extend) {
     Announce(before);
 }
 
+// Editing in place
+
+void TTextList::SetEditCallback(EditCallback edit) { mEdit = std::move(edit); }
+
+bool TTextList::EditRow(std::int64_t row) {
+    StopAwaiting();
+    if (!mEdit || !IsEnabled() || row < 0 || row >= mRowCount)
+        return false;
+    const StDispatch dispatch; // the text of another row may be taken over first
+    EndEditing(/*keep*/ true, /*orGiveUp*/ true);
+    if (row >= mRowCount)
+        return false;
+    Reveal(row);
+    mEditedRow = row;
+    auto* editor = new TRowEditor(this);
+    mEditor = editor;
+    editor->SetText(GetRowText(row), /*redraw*/ false);
+    editor->SelectAll();
+    editor->IView(this, GetRowRect(row));
+    return editor->BecomeTarget();
+}
+
+bool TTextList::EndEditing(bool keep, bool orGiveUp) {
+    TEditText* const editor = mEditor;
+    if (!editor)
+        return true;
+    const StDispatch dispatch; // the callback may free the list
+    const std::int64_t row = mEditedRow;
+    mEditor = nullptr; // what the callback does ends nothing twice
+    const EditCallback edit = mEdit;
+    const std::string text = editor->GetText();
+    const bool changed = text != GetRowText(row);
+    if (keep && changed && edit && !edit(row, text) && !orGiveUp) {
+        if (editor->GetSuperView() == this)
+            mEditor = editor;
+        return false;
+    }
+    if (editor->GetSuperView() != this)
+        return true; // freed with the list
+    const bool wasTarget = editor->IsTarget();
+    editor->Free();
+    InvalidateRows(row, row + 1);
+    if (wasTarget && WantsToBeTarget())
+        BecomeTarget();
+    return true;
+}
+
+void TTextList::RemovedASubView(TView* sub) {
+    if (sub == mEditor)
+        mEditor = nullptr;
+    TControl::RemovedASubView(sub);
+}
+
+void TTextList::AwaitEditing(std::int64_t row) {
+    QLX_EventLoop* loop = QLX_EventLoop::Get();
+    if (!loop)
+        return;
+    StopAwaiting();
+    mEditTimer = loop->StartTimer(kEditClickSeconds, 0, [this, row] {
+        const StDispatch dispatch;
+        mEditTimer = 0;
+        if (mSelection.Count() == 1 && mSelection.Contains(row) && IsTarget())
+            EditRow(row);
+    });
+}
+
+void TTextList::StopAwaiting() {
+    if (const std::uint32_t timer = std::exchange(mEditTimer, 0))
+        if (QLX_EventLoop* loop = QLX_EventLoop::Get())
+            loop->StopTimer(timer);
+}
+
+void TTextList::ResignedTarget() {
+    StopAwaiting();
+    TControl::ResignedTarget();
+}
+
 // Events
 
 bool TTextList::DoMouseCommand(const VPoint& local, TToolboxEvent* event) {
     if (!IsEnabled())
         return true;
-    if (WantsToBeTarget())
-        BecomeTarget();
+    StopAwaiting();
+    const bool wasTarget = IsTarget();
+    if (WantsToBeTarget() && !BecomeTarget())
+        return true;
     const std::int64_t row = RowAt(local);
     if (row < 0)
         return true;
@@ -230,7 +361,9 @@ bool TTextList::DoMouseCommand(const VPoint& local, TToolboxEvent* event) {
     const bool extend = event && event->IsShiftKeyPressed() && mMultiple;
     if (!extend)
         mAnchorRow = row;
-    return BeginTracking(new TListTracker(toggle), local, event);
+    const bool mayEdit = mEdit && wasTarget && !toggle && !extend && mSelection.Count() == 1 &&
+                         mSelection.Contains(row);
+    return BeginTracking(new TListTracker(toggle, mayEdit ? row : -1), local, event);
 }
 
 void TTextList::DoKeyEvent(TToolboxEvent* event) {
@@ -254,6 +387,10 @@ void TTextList::DoKeyEvent(TToolboxEvent* event) {
         return GoToRow(0, extend);
     case kDAW_Key_End:
         return GoToRow(mRowCount - 1, extend);
+    case kKey_F2:
+        if (EditRow(mFocusRow))
+            return;
+        break;
     case kDAW_Key_Return:
     case kDAW_Key_Enter:
         if (mFocusRow >= 0)

@@ -279,6 +279,72 @@ TEST_F(Controls, AMillionRowsCostWhatIsSeen) {
     EXPECT_LE(list.GetDrawnRows() - before, 40u * static_cast<unsigned>(rows));
 }
 
+TEST_F(Controls, RowsAreEditedInPlace) {
+    auto& list = Add<TTextList>(VRect(0, 0, 200, 200), kOther);
+    std::vector<std::string> rows{"Kick", "Snare", "Vox"};
+    bool accepts = true;
+    int asked = 0;
+    list.SetRows(3, [&](std::int64_t row) { return rows[static_cast<std::size_t>(row)]; });
+    list.SetEditCallback([&](std::int64_t row, const std::string& text) {
+        ++asked;
+        if (accepts)
+            rows[static_cast<std::size_t>(row)] = text;
+        return accepts;
+    });
+    ASSERT_TRUE(list.BecomeTarget());
+    mDriver.Key(kDAW_Key_Down);
+    mDriver.Chord("F2");
+    ASSERT_NE(list.GetEditor(), nullptr);
+    mDriver.Type("Kick In");
+    mDriver.Key(kDAW_Key_Return);
+    EXPECT_EQ(rows[0], "Kick In");
+    EXPECT_TRUE(list.IsTarget());
+    EXPECT_EQ(list.GetEditedRow(), -1);
+
+    mDriver.Chord("F2");
+    mDriver.Type("gone");
+    mDriver.Key(kDAW_Key_Escape);
+    EXPECT_EQ(rows[0], "Kick In");
+
+    accepts = false;
+    mDriver.Chord("F2");
+    mDriver.Type("refused");
+    mDriver.Key(kDAW_Key_Return);
+    EXPECT_EQ(list.GetEditedRow(), 0) << "what is refused stays to be put right";
+    accepts = true;
+    mDriver.Key(kDAW_Key_Return);
+    EXPECT_EQ(rows[0], "refused");
+
+    // A second, slow click edits; a double click does not. Leaving the field keeps the text.
+    const VRect second = list.GetRowRect(1);
+    const Cmn_Point<int> place{20, static_cast<int>(second.Top()) + 5};
+    mDriver.DoubleClick(place);
+    mDriver.Step(2);
+    EXPECT_EQ(list.GetEditedRow(), -1);
+    mDriver.Click(place);
+    mDriver.Step(1);
+    ASSERT_EQ(list.GetEditedRow(), 1);
+    mDriver.Type("Snare Top");
+    mDriver.Click(Cmn_Point<int>{20, static_cast<int>(list.GetRowRect(2).Top()) + 5});
+    EXPECT_EQ(rows[1], "Snare Top");
+    EXPECT_EQ(list.GetFocusRow(), 2);
+
+    // What frees the list or its rows under the field.
+    asked = 0;
+    ASSERT_TRUE(list.EditRow(2));
+    list.SetRows(2, [](std::int64_t) { return "x"; });
+    EXPECT_EQ(list.GetEditor(), nullptr);
+    EXPECT_EQ(asked, 0);
+    list.SetEditCallback([&](std::int64_t, const std::string&) {
+        list.Free();
+        return true;
+    });
+    ASSERT_TRUE(list.EditRow(0));
+    mDriver.Type("y");
+    mDriver.Key(kDAW_Key_Return);
+    EXPECT_EQ(mWindow->FindSubView(kOther, true), nullptr);
+}
+
 TEST_F(Controls, APopupIsChosenFromByMouseKeysAndTyping) {
     auto& popup = Add<TPopup>(VRect(20, 100, 160, 124));
     popup.SetChoices({"Bars", "Minutes", "-", "Time code", "Feet & frames"}, /*redraw*/ true);
