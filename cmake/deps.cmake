@@ -17,8 +17,13 @@ else()
     find_package(EXPAT REQUIRED)
     target_link_libraries(qlx_dependencies INTERFACE EXPAT::EXPAT)
     find_package(PkgConfig REQUIRED)
-    pkg_check_modules(QLX_DESKTOP REQUIRED IMPORTED_TARGET
-                      cairo pango pangocairo pangoft2 fontconfig freetype2 sdl2)
-    target_link_libraries(qlx_dependencies INTERFACE PkgConfig::QLX_DESKTOP)
+    # Everything is compiled against; SDL and Pango are loaded when a run needs them (qlx_sdlapi,
+    # qlx_pangoapi), so that start-up does not pay for the fifty libraries behind them.
+    pkg_check_modules(QLX_DESKTOP REQUIRED cairo pango pangocairo pangoft2 fontconfig freetype2 sdl2)
+    target_include_directories(qlx_dependencies SYSTEM INTERFACE ${QLX_DESKTOP_INCLUDE_DIRS})
+    target_compile_options(qlx_dependencies INTERFACE ${QLX_DESKTOP_CFLAGS_OTHER})
+    pkg_check_modules(QLX_LINKED REQUIRED IMPORTED_TARGET cairo fontconfig freetype2)
+    target_link_libraries(qlx_dependencies INTERFACE $<LINK_ONLY:PkgConfig::QLX_LINKED>
+                                                     ${CMAKE_DL_LIBS})
     set(QLX_WITH_DESKTOP ON)
 endif()

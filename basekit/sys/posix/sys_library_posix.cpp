@@ -9,3 +9,17 @@ void Sys_LoadLibrary(const Sys_FileLoc& loc) {
     const char* const reason = dlerror();
     throw Sys_FileError(loc.GetPath(), reason ? reason : "the library cannot be loaded");
 }
+
+Sys_Library::Sys_Library(const std::string& name)
+    : mName(name), mHandle(dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL)) {
+    if (mHandle)
+        return;
+    const char* const reason = dlerror();
+    throw Sys_FileError(name, reason ? reason : "the library cannot be loaded");
+}
+
+void* Sys_Library::Find(const char* function) const {
+    if (void* const found = dlsym(mHandle, function))
+        return found;
+    throw Sys_FileError(mName, std::string("the library has no function ") + function);
+}

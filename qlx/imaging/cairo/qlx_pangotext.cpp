@@ -5,11 +5,10 @@
 #include <string>
 
 #include "qlx/imaging/cairo/qlx_datafiles.h"
+#include "qlx/imaging/cairo/qlx_pangoapi.h"
 #include "qlx/imaging/qlx_utf8.h"
 
 #include <fontconfig/fontconfig.h>
-#include <pango/pangofc-fontmap.h>
-#include <pango/pangoft2.h>
 
 namespace {
 
@@ -17,7 +16,7 @@ namespace {
 constexpr std::size_t kMostTexts = 512;
 
 struct Unref {
-    void operator()(void* object) const noexcept { g_object_unref(object); }
+    void operator()(void* object) const noexcept { QLX_Pango().g_object_unref(object); }
 };
 template <class T>
 using ObjectPtr = std::unique_ptr<T, Unref>;
@@ -51,36 +50,39 @@ void WithoutHinting(FcPattern* pattern, gpointer) {
 class Shaper {
   public:
     Shaper() {
-        mMap.reset(pango_ft2_font_map_new());
-        auto* map = PANGO_FT2_FONT_MAP(mMap.get());
-        pango_ft2_font_map_set_resolution(map, 96, 96);
+        mMap.reset(QLX_Pango().pango_ft2_font_map_new());
+        auto* map = reinterpret_cast<PangoFT2FontMap*>(mMap.get());
+        QLX_Pango().pango_ft2_font_map_set_resolution(map, 96, 96);
         FcConfig* config = NewConfiguration();
-        pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(mMap.get()), config);
+        QLX_Pango().pango_fc_font_map_set_config(reinterpret_cast<PangoFcFontMap*>(mMap.get()),
+                                                 config);
         FcConfigDestroy(config); // the map holds its own reference
-        pango_fc_font_map_set_default_substitute(PANGO_FC_FONT_MAP(mMap.get()), WithoutHinting,
-                                                 nullptr, nullptr);
-        mContext.reset(pango_font_map_create_context(mMap.get()));
-        pango_context_set_round_glyph_positions(mContext.get(), FALSE);
-        mLayout.reset(pango_layout_new(mContext.get()));
-        pango_layout_set_single_paragraph_mode(mLayout.get(), TRUE);
+        QLX_Pango().pango_fc_font_map_set_default_substitute(
+            reinterpret_cast<PangoFcFontMap*>(mMap.get()), WithoutHinting, nullptr, nullptr);
+        mContext.reset(QLX_Pango().pango_font_map_create_context(mMap.get()));
+        QLX_Pango().pango_context_set_round_glyph_positions(mContext.get(), FALSE);
+        mLayout.reset(QLX_Pango().pango_layout_new(mContext.get()));
+        QLX_Pango().pango_layout_set_single_paragraph_mode(mLayout.get(), TRUE);
     }
 
     void Shape(const QLX_Font& font, const std::string& text, QLX_ShapedText& out) {
-        PangoFontDescription* description = pango_font_description_new();
-        pango_font_description_set_family(description, font.GetFamily().c_str());
-        pango_font_description_set_absolute_size(description, double(font.GetSize()) * PANGO_SCALE);
+        PangoFontDescription* description = QLX_Pango().pango_font_description_new();
+        QLX_Pango().pango_font_description_set_family(description, font.GetFamily().c_str());
+        QLX_Pango().pango_font_description_set_absolute_size(description,
+                                                             double(font.GetSize()) * PANGO_SCALE);
         if (font.IsBold())
-            pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
-        pango_layout_set_font_description(mLayout.get(), description);
-        pango_font_description_free(description);
-        pango_layout_set_text(mLayout.get(), text.data(), int(text.size()));
-        PangoAttrList* attributes = pango_attr_list_new();
+            QLX_Pango().pango_font_description_set_weight(description, PANGO_WEIGHT_BOLD);
+        QLX_Pango().pango_layout_set_font_description(mLayout.get(), description);
+        QLX_Pango().pango_font_description_free(description);
+        QLX_Pango().pango_layout_set_text(mLayout.get(), text.data(), int(text.size()));
+        PangoAttrList* attributes = QLX_Pango().pango_attr_list_new();
         // No kerning and no ligatures that are only for looks, as in simple text: widths add up.
-        pango_attr_list_insert(attributes, pango_attr_font_features_new("kern=0, liga=0, clig=0"));
-        pango_layout_set_attributes(mLayout.get(), attributes);
-        pango_attr_list_unref(attributes);
+        QLX_Pango().pango_attr_list_insert(
+            attributes, QLX_Pango().pango_attr_font_features_new("kern=0, liga=0, clig=0"));
+        QLX_Pango().pango_layout_set_attributes(mLayout.get(), attributes);
+        QLX_Pango().pango_attr_list_unref(attributes);
 
-        PangoLayoutLine* line = pango_layout_get_line_readonly(mLayout.get(), 0);
+        PangoLayoutLine* line = QLX_Pango().pango_layout_get_line_readonly(mLayout.get(), 0);
         int x = 0;
         for (const GSList* run = line ? line->runs : nullptr; run; run = run->next)
             AddRun(*static_cast<PangoLayoutRun*>(run->data), font, x, out);
@@ -90,8 +92,13 @@ class Shaper {
   private:
     [[nodiscard]] static QLX_GlyphSource SourceOf(PangoFont* font, bool slant) {
         QLX_GlyphSource source;
+        // GLib's cast macros call its functions by name; these are the same questions.
+        const QLX_PangoFunctions& pango = QLX_Pango();
+        const bool isFontconfigs = pango.g_type_check_instance_is_a(
+            reinterpret_cast<GTypeInstance*>(font), pango.pango_fc_font_get_type());
         FcPattern* pattern =
-            PANGO_IS_FC_FONT(font) ? pango_fc_font_get_pattern(PANGO_FC_FONT(font)) : nullptr;
+            isFontconfigs ? pango.pango_fc_font_get_pattern(reinterpret_cast<PangoFcFont*>(font))
+                          : nullptr;
         FcChar8* file = nullptr;
         if (!pattern || FcPatternGetString(pattern, FC_FILE, 0, &file) != FcResultMatch)
             return source;

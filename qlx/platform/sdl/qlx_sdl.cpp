@@ -5,6 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "qlx/platform/sdl/qlx_sdlapi.h"
 #include "qlx/platform/sdl/qlx_sdlkeys.h"
 #include "qlx/platform/sdl/qlx_sdlstate.h"
 #include "qlx/views/qlx_windowevents.h"
@@ -13,12 +14,12 @@ namespace {
 
 void SetHints() {
     // Straight to the window: through SDL's texture a small update costs as much as a whole window.
-    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
-    SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-    SDL_SetHint(SDL_HINT_IME_SUPPORT_EXTENDED_TEXT, "1");
+    QLX_SDL().SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    QLX_SDL().SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    QLX_SDL().SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    QLX_SDL().SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
+    QLX_SDL().SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
+    QLX_SDL().SetHint(SDL_HINT_IME_SUPPORT_EXTENDED_TEXT, "1");
 }
 
 } // namespace
@@ -30,31 +31,32 @@ QLX_SDLPlatform::State::State() : loop(*this), factory(*this) {}
 QLX_SDLPlatform::State::~State() {
     for (SDL_Cursor* cursor : cursors) {
         if (cursor)
-            SDL_FreeCursor(cursor);
+            QLX_SDL().FreeCursor(cursor);
     }
 }
 
 QLX_SDLPlatform::QLX_SDLPlatform() : mState(std::make_unique<State>()) {
+    QLX_LoadSDL();
     SetHints();
-    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
-        throw std::runtime_error(std::string("no display: ") + SDL_GetError());
+    if (QLX_SDL().InitSubSystem(SDL_INIT_VIDEO) != 0)
+        throw std::runtime_error(std::string("no display: ") + QLX_SDL().GetError());
     // Without a display SDL takes a driver that shows nothing, and the program would seem to hang.
-    const char* driver = SDL_GetCurrentVideoDriver();
+    const char* driver = QLX_SDL().GetCurrentVideoDriver();
     const bool shows =
         driver && std::strcmp(driver, "dummy") != 0 && std::strcmp(driver, "offscreen") != 0;
     if (!shows && !std::getenv("SDL_VIDEODRIVER")) {
-        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+        QLX_SDL().QuitSubSystem(SDL_INIT_VIDEO);
         throw std::runtime_error("no display: neither X11 nor Wayland can be reached");
     }
-    mState->wakeEvent = SDL_RegisterEvents(1);
+    mState->wakeEvent = QLX_SDL().RegisterEvents(1);
     mState->displayScale = ScaleFromEnvironment(120);
-    SDL_StartTextInput();
+    QLX_SDL().StartTextInput();
 }
 
 QLX_SDLPlatform::~QLX_SDLPlatform() {
     Uninstall();
     mState.reset();
-    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    QLX_SDL().QuitSubSystem(SDL_INIT_VIDEO);
 }
 
 QLX_EventLoop& QLX_SDLPlatform::GetEventLoop() { return mState->loop; }
@@ -78,16 +80,16 @@ QLX_SDLLoop::~QLX_SDLLoop() = default;
 bool QLX_SDLLoop::DispatchNative() {
     bool any = false;
     SDL_Event event;
-    while (SDL_PollEvent(&event)) {
+    while (QLX_SDL().PollEvent(&event)) {
         if (event.type == mPlatform.wakeEvent)
             continue;
         any = true;
         // Of a run of movements the last one counts.
         SDL_Event next;
         while (event.type == SDL_MOUSEMOTION &&
-               SDL_PeepEvents(&next, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) == 1 &&
+               QLX_SDL().PeepEvents(&next, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) == 1 &&
                next.type == SDL_MOUSEMOTION && next.motion.windowID == event.motion.windowID)
-            SDL_PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
+            QLX_SDL().PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
         mPlatform.Deliver(event);
     }
     return any;
@@ -97,9 +99,9 @@ bool QLX_SDLLoop::WaitNative(double seconds) {
     // Rounded up: a timer that is woken for too early would spin until its time.
     const double milliseconds = std::ceil(seconds * 1000);
     if (milliseconds >= 1e9)
-        SDL_WaitEvent(nullptr);
+        QLX_SDL().WaitEvent(nullptr);
     else
-        SDL_WaitEventTimeout(nullptr, static_cast<int>(milliseconds));
+        QLX_SDL().WaitEventTimeout(nullptr, static_cast<int>(milliseconds));
     return true;
 }
 
@@ -107,7 +109,7 @@ void QLX_SDLLoop::WakeNative() {
     SDL_Event event;
     std::memset(&event, 0, sizeof event);
     event.type = mPlatform.wakeEvent;
-    SDL_PushEvent(&event);
+    QLX_SDL().PushEvent(&event);
 }
 
 // Windows
@@ -138,12 +140,12 @@ void QLX_SDLPlatform::State::ShowCursor(ECursor cursor) {
         SDL_SYSTEM_CURSOR_SIZENESW, SDL_SYSTEM_CURSOR_NO,      SDL_SYSTEM_CURSOR_ARROW};
     if (cursor < 0 || cursor >= kCursor_Count)
         return;
-    SDL_ShowCursor(cursor == kCursor_Hidden ? SDL_DISABLE : SDL_ENABLE);
+    QLX_SDL().ShowCursor(cursor == kCursor_Hidden ? SDL_DISABLE : SDL_ENABLE);
     const auto index = static_cast<std::size_t>(cursor);
     if (!cursors[index])
-        cursors[index] = SDL_CreateSystemCursor(kShapes[index]);
+        cursors[index] = QLX_SDL().CreateSystemCursor(kShapes[index]);
     if (cursors[index])
-        SDL_SetCursor(cursors[index]);
+        QLX_SDL().SetCursor(cursors[index]);
 }
 
 // The keyboard
@@ -151,18 +153,18 @@ void QLX_SDLPlatform::State::ShowCursor(ECursor cursor) {
 QLX_SDLKeyboard::~QLX_SDLKeyboard() = default;
 
 std::uint32_t QLX_SDLKeyboard::GetModifierBits() const {
-    return QLX_SDLModifiers(static_cast<std::uint16_t>(SDL_GetModState()));
+    return QLX_SDLModifiers(static_cast<std::uint16_t>(QLX_SDL().GetModState()));
 }
 
 bool QLX_SDLKeyboard::IsKeyDown(DAW_EKeyCode key) const {
     int count = 0;
-    const Uint8* keys = SDL_GetKeyboardState(&count);
+    const Uint8* keys = QLX_SDL().GetKeyboardState(&count);
     const SDL_Scancode scan = QLX_SDLScanCode(key);
     return scan > SDL_SCANCODE_UNKNOWN && scan < count && keys[scan] != 0;
 }
 
 std::uint32_t QLX_SDLKeyboard::GetMouseButtons() const {
-    const Uint32 state = SDL_GetMouseState(nullptr, nullptr);
+    const Uint32 state = QLX_SDL().GetMouseState(nullptr, nullptr);
     std::uint32_t bits = 0;
     if (state & SDL_BUTTON_LMASK)
         bits |= kQLX_MouseButton_Left;
@@ -178,14 +180,16 @@ std::uint32_t QLX_SDLKeyboard::GetMouseButtons() const {
 QLX_SDLClipboard::~QLX_SDLClipboard() = default;
 
 bool QLX_SDLClipboard::GetText(std::string& text) {
-    if (!SDL_HasClipboardText())
+    if (!QLX_SDL().HasClipboardText())
         return false;
-    char* copy = SDL_GetClipboardText();
+    char* copy = QLX_SDL().GetClipboardText();
     if (!copy)
         return false;
     text = copy;
-    SDL_free(copy);
+    QLX_SDL().free(copy);
     return true;
 }
 
-void QLX_SDLClipboard::SetText(const std::string& text) { SDL_SetClipboardText(text.c_str()); }
+void QLX_SDLClipboard::SetText(const std::string& text) {
+    QLX_SDL().SetClipboardText(text.c_str());
+}

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "basekit/cmn/cmn_string.h"
+#include "qlx/platform/sdl/qlx_sdlapi.h"
 #include "qlx/platform/sdl/qlx_sdlkeys.h"
 #include "qlx/platform/sdl/qlx_sdlstate.h"
 #include "qlx/views/qlx_windowevents.h"
@@ -12,7 +13,7 @@
 namespace {
 
 std::uint32_t Modifiers() {
-    return QLX_SDLModifiers(static_cast<std::uint16_t>(SDL_GetModState()));
+    return QLX_SDLModifiers(static_cast<std::uint16_t>(QLX_SDL().GetModState()));
 }
 
 /// Whether what a key types while these are held is a command and no text. Alt Gr types.
@@ -24,12 +25,12 @@ bool SuppressesText(Uint16 modifiers) {
 
 /// Takes the text that a key typed from the queue, when it is the next event there.
 bool TakeText(Uint32 windowID, std::string& text) {
-    SDL_PumpEvents();
+    QLX_SDL().PumpEvents();
     SDL_Event next;
-    if (SDL_PeepEvents(&next, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) != 1 ||
+    if (QLX_SDL().PeepEvents(&next, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) != 1 ||
         next.type != SDL_TEXTINPUT || next.text.windowID != windowID)
         return false;
-    SDL_PeepEvents(&next, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
+    QLX_SDL().PeepEvents(&next, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
     text = next.text.text;
     return true;
 }
@@ -45,7 +46,7 @@ void QLX_SDLPlatform::State::Deliver(const SDL_Event& event) {
     case SDL_TEXTINPUT:
         // Not a key's: those were taken with it.
         if (QLX_SDLWindow* window = FindWindow(event.text.windowID))
-            if (!SuppressesText(static_cast<Uint16>(SDL_GetModState())))
+            if (!SuppressesText(static_cast<Uint16>(QLX_SDL().GetModState())))
                 DeliverText(*window, event.text.text);
         break;
     case SDL_TEXTEDITING:
@@ -58,7 +59,7 @@ void QLX_SDLPlatform::State::Deliver(const SDL_Event& event) {
             window->GetClient()->PortEvent(QLX_MakeCompositionEvent(
                 event.editExt.text, event.editExt.start + event.editExt.length,
                 event.editExt.length));
-        SDL_free(event.editExt.text);
+        QLX_SDL().free(event.editExt.text);
         break;
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP:
@@ -107,7 +108,7 @@ void QLX_SDLPlatform::State::DeliverKey(const SDL_KeyboardEvent& key) {
             character = typed;
         text.erase(0, position);
     } else if (QLX_SDLTypesText(key.keysym) && !SuppressesText(key.keysym.mod) &&
-               SDL_IsTextInputActive() && character >= 128) {
+               QLX_SDL().IsTextInputActive() && character >= 128) {
         character = 0; // a dead key: its text comes with the next one
     }
     window->GetClient()->PortEvent(QLX_MakeKeyEvent(
@@ -149,7 +150,7 @@ void QLX_SDLPlatform::State::DeliverWheel(const SDL_MouseWheelEvent& wheel) {
         return;
     int x = 0;
     int y = 0;
-    SDL_GetMouseState(&x, &y);
+    QLX_SDL().GetMouseState(&x, &y);
     const Cmn_Point<int> delta{static_cast<int>(std::lround(wheel.preciseX * kWheel_Notch)),
                                static_cast<int>(std::lround(wheel.preciseY * kWheel_Notch))};
     window->GetClient()->PortEvent(QLX_MakeWheelEvent(window->ToLogical(x, y), delta, Modifiers()));

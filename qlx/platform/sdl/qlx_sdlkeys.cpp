@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "qlx/platform/sdl/qlx_sdlapi.h"
+
 namespace {
 
 struct KeyPair {
@@ -131,5 +133,5 @@ SDL_Scancode QLX_SDLScanCode(DAW_EKeyCode key) {
     if (key >= kDAW_FirstNamedKeyCode)
         return static_cast<SDL_Scancode>(key - kDAW_FirstNamedKeyCode);
     const bool capital = key >= 'A' && key <= 'Z';
-    return SDL_GetScancodeFromKey(static_cast<SDL_Keycode>(capital ? key - 'A' + 'a' : key));
+    return QLX_SDL().GetScancodeFromKey(static_cast<SDL_Keycode>(capital ? key - 'A' + 'a' : key));
 }

@@ -1,12 +1,11 @@
 #include "qlx/platform/sdl/qlx_sdlwindow.h"
 
-#include <SDL.h>
-
 #include <algorithm>
 #include <array>
 
 #include "basekit/cmn/cmn_trace.h"
 #include "qlx/imaging/qlx_painterfactory.h"
+#include "qlx/platform/sdl/qlx_sdlapi.h"
 #include "qlx/platform/sdl/qlx_sdlstate.h"
 #include "qlx/views/uview.h"
 
@@ -36,15 +35,15 @@ QLX_SDLWindow::QLX_SDLWindow(QLX_SDLPlatform::State& platform, const QLX_WindowS
     const int x = settings.mPlaced ? place.x : static_cast<int>(SDL_WINDOWPOS_UNDEFINED);
     const int y = settings.mPlaced ? place.y : static_cast<int>(SDL_WINDOWPOS_UNDEFINED);
     // SDL knows no window without size; the views' size decides what is drawn.
-    mWindow = SDL_CreateWindow(settings.mTitle.c_str(), x, y, std::max(size.x, 1),
-                               std::max(size.y, 1), FlagsFor(settings));
+    mWindow = QLX_SDL().CreateWindow(settings.mTitle.c_str(), x, y, std::max(size.x, 1),
+                                     std::max(size.y, 1), FlagsFor(settings));
     if (!mWindow) {
-        Cmn_TraceWrite("SDL_CreateWindow: %s", SDL_GetError());
+        Cmn_TraceWrite("SDL_CreateWindow: %s", QLX_SDL().GetError());
         return;
     }
     if (settings.mDialog) {
         if (QLX_SDLWindow* owner = platform.FindWindow(platform.focusedID))
-            SDL_SetWindowModalFor(mWindow, owner->mWindow);
+            QLX_SDL().SetWindowModalFor(mWindow, owner->mWindow);
     }
     platform.windows.push_back(this);
 }
@@ -54,10 +53,10 @@ QLX_SDLWindow::~QLX_SDLWindow() {
         QLX_PainterFactory::Get().Detach(*mPainter);
     std::erase(mPlatform.windows, this);
     if (mWindow)
-        SDL_DestroyWindow(mWindow);
+        QLX_SDL().DestroyWindow(mWindow);
 }
 
-Uint32 QLX_SDLWindow::GetID() const { return SDL_GetWindowID(mWindow); }
+Uint32 QLX_SDLWindow::GetID() const { return QLX_SDL().GetWindowID(mWindow); }
 
 Cmn_Point<int> QLX_SDLWindow::ToDevice(Cmn_Point<int> size) const {
     return {mScale.EdgeToDevice(size.x), mScale.EdgeToDevice(size.y)};
@@ -75,46 +74,46 @@ Cmn_Point<int> QLX_SDLWindow::ToLogical(int x, int y) const {
 Cmn_Point<int> QLX_SDLWindow::GetSize() const {
     int width = 0;
     int height = 0;
-    SDL_GetWindowSize(mWindow, &width, &height);
+    QLX_SDL().GetWindowSize(mWindow, &width, &height);
     const Cmn_Rect<int> covered = mScale.RectToLogical({0, 0, width, height});
     return {covered.right, covered.bottom};
 }
 
 void QLX_SDLWindow::SetSize(Cmn_Point<int> size) {
     const Cmn_Point<int> device = ToDevice(size);
-    SDL_SetWindowSize(mWindow, std::max(device.x, 1), std::max(device.y, 1));
+    QLX_SDL().SetWindowSize(mWindow, std::max(device.x, 1), std::max(device.y, 1));
 }
 
 void QLX_SDLWindow::SetMinimumSize(Cmn_Point<int> size) {
     const Cmn_Point<int> device = ToDevice(size);
     if (device.x > 0 && device.y > 0)
-        SDL_SetWindowMinimumSize(mWindow, device.x, device.y);
+        QLX_SDL().SetWindowMinimumSize(mWindow, device.x, device.y);
 }
 
 Cmn_Point<int> QLX_SDLWindow::GetPlace() const {
     int x = 0;
     int y = 0;
-    SDL_GetWindowPosition(mWindow, &x, &y);
+    QLX_SDL().GetWindowPosition(mWindow, &x, &y);
     return ToLogical(x, y);
 }
 
 void QLX_SDLWindow::SetPlace(Cmn_Point<int> place) {
     const Cmn_Point<int> device = ToDevice(place);
-    SDL_SetWindowPosition(mWindow, device.x, device.y);
+    QLX_SDL().SetWindowPosition(mWindow, device.x, device.y);
 }
 
 void QLX_SDLWindow::SetTitle(const std::string& title) {
-    SDL_SetWindowTitle(mWindow, title.c_str());
+    QLX_SDL().SetWindowTitle(mWindow, title.c_str());
 }
 
 void QLX_SDLWindow::Show(bool shown) {
     if (shown)
-        SDL_ShowWindow(mWindow);
+        QLX_SDL().ShowWindow(mWindow);
     else
-        SDL_HideWindow(mWindow);
+        QLX_SDL().HideWindow(mWindow);
 }
 
-void QLX_SDLWindow::Activate() { SDL_RaiseWindow(mWindow); }
+void QLX_SDLWindow::Activate() { QLX_SDL().RaiseWindow(mWindow); }
 
 // Painting
 
@@ -126,15 +125,15 @@ const QLX_WindowPort::PainterPtr& QLX_SDLWindow::GetPainter() {
     if (mPainter)
         QLX_PainterFactory::Get().Detach(*mPainter);
     mPainter.Reset();
-    SDL_Surface* surface = SDL_GetWindowSurface(mWindow);
+    SDL_Surface* surface = QLX_SDL().GetWindowSurface(mWindow);
     if (!surface) {
-        Cmn_TraceWrite("SDL_GetWindowSurface: %s", SDL_GetError());
+        Cmn_TraceWrite("SDL_GetWindowSurface: %s", QLX_SDL().GetError());
         return mPainter;
     }
     if (surface->format->BytesPerPixel != 4 || surface->format->Rmask != 0x00FF0000U ||
         surface->format->Bmask != 0x000000FFU) {
         Cmn_TraceWrite("the window's pixels are %s, which the painters cannot draw",
-                       SDL_GetPixelFormatName(surface->format->format));
+                       QLX_SDL().GetPixelFormatName(surface->format->format));
         return mPainter;
     }
     mPainter = QLX_PainterFactory::Get().MakeForBuffer(
@@ -148,7 +147,7 @@ const QLX_WindowPort::PainterPtr& QLX_SDLWindow::GetPainter() {
 void QLX_SDLWindow::Present(const std::vector<Cmn_Rect<int>>& rects) {
     int width = 0;
     int height = 0;
-    SDL_GetWindowSize(mWindow, &width, &height);
+    QLX_SDL().GetWindowSize(mWindow, &width, &height);
     std::vector<SDL_Rect>& shown = mPlatform.presentRects;
     shown.clear();
     for (const Cmn_Rect<int>& rect : rects) {
@@ -160,7 +159,8 @@ void QLX_SDLWindow::Present(const std::vector<Cmn_Rect<int>>& rects) {
     // A resize that has not been told yet makes the surface invalid: its event brings a full
     // redraw.
     if (!shown.empty() && !mSurfaceIsStale &&
-        SDL_UpdateWindowSurfaceRects(mWindow, shown.data(), static_cast<int>(shown.size())) != 0)
+        QLX_SDL().UpdateWindowSurfaceRects(mWindow, shown.data(), static_cast<int>(shown.size())) !=
+            0)
         mSurfaceIsStale = true;
 }
 
@@ -168,7 +168,9 @@ void QLX_SDLWindow::Present(const std::vector<Cmn_Rect<int>>& rects) {
 
 void QLX_SDLWindow::SetCursor(ECursor cursor) { mPlatform.ShowCursor(cursor); }
 
-void QLX_SDLWindow::SetCapture(bool capture) { SDL_CaptureMouse(capture ? SDL_TRUE : SDL_FALSE); }
+void QLX_SDLWindow::SetCapture(bool capture) {
+    QLX_SDL().CaptureMouse(capture ? SDL_TRUE : SDL_FALSE);
+}
 
 void QLX_SDLWindow::SetTextInput(const Cmn_Rect<int>* caret) {
     if (!caret)
@@ -176,5 +178,5 @@ void QLX_SDLWindow::SetTextInput(const Cmn_Rect<int>* caret) {
     const Cmn_Rect<int> device = mScale.RectToDevice(*caret);
     const SDL_Rect rect{device.left, device.top, device.right - device.left,
                         device.bottom - device.top};
-    SDL_SetTextInputRect(&rect);
+    QLX_SDL().SetTextInputRect(&rect);
 }
