@@ -10,18 +10,12 @@
 #include "qlx/views/uviewenvironment.h"
 #include "qlx/views/uviewextras.h"
 
-// What is known while the subviews of a view are being drawn, so that each of them need not walk up
-// to its window again: the view, its offset and its invalidate view. Every change of the tree, of a
-// place or of a show state forgets it, and then the walk is made.
-struct TView::DrawContext {
-    const TView* superView = nullptr;
-    TInvalidateView* invalidateView = nullptr;
-    VPoint toInvalidate; // from superView's local coordinates
-};
-
 TView::DrawContext TView::sDrawContext;
 
-void TView::ForgetDrawContext() { sDrawContext.superView = nullptr; }
+void TView::ForgetDrawContext() {
+    sDrawContext.superView = nullptr;
+    sDrawContext.shownSuperView = nullptr;
+}
 
 TInvalidateView* TView::GetInvalidateView() {
     if (!mSuperView)
@@ -34,7 +28,8 @@ TInvalidateView* TView::GetInvalidateView() {
 bool TView::IsShown() const {
     if (!mShown)
         return false;
-    return !mSuperView || mSuperView == sDrawContext.superView || mSuperView->IsShown();
+    return !mSuperView || mSuperView == sDrawContext.superView ||
+           mSuperView == sDrawContext.shownSuperView || mSuperView->IsShown();
 }
 
 VPoint TView::GetOffsetTo(const TInvalidateView* invalidateView) const {
@@ -103,7 +98,7 @@ void TView::DrawSubViews(const VRect& area, TInvalidateView* invalidateView,
                          const VPoint& toInvalidate) {
     const DrawContext outer = sDrawContext;
     const std::uint32_t stamp = sCoordinateStamp;
-    sDrawContext = {this, invalidateView, toInvalidate};
+    sDrawContext = {this, invalidateView, toInvalidate, nullptr};
     ++sDrawNesting;
     SubViewWalk walk(this, SubViewWalk::Order::BackToFront);
     while (TView* sub = walk.Next()) {

@@ -1,4 +1,6 @@
 // TView: the mouse, the wheel, the pointer's shape, tool tips, and typed text.
+#include <utility>
+
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uview.h"
@@ -27,17 +29,22 @@ bool TView::ContainsMouse(const VPoint& local) const {
     return GetExtent().Contains(local) && IsShown();
 }
 
+// Done for every movement of the pointer: the subviews need not ask upwards whether they are shown.
 TView* TView::FindViewAt(const VPoint& local) {
     if (!ContainsMouse(local))
         return nullptr;
-    for (int i = CountSubViews(); i >= 1; --i) {
+    struct StShown {
+        const TView* outer;
+        ~StShown() { sDrawContext.shownSuperView = outer; }
+    } const restore{std::exchange(sDrawContext.shownSuperView, this)};
+    TView* found = nullptr;
+    for (int i = CountSubViews(); i >= 1 && !found; --i) {
         TView* sub = GetSubView(i);
         VPoint point = local;
         sub->SuperToLocal(point);
-        if (TView* found = sub->FindViewAt(point))
-            return found;
+        found = sub->FindViewAt(point);
     }
-    return this;
+    return found ? found : this;
 }
 
 // An exception counts as taking the press: the view meant to, and what lies behind was not meant.

@@ -1,5 +1,5 @@
-// What few views have, kept apart from TView so that ten thousand plain views stay small. For the
-// view's own source files.
+// What few views have, kept apart from TView so that ten thousand plain views stay small, and what
+// is known for a moment while a tree is walked. For the view's own source files.
 #pragma once
 
 #include <string>
@@ -30,4 +30,15 @@ struct TViewExtras {
     int mTabOrder = 0;
     std::string mToolTip;
     std::string mAccessibleName;
+};
+
+// So that the subviews need not walk up to their window again. Every change of the tree, of a place
+// or of a show state forgets it, and then the walk is made.
+struct TView::DrawContext {
+    // While the subviews of a view are being drawn: the view, its offset and its invalidate view.
+    const TView* superView = nullptr;
+    TInvalidateView* invalidateView = nullptr;
+    VPoint toInvalidate; // from superView's local coordinates
+    // While a point is looked for: a view that is shown, whose subviews are asked.
+    const TView* shownSuperView = nullptr;
 };
