@@ -657,8 +657,8 @@ void TEditText::ReadProperties(QLX_RawPropertyContainer* container, const Mement
         mJustification = static_cast<QLX_Painter::EJustification>(std::clamp(number, 0, 2));
     ReadText(container, memento, "Placeholder", mPlaceholder);
     std::string text;
-    // What the user has typed stays when the description is read again.
-    if (ReadText(container, memento, "Text", text) && GetText().empty())
+    // What the user has typed, or emptied, stays when the description is read again.
+    if (!IsFromDescription() && ReadText(container, memento, "Text", text) && GetText().empty())
         mEditing.SetText(text);
     mLayoutValid = false;
 }

@@ -12,7 +12,9 @@
 #include "qlx/views/uadorner.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
+#include "qlx/views/ucontrol.h"
 #include "qlx/views/udebugdump.h"
+#include "qlx/views/uedittext.h"
 #include "qlx/views/uinspector.h"
 #include "qlx/views/ulayout.h"
 #include "qlx/views/uviewplaceholder.h"
@@ -188,6 +190,32 @@ TEST_F(ViewServer, RereadingKeepsWhatStillStands) {
     EXPECT_EQ(window.GetSubView(2), other);
     EXPECT_EQ(window.GetSubView(3), keep);
     EXPECT_EQ(window.GetSubView(4), byCode);
+}
+
+TEST_F(ViewServer, RereadingKeepsWhatTheUserDidToControls) {
+    const auto describe = [](const std::string& text, const std::string& value) {
+        return Living(View("TEditText", "edit", "0 0 20 90", Property("Text", "string", text)) +
+                      View("TEditText", "none", "20 0 40 90", Property("Text", "string", text)) +
+                      View("TSlider", "slid", "40 0 60 90", Property("Value", "int32", value)) +
+                      View("TCheckBox", "chck", "60 0 80 90", Property("Value", "int32", value)));
+    };
+    TWindow& window = mDriver.OpenWindow(DescriptionFromText(describe("as described", "0")));
+    mDriver.Click(ID("none"));
+    mDriver.Chord("Ctrl+A");
+    mDriver.Key(kDAW_Key_Delete);
+    mDriver.Click(ID("edit"));
+    mDriver.Chord("Ctrl+A");
+    mDriver.Type("mine");
+    mDriver.FindAs<TControl>(ID("slid")).SetValue(7, /*redraw*/ true);
+    mDriver.FindAs<TControl>(ID("chck")).SetValue(1, /*redraw*/ true);
+    TViewServer::Get()->ReReadHierarchy(&window, DescriptionFromText(describe("new", "3")));
+    EXPECT_EQ(Problems(), Lines{});
+    EXPECT_EQ(mDriver.FindAs<TEditText>(ID("edit")).GetText(), "mine");
+    EXPECT_EQ(mDriver.FindAs<TEditText>(ID("none")).GetText(), "") << "emptied on purpose";
+    EXPECT_EQ(mDriver.FindAs<TControl>(ID("slid")).GetValue(), 7);
+    EXPECT_EQ(mDriver.FindAs<TControl>(ID("chck")).GetValue(), 1);
+    mDriver.Type("!");
+    EXPECT_EQ(mDriver.FindAs<TEditText>(ID("edit")).GetText(), "mine!") << "focus and caret too";
 }
 
 TEST_F(ViewServer, RereadingAChangedClassMakesANewView) {
