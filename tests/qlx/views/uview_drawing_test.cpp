@@ -1,6 +1,8 @@
 // Drawing: order, clipping, what is visited, adorners, behaviours, failures, and ends in the
 // middle.
+#include <algorithm>
 #include <functional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -115,6 +117,47 @@ TEST_F(Drawing, OnlyWhatMeetsTheDamageIsVisited) {
     EXPECT_EQ(mRoot->GetCosts().mViewsVisited, 5U);
     EXPECT_EQ(mRoot->GetCosts().mPixelsPainted, 72U);
     EXPECT_FALSE(mRoot->NeedsDrawing());
+}
+
+// Three subviews side by side in every view, turn about in rows and columns.
+void Divide(TView* view, int levels, std::vector<TView*>& all) {
+    all.push_back(view);
+    if (levels == 0)
+        return;
+    const VPoint size = view->GetSize();
+    for (int i = 0; i < 3; ++i) {
+        const VRect frame = levels % 2 == 0
+                                ? VRect(size.h * i / 3, 0, size.h * (i + 1) / 3, size.v)
+                                : VRect(0, size.v * i / 3, size.h, size.v * (i + 1) / 3);
+        auto* sub = new TView;
+        sub->IView(view, frame);
+        Divide(sub, levels - 1, all);
+    }
+}
+
+TEST_F(Drawing, OfTenThousandViewsTheOnesThatMeetTheDamageAreVisited) {
+    mRoot->SetFrame({0, 0, 1620, 1620}, false, false);
+    std::vector<TView*> all;
+    Divide(mRoot, 8, all);
+    ASSERT_EQ(all.size(), 9841U);
+    DrawAll();
+    std::mt19937 random(9841);
+    for (int round = 0; round < 50; ++round) {
+        const int left = static_cast<int>(random() % 1600);
+        const int top = static_cast<int>(random() % 1600);
+        const VRect damage(left, top, left + 20, top + 20);
+        const auto met = std::count_if(all.begin(), all.end(), [&](TView* view) {
+            VRect place = view->GetExtent();
+            view->LocalToWindowVRect(place);
+            return !(place & damage).Empty();
+        });
+        mRoot->GetCosts() = {};
+        mRoot->InvalidateRect(damage);
+        mRoot->DrawInvalid();
+        EXPECT_EQ(mRoot->GetCosts().mViewsVisited, static_cast<std::uint64_t>(met));
+        EXPECT_LE(met, 1 + 8 * 4) << "depth and siblings hit, not the tree";
+        EXPECT_EQ(mRoot->GetCosts().mPixelsPainted, 400U);
+    }
 }
 
 TEST_F(Drawing, AdornersDrawAroundTheView) {

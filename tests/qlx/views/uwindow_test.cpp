@@ -279,6 +279,36 @@ TEST_F(Window, AViewMayEndInItsOwnPress) {
     EXPECT_EQ(Take(), (Lines{"a enter", "a1 enter", "a1 press 10,10 x1", "a1 leave"}));
 }
 
+TEST_F(Window, PressesBeyondThirtyTwoBitsArriveWhereTheyWereMade) {
+    // A timeline of ten hours at 192 kHz, scrolled to its last pixels.
+    constexpr VCoordinate kLength = 6'912'000'000;
+    auto* line = new Probe(mWindow, ID("line"), {100 - kLength, 0, 100, 50}, "line");
+    VPoint seen;
+    line->mPress = [&](TToolboxEvent*, const VPoint& local) { seen = local; };
+    mDriver.Click({99, 10});
+    EXPECT_EQ(seen, VPoint(kLength - 1, 10));
+    mDriver.ResetCosts();
+    line->InvalidateVRect({kLength - 5, 0, kLength + 5, 10});
+    EXPECT_EQ(mDriver.GetCosts().mPixelsPainted, 50U);
+    line->InvalidateVRect({0, 0, kLength - 100, 10});
+    EXPECT_EQ(mDriver.GetCosts().mFrames, 1U) << "out of sight costs nothing";
+    VPoint there(kLength - 1, 10);
+    line->LocalToWindow(there);
+    EXPECT_EQ(there, VPoint(99, 10));
+}
+
+TEST_F(Window, TheTargetMayEndInItsOwnKey) {
+    mA1->mWantsKeys = true;
+    mA1->BecomeTarget();
+    mA1->mKey = [this] { mA1->Free(); };
+    mDriver.Type("x");
+    EXPECT_EQ(mA->CountSubViews(), 0);
+    EXPECT_EQ(gApplication->GetTarget(), mA) << "the next handler";
+    Take();
+    mDriver.Type("y");
+    EXPECT_EQ(Take(), (Lines{"a key 89 char 121 state 0"}));
+}
+
 TEST_F(Window, TheWindowMayCloseInAPress) {
     mB->mPress = [this](TToolboxEvent*, const VPoint&) { mWindow->Close(); };
     mDriver.Click({120, 20});
