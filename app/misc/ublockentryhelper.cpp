@@ -53,6 +53,11 @@ bool CBlockEntryHelper::IsSelection(TNumericEntryText* field, short start, short
     return GetLayout(field).IsSelection({start, end});
 }
 
+void CBlockEntryHelper::GetValueRange(TNumericEntryText* field, double& minimum, double& maximum) {
+    minimum = static_cast<double>(UnitsToSamples(field, GetMinUnits(field)));
+    maximum = static_cast<double>(UnitsToSamples(field, GetMaxUnits(field)));
+}
+
 // ---- Typing ----
 
 void CBlockEntryHelper::DoTyping(TNumericEntryText* field, char character) {

@@ -36,6 +36,7 @@ class QLX_API CBlockEntryHelper : public CNumericEntryHelper {
     bool TextToSamples(TNumericEntryText* field, std::int64_t& samples) override;
     [[nodiscard]] bool HasShape(TNumericEntryText* field, const std::string& text) override;
     [[nodiscard]] bool IsSelection(TNumericEntryText* field, short start, short end) override;
+    void GetValueRange(TNumericEntryText* field, double& minimum, double& maximum) override;
 
   protected:
     // What a format says about itself. The field may be null where a text is made for none; the

@@ -138,11 +138,7 @@ bool CDurationEntryHelper::TakePasted(TNumericEntryText*, const CPastedTime& pas
                                       std::int64_t& units) const {
     if (pasted.mKind != CPastedTime::Kind::BarsBeats)
         return false;
-    const Time_Meter& meter = FirstMeter();
-    // Read as a length: beats count from zero here.
-    units = (pasted.mPosition.bar * meter.numerator + pasted.mPosition.beat) *
-                meter.DisplayTicksPerBeat() +
-            pasted.mPosition.tick;
+    units = ToDisplay(Entry_PastedTicks(pasted, /*isLength*/ true));
     return true;
 }
 
@@ -234,6 +230,6 @@ bool CBarsBeatsEntryHelper::TakePasted(TNumericEntryText* field, const CPastedTi
         return false;
     if (field->IsDurationText())
         return CDurationEntryHelper::TakePasted(field, pasted, units);
-    units = ToDisplay(Time_SessionMeterMap().ToTicks(pasted.mPosition));
+    units = ToDisplay(Entry_PastedTicks(pasted, /*isLength*/ false));
     return true;
 }

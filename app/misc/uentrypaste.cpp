@@ -165,9 +165,28 @@ bool ReadFeet(const std::string& text, CPastedTime& pasted, std::string& report)
     return true;
 }
 
+// B|b or B|b|t. Beat 0 is read too: lengths count from zero.
+bool TakeBars(std::string_view text, Time_BarBeatTick& position) {
+    std::int64_t fields[3] = {};
+    constexpr std::size_t digitLimits[] = {12, 6, 8};
+    std::size_t digits = 0;
+    const bool negative = Time_TakeChar(text, '-');
+    for (int i = 0; i < 3; ++i) {
+        const bool ended = i == 2 && text.empty();
+        if (ended)
+            break;
+        if ((i > 0 && !Time_TakeChar(text, '|')) ||
+            !Time_TakeDigits(text, digitLimits[i], fields[i], digits))
+            return false;
+    }
+    position = {negative ? -fields[0] : fields[0], static_cast<std::int32_t>(fields[1]),
+                static_cast<std::int32_t>(fields[2])};
+    return text.empty();
+}
+
 bool ReadBars(const std::string& text, CPastedTime& pasted, std::string& report) {
-    if (!pasted.mPosition.FromString(text)) {
-        report = Quoted(text) + " is no bar position: bar|beat|tick is expected";
+    if (!TakeBars(text, pasted.mPosition)) {
+        report = Quoted(text) + " is no musical time: bars|beats or bars|beats|ticks is expected";
         return false;
     }
     pasted.mKind = CPastedTime::Kind::BarsBeats;
@@ -280,6 +299,18 @@ bool Entry_ReadPastedInteger(const std::string& text, std::int64_t& value, std::
     return true;
 }
 
+Time_TickLength Entry_PastedTicks(const CPastedTime& pasted, bool isLength) {
+    Time_BarBeatTick position = pasted.mPosition;
+    if (!isLength) {
+        position.beat = std::max(position.beat, 1); // what was meant is the bar's first
+        return Time_SessionMeterMap().ToTicks(position);
+    }
+    const Time_Meter& meter = Time_SessionMeterMap().GetMeter(1);
+    return Time_TickLength::FromDisplayTicks((position.bar * meter.numerator + position.beat) *
+                                                 meter.DisplayTicksPerBeat() +
+                                             position.tick);
+}
+
 std::int64_t Entry_PastedSamples(const CPastedTime& pasted, bool isLength) {
     const std::int32_t rate = Time_Session::GetSampleRate();
     switch (pasted.mKind) {
@@ -292,7 +323,7 @@ std::int64_t Entry_PastedSamples(const CPastedTime& pasted, bool isLength) {
         return pasted.mFeetFrame.GetSamples(rate).GetSamples();
     case CPastedTime::Kind::BarsBeats:
         return Time_SessionTempoMap()
-            .ToSample(Time_SessionMeterMap().ToTicks(pasted.mPosition), rate)
+            .ToSample(Entry_PastedTicks(pasted, isLength), rate)
             .GetSamples();
     case CPastedTime::Kind::Samples:
     case CPastedTime::Kind::Digits:

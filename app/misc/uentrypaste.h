@@ -49,5 +49,9 @@ QLX_API bool Entry_ReadPastedTime(const std::string& text, ETimeCodeFormat forma
 QLX_API bool Entry_ReadPastedInteger(const std::string& text, std::int64_t& value,
                                      std::string& report);
 
+/// Bars, beats and ticks: a position by the session's meter map, or a length in bars of its first
+/// meter with beats from zero.
+[[nodiscard]] QLX_API Time_TickLength Entry_PastedTicks(const CPastedTime& pasted, bool isLength);
+
 /// A time that is not mere digits, in samples: from the session start, or as a length.
 [[nodiscard]] QLX_API std::int64_t Entry_PastedSamples(const CPastedTime& pasted, bool isLength);

@@ -56,6 +56,16 @@ bool CNumberEntryHelper::HiliteNextBlock(TNumericEntryText* field, EBlockHiliteD
     return true;
 }
 
+void CNumberEntryHelper::GetValueRange(TNumericEntryText* field, double& minimum, double& maximum) {
+    std::int64_t least = 0;
+    std::int64_t most = 0;
+    GetBounds(field, least, most);
+    minimum = static_cast<double>(least) / GetScale();
+    maximum = static_cast<double>(most) / GetScale();
+}
+
+double CNumberEntryHelper::GetScale() const { return 1; }
+
 bool CNumberEntryHelper::IsSelection(TNumericEntryText* field, short start, short end) {
     return start == 0 && end == static_cast<short>(field->GetText().size());
 }

@@ -29,6 +29,7 @@ class QLX_API CNumberEntryHelper : public CNumericEntryHelper {
                     std::string& report) override;
     [[nodiscard]] bool HasShape(TNumericEntryText* field, const std::string& text) override;
     [[nodiscard]] bool IsSelection(TNumericEntryText* field, short start, short end) override;
+    void GetValueRange(TNumericEntryText* field, double& minimum, double& maximum) override;
 
     /// The longest text that typing makes.
     static constexpr std::size_t kMaxCharacters = 31;
@@ -43,6 +44,9 @@ class QLX_API CNumberEntryHelper : public CNumericEntryHelper {
     [[nodiscard]] virtual std::int64_t Allowed(TNumericEntryText* field, std::int64_t value) const;
     [[nodiscard]] virtual std::int64_t StepValue(TNumericEntryText* field, std::int64_t value,
                                                  std::int64_t delta) const;
+
+    /// How many of the numbers make one of the unit that users count in.
+    [[nodiscard]] virtual double GetScale() const;
 
     /// Puts a text in place and, while the field has the keyboard, selects all of it.
     void Put(TNumericEntryText* field, const std::string& text) const;

@@ -4,6 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "app/misc/unumericentrytext.h"
+
 namespace {
 
 constexpr std::uint32_t cSubframesBit = 0x40000000;
@@ -81,6 +83,12 @@ bool CNumericEntryHelper::IsSelection(TNumericEntryText*, short start, short end
 }
 
 bool CNumericEntryHelper::TypesSigns() const { return false; }
+
+void CNumericEntryHelper::GetValueRange(TNumericEntryText* field, double& minimum,
+                                        double& maximum) {
+    minimum = field->GetMinFloatValue();
+    maximum = field->GetMaxFloatValue();
+}
 
 std::uint32_t CNumericEntryHelper::MakeHelperMapKey(ENumericEntryFormat format, bool useSubframes,
                                                     bool optional) {

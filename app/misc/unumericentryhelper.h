@@ -80,6 +80,10 @@ class QLX_API CNumericEntryHelper {
     [[nodiscard]] virtual bool IsSelection(TNumericEntryText* field, short start, short end);
     /// Whether "+" and "-" are typed as signs where they would otherwise start arithmetic.
     [[nodiscard]] virtual bool TypesSigns() const;
+    /// The least and the greatest value that the field can hold, in what SetTextFromSample,
+    /// SetTextFromFloatValue (levels) and SetTextFromIntegerValue (the rest) take. The field's
+    /// bounds.
+    virtual void GetValueRange(TNumericEntryText* field, double& minimum, double& maximum);
 
     [[nodiscard]] std::int32_t GetDefaultValueInt() const { return mDefaultValue; }
 

@@ -262,10 +262,17 @@ void TNumericEntryText::Convert(CNumericEntryHelper* helper, ETimeCodeFormat tim
     if (isNew)
         mHelper->FormatChanged(this);
     std::string text;
+    std::string report;
     if (isTime && mHelper->SampleToString(this, samples, text))
         ChangeText(text);
-    else if (!wildcard && !mHelper->HasShape(this, mText))
-        mHelper->ResetCurrentText(this);
+    else if (!wildcard && !mHelper->HasShape(this, mText)) {
+        // The format's own shape has changed (a meter with longer beats takes more digits of
+        // ticks): the text is read once more as the value that it was.
+        if (!isNew && mHelper->ParsePaste(this, mText, text, report))
+            ChangeText(text);
+        else
+            mHelper->ResetCurrentText(this);
+    }
     mBackup = mText;
     if (IsTarget() && mEditable)
         mHelper->GetInitialSelection(this);
@@ -717,8 +724,7 @@ void TNumericEntryText::ReadAccessibility(std::string& spoken) {
 bool TNumericEntryText::GetRangeForAccessibility(double& minimum, double& maximum, double& value) {
     CNumericEntryData data;
     GetData(&data);
-    minimum = mMinFloat;
-    maximum = mMaxFloat;
+    GetHelper()->GetValueRange(this, minimum, maximum);
     value = data.mType == kEntryType_Level ? data.mFloatValue : static_cast<double>(data.mValue);
     return !data.mIsEmpty && !data.mIsWildcard;
 }

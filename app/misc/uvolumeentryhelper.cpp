@@ -73,6 +73,8 @@ void CVolumeEntryHelper::GetBounds(TNumericEntryText* field, std::int64_t& minim
     maximum = std::max(minimum, ToTenths(field->GetMaxFloatValue()));
 }
 
+double CVolumeEntryHelper::GetScale() const { return 10; }
+
 std::int64_t CVolumeEntryHelper::Allowed(TNumericEntryText*, std::int64_t value) const {
     return std::max(value, kMinusInfinity);
 }

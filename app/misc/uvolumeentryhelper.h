@@ -42,4 +42,5 @@ class QLX_API CVolumeEntryHelper : public CNumberEntryHelper {
     void GetBounds(TNumericEntryText* field, std::int64_t& minimum,
                    std::int64_t& maximum) const override;
     [[nodiscard]] std::int64_t Allowed(TNumericEntryText* field, std::int64_t value) const override;
+    [[nodiscard]] double GetScale() const override;
 };

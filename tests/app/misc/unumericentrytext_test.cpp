@@ -1,5 +1,10 @@
 #include "app/misc/unumericentrytext.h"
 
+#include <limits>
+#include <random>
+
+#include "app/misc/udurationentryhelper.h"
+#include "app/misc/uintegerentryhelpers.h"
 #include "app/misc/unumericentryhelper.h"
 #include "field_fixture.h"
 #include "qlx/views/qlx_clipboard.h"
@@ -614,6 +619,50 @@ TEST_F(NumericField, BarsFollowTheMeterMap) {
     EXPECT_EQ(Text(), "   2|01|0000") << "half notes have four digits of ticks";
 }
 
+TEST_F(NumericField, BarsFollowMeterAndTempoTogether) {
+    // Two bars of 3/4 at 60, then 7/8 at 120: bar 3 begins after six seconds, an eighth takes a
+    // quarter of one.
+    Time_SessionMeterMap().SetMeter(1, {3, 4});
+    Time_SessionMeterMap().SetMeter(3, {7, 8});
+    Time_SessionTempoMap().SetTempo(Time_TickLength(), 60000);
+    Time_SessionTempoMap().SetTempo(Time_TickLength::FromDisplayTicks(6 * 960), 120000);
+    Use(cBB);
+    const struct {
+        const char* text;
+        std::int64_t samples;
+    } rows[] = {{"   1|01|000", 0},
+                {"   1|02|480", 72000},
+                {"   2|03|000", 240000},
+                {"   3|01|000", 288000},
+                {"   3|02|000", 300000},
+                {"   3|07|240", 366000},
+                {"   4|01|000", 288000 + 84000}};
+    for (const auto& row : rows) {
+        mField->SetTextFromSample(Time_Sample(row.samples), true);
+        EXPECT_EQ(Text(), row.text);
+        mField->GetData(&mData);
+        EXPECT_EQ(mData.mType, kEntryType_BarsBeats);
+        EXPECT_EQ(mData.mValue, row.samples) << row.text;
+        mField->BecomeTarget();
+        EXPECT_TRUE(mField->PasteText(std::to_string(row.samples) + " samples"));
+        EXPECT_EQ(Text(), row.text);
+        mField->ResignTarget();
+    }
+    Time_SessionTempoMap() = Time_TempoMap();
+}
+
+TEST_F(NumericField, AChangeOfMeterKeepsBarBeatAndTick) {
+    for (const auto& [format, before, after] : {std::tuple{cBB, "  17|02|240", "  17|02|0240"},
+                                                std::tuple{cDur, "   2|00|480", "   2|00|0480"}}) {
+        Time_SessionMeterMap() = Time_MeterMap();
+        Use(format);
+        ASSERT_TRUE(mField->SetText(before, true, true));
+        Time_SessionMeterMap().SetMeter(1, {4, 2}); // half notes: four digits of ticks
+        EXPECT_EQ(mField->GetLocalFormat(), format);
+        EXPECT_EQ(Text(), after);
+    }
+}
+
 TEST_F(NumericField, DurationsStayInTheirResolutionRange) {
     Use(cDur);
     mField->SetResolutionRange(Time_TickLength::FromDisplayTicks(240),
@@ -648,6 +697,92 @@ TEST_F(NumericField, OptionalValuesMayBeNone) {
         EXPECT_EQ(Text(), empty);
         mField->ResignTarget();
     }
+}
+
+// ---- Helpers of the host ----
+
+namespace {
+
+// A tempo of three digits; taps set it.
+class TempoHelper : public CIntegerValueEntryHelper {
+  public:
+    void Tap(TNumericEntryText* field, std::int32_t perMinute) override {
+        mTaps.push_back(perMinute);
+        if (perMinute != 0)
+            field->ChangeText(std::to_string(perMinute));
+    }
+    std::vector<std::int32_t> mTaps;
+};
+
+// A name of letters, digits, "#" and "-".
+class NoteHelper : public CIntegerValueEntryHelper {
+  public:
+    void DoTyping(TNumericEntryText* field, char character) override {
+        const std::string old = field->GetTypedCount() == 0 ? std::string() : field->GetText();
+        field->SetTypedCount(field->GetTypedCount() + 1);
+        field->ChangeText(old + character);
+    }
+    bool Validate(TNumericEntryText*) override { return true; }
+    bool HasShape(TNumericEntryText*, const std::string& text) override { return !text.empty(); }
+};
+
+} // namespace
+
+TEST_F(NumericField, HostsRegisterHelpersOfTheirOwn) {
+    static TempoHelper* const tempo = [] {
+        auto* helper = new TempoHelper;
+        TNumericEntryText::RegisterHelperForFormat(kNumericEntry_HostTap, false, false, helper);
+        TNumericEntryText::RegisterHelperForFormat(kNumericEntry_HostTap2, false, false, helper);
+        TNumericEntryText::RegisterHelperForFormat(kNumericEntry_HostText, false, false,
+                                                   new NoteHelper);
+        return helper;
+    }();
+    for (const auto format : {kNumericEntry_HostTap, kNumericEntry_HostTap2}) {
+        Use(format);
+        tempo->mTaps.clear();
+        Edit("90");
+        mField->SetUpdateClientAfterTapEntry(true);
+        for (const double when : {10.0, 10.5, 11.0, 99.0}) {
+            TToolboxEvent event;
+            const QLX_EventRef key = QLX_MakeKeyEvent(8, 'T', 'T', 0);
+            key.SetTimestamp(when);
+            event.IToolboxEvent(mField, key);
+            mApplication->HandleKeyDownEvent(&event);
+        }
+        EXPECT_EQ(tempo->mTaps, (std::vector<std::int32_t>{0, 120, 120, 0}))
+            << "a long pause begins a new series";
+        EXPECT_EQ(mKeys, (std::vector<int>{116, 116, 116, 116}));
+        mField->SetUpdateClientAfterTapEntry(false);
+        mKeys.clear();
+        mField->ResignTarget();
+    }
+    Use(kNumericEntry_HostTap);
+    mOther->BecomeTarget();
+    TNumericEntryText::CheckOldTarget(nullptr);
+    Edit("120");
+    mField->SetNormalArrowMode(true);
+    Type("+5\r");
+    EXPECT_EQ(Text(), "125");
+    EXPECT_EQ(mKeys, std::vector<int>{13}) << "Return is told even after arithmetic";
+    EXPECT_TRUE(mOther->IsTarget());
+
+    Use(kNumericEntry_HostText);
+    Edit("C4");
+    Type("-F#-1t");
+    EXPECT_EQ(Text(), "F#-1t") << "a sign only behind something";
+
+    Use(cBB);
+    auto* const host = new NoteHelper;
+    TNumericEntryText::RegisterHelperForFormat(kNumericEntry_BarsBeats, false, false, host);
+    EXPECT_EQ(mField->GetHelper(), host);
+    TNumericEntryText::RegisterHelperForFormat(kNumericEntry_BarsBeats, false, false,
+                                               new CBarsBeatsEntryHelper);
+    EXPECT_EQ(Text(), "   1|01|000") << "and back";
+    const ENumericEntryFormat nobodys = static_cast<ENumericEntryFormat>(64);
+    Use(nobodys);
+    EXPECT_FALSE(Key('q'));
+    Type("12+\r");
+    EXPECT_EQ(mField->GetLocalFormat(), nobodys) << "without a helper nothing happens";
 }
 
 // ---- Formats ----
@@ -879,6 +1014,9 @@ TEST_F(NumericField, PastesAnyDisplaysText) {
         {"silence", cVol, "-INF", "-inf", "decibels"},
         {"too loud", cVol, "13", nullptr, "nearest is +12.0"},
         {"denominator", cDen, "16", "16", "whole number"},
+        {"a length", cDur, "2|0|480", "   2|00|480", "bars"},
+        {"a length's beat of a position", cBB, "2|0", "   2|01|000", "bars"},
+        {"not of bars", cBB, "2|x", nullptr, "bars|beats"},
         {"no denominator", cDen, "12", nullptr, "nearest is 16"},
         {"duration", cDur, "2|1|480", "   2|01|480", "bars"},
     };
@@ -896,6 +1034,39 @@ TEST_F(NumericField, PastesAnyDisplaysText) {
         std::string copied;
         EXPECT_TRUE(QLX_Clipboard::Get().GetText(copied));
         EXPECT_EQ(copied, Text());
+    }
+}
+
+// What is copied from a field can be pasted into one like it, and gives the same text.
+TEST_F(NumericField, EveryFieldTakesItsOwnText) {
+    const struct {
+        ENumericEntryFormat format;
+        bool subframes;
+        std::int64_t from, to;
+    } rows[] = {
+        {cTC, false, 0, 4000000000}, {cTC, true, 0, 4000000000},  {cMS, false, 0, 4000000000},
+        {cFF, false, 0, 4000000000}, {cFF, true, 0, 4000000000},  {cBB, false, 0, 400000000},
+        {cDur, false, 0, 400000000}, {cSmp, false, 0, 400000000}, {cInt, false, -5000, 5000},
+        {cSig, false, -5000, 5000},  {cPlus, false, -5000, 5000}, {cDen, false, 0, 6},
+        {cVol, false, -1440, 120}};
+    std::mt19937_64 random(5);
+    for (const auto& rate : {ETimeCodeFormat::F24, cDrop, ETimeCodeFormat::F11988Drop}) {
+        Time_Session::SetTimeCodeFormat(rate);
+        for (const auto& row : rows) {
+            Use(row.format, row.subframes);
+            for (int i = 0; i < 100; ++i) {
+                const auto span = static_cast<std::uint64_t>(row.to - row.from + 1);
+                std::int64_t value = row.from + static_cast<std::int64_t>(random() % span);
+                if (row.format == cDen)
+                    value = std::int64_t{1} << value;
+                mField->SetTextFromIntegerValue(value);
+                const std::string text = Text();
+                mField->CopyToClipBoard();
+                mField->SetTextFromIntegerValue(0);
+                ASSERT_TRUE(mField->PasteClipBoard()) << text << ": " << mField->GetPasteReport();
+                ASSERT_EQ(Text(), text) << mField->GetPasteReport();
+            }
+        }
     }
 }
 
@@ -955,6 +1126,38 @@ TEST_F(NumericField, AccessibilityHearsOfTextAndSelection) {
     std::string spoken;
     mField->ReadAccessibility(spoken);
     EXPECT_EQ(spoken, "00:00:01:00 + at 05:00:00:00");
+}
+
+TEST_F(NumericField, RangesForAccessibility) {
+    const struct {
+        ENumericEntryFormat format;
+        double minimum, maximum, set, value;
+        const char* text;
+    } rows[] = {
+        {cTC, 0, 86400.0 * 48000 - 1600, 48000, 48000, "00:00:01:00"},
+        {cTC, 0, 86400.0 * 48000 - 1600, 1e18, 86400.0 * 48000 - 1600, "23:59:59:29"},
+        {cSmp, 0, static_cast<double>(Time_Typed::sMaxSessionSample), 77, 77, "77"},
+        {cInt, -100, 100, 1e300, 100, "100"},
+        {cVol, -100, 100, -6.5, -6.5, "-6.5"},
+        {cDen, 1, 64, 5, 8, "8"},
+    };
+    for (const auto& row : rows) {
+        Use(row.format);
+        mField->SetMinMaxIntegerValues(-100, 100);
+        double minimum = 0;
+        double maximum = 0;
+        double value = 0;
+        EXPECT_TRUE(mField->SetRangeForAccessibility(row.set));
+        EXPECT_EQ(Text(), row.text);
+        EXPECT_TRUE(mField->GetRangeForAccessibility(minimum, maximum, value));
+        EXPECT_EQ(minimum, row.minimum) << row.text;
+        EXPECT_EQ(maximum, row.maximum) << row.text;
+        EXPECT_EQ(value, row.value);
+    }
+    EXPECT_FALSE(mField->SetRangeForAccessibility(std::numeric_limits<double>::quiet_NaN()));
+    mField->SetEnable(false);
+    EXPECT_FALSE(mField->SetRangeForAccessibility(4));
+    EXPECT_EQ(Text(), "8");
 }
 
 TEST_F(NumericField, CloneIsAFieldOfItsOwn) {
