@@ -5,8 +5,10 @@
 #include <cstring>
 #include <map>
 
+#include "basekit/cmn/cmn_string.h"
 #include "basekit/cmn/cmn_trace.h"
 #include "qlx/imaging/cairo/qlx_pangotext.h"
+#include "qlx/imaging/qlx_glyphcoverage.h"
 #include "qlx/imaging/qlx_utf8.h"
 
 #include <ft2build.h>
@@ -143,10 +145,28 @@ class DesktopMeasure final : public QLX_TextMeasure {
     }
 };
 
+class DesktopCoverage final : public QLX_GlyphCoverage {
+  public:
+    bool HasGlyph(const QLX_Font& font, char32_t character) override {
+        QLX_FontFaces& faces = QLX_GlyphCache::GetFaces(font);
+        if (!faces.IsThere() || faces.GetCharacter(character).known)
+            return true;
+        std::string text;
+        Cmn_AppendUTF8(text, character);
+        const QLX_ShapedText& shaped = QLX_ShapeText(font, text);
+        return std::none_of(shaped.glyphs.begin(), shaped.glyphs.end(),
+                            [](const QLX_ShapedText::Glyph& glyph) {
+                                return glyph.source.face < 0 || glyph.source.glyph == 0;
+                            });
+    }
+};
+
 // Nothing is opened here: the first text does that.
 [[maybe_unused]] const bool sInstalled = [] {
     static DesktopMeasure measure;
     QLX_TextMeasure::Install(&measure);
+    static DesktopCoverage coverage;
+    QLX_GlyphCoverage::Install(&coverage);
     return true;
 }();
 
