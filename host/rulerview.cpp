@@ -74,7 +74,9 @@ void TRulerView::Draw(const VRect& area) {
         painter->SetForegroundColor(GetControlColor(kThemeColor_RulerText));
         painter->FillRect(VRect(h, extent.Bottom() - 8, h + 1, extent.Bottom()));
         const VRect box(h + 4, extent.Top(), h + kLabelRoom, extent.Bottom() - 4);
-        painter->DrawSingleLineTextBox(box, mLabel(i * step), /*ellipsis*/ false, nullptr);
+        const std::string label = mLabel(i * step);
+        if (box.Left() + painter->MeasureStringWidth(label) <= extent.Right())
+            painter->DrawSingleLineTextBox(box, label, /*ellipsis*/ false, nullptr);
         for (int minor = 1; minor < 5; ++minor) {
             const VCoordinate at = extent.Left() + mWaveform->PlaceOf(i * step + step * minor / 5) -
                                    mWaveform->GetExtent().Left();

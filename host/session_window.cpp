@@ -9,6 +9,7 @@
 #include "mediakit/time/time_smpte.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/platform/testing/qlx_preview.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubuttons.h"
 #include "qlx/views/uedittext.h"
@@ -427,7 +428,23 @@ void TSessionWindow::ControlChanged(std::int32_t number, TView* source) {
     }
 }
 
+void TSessionWindow::ShowAsExample(const MementoPtr& memento) {
+    SessionLook look;
+    look.mLayout = memento->GetRoot()->GetCurrentFilter()["Layout"];
+    look.mLanguage = QLX_Language::GetCurrentLanguage();
+    look.mTheme = QLX_Theme::GetVariant();
+    if (mPeaks) {
+        mMemento = memento;
+        SetLook(look);
+    } else {
+        ISession(MakeGeneratedAudio(), memento, look);
+    }
+    WaitForPeaks();
+}
+
 void TSessionWindow::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
+    if (number == kEvent_Preview)
+        return ShowAsExample(static_cast<TPreviewEvent*>(event)->GetMemento());
     const bool fromControl = number >= kControlEvent_ValueChanged &&
                              number <= kControlEvent_Cancelled && number != kControlEvent_Pressed;
     if (fromControl && !QLX_ObjectCast<TNumericEntryText>(source))

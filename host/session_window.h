@@ -39,6 +39,8 @@ class TSessionWindow : public TWindow {
     /// Selects layout and language and reads the description's values again: what the user did
     /// stays.
     void SetLook(const SessionLook& look);
+    /// As tools show the window: with a generated signal, in the look that is current.
+    void ShowAsExample(const MementoPtr& memento);
     [[nodiscard]] SessionModel& GetModel() { return mModel; }
     [[nodiscard]] Transport& GetTransport() { return mTransport; }
     /// A text of the string tables in the current language.
