@@ -59,6 +59,9 @@ target_link_libraries(qlx_test_host_classes PRIVATE qlx_build qlx)
 set_target_properties(qlx_test_host_classes PROPERTIES PREFIX "" SUFFIX ".module"
                       LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 add_dependencies(tests_tools_qlxview qlxview qlx_test_host_classes)
+if(TARGET session_views)
+    add_dependencies(tests_tools_qlxview session_views)
+endif()
 
 if(WIN32)
     add_test(NAME wine_up COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-up)

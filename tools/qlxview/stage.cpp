@@ -1,0 +1,124 @@
+#include "stage.h"
+
+#include <map>
+#include <stdexcept>
+
+#include "app/misc/qlx_init.h"
+#include "basekit/cmn/cmn_string.h"
+#include "qlx/platform/testing/qlx_preview.h"
+#include "qlx/views/udynamicarray.h"
+#include "qlx/views/ulistiterator.h"
+#include "qlx/views/uviewserver.h"
+#include "qlx/views/uwindow.h"
+
+StLook::StLook(const Description& description, const Look& look)
+    : mLanguage(look.mLanguage), mTheme(QLX_Theme::GetVariant()) {
+    QLX_Theme::SetVariant(look.mTheme);
+    description.GetRoot()->SetCurrentFilter(
+        QLX_PropertyFilter::MakeFilter(look.mLayout, look.mLanguage));
+}
+
+StLook::~StLook() { QLX_Theme::SetVariant(mTheme); }
+
+namespace {
+const QLX_RawPropertyContainer* FindPath(const QLX_RawPropertyContainer& container,
+                                         const std::string& path) {
+    if (container.GetPath() == path)
+        return &container;
+    for (const auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
+        if (const QLX_RawPropertyContainer* const found = FindPath(*child, path))
+            return found;
+    return nullptr;
+}
+} // namespace
+
+void TakeServerProblems(const Description& description, std::vector<Finding>& problems) {
+    for (const TViewServerProblem& problem : TViewServer::Get()->TakeProblems()) {
+        const auto place = description.GetPlace(FindPath(*description.GetRoot(), problem.mPath));
+        std::string text = problem.mReason;
+        if (!problem.mClassName.empty())
+            text += ": " + problem.mClassName;
+        if (problem.mReason == "unknown class")
+            text += "; load its library with --load";
+        problems.push_back(
+            {description.GetPath(), place.mLine, place.mColumn, /*error*/ true, "view", text});
+    }
+}
+
+TWindow* MakeDescribedWindow(const Description& description, std::vector<Finding>& problems) {
+    QLX_Init::Init();
+    ClassDesc::InitUClassDesc(); // again, for the classes of libraries that were loaded
+    TViewServer::SetRememberSources(true);
+    const Cmn_AliasedRefCountPtr<QLX_ViewMemento> memento(description.GetMementoPtr());
+    TView* const view = TViewServer::Get()->NewViewHierarchy(memento);
+    TakeServerProblems(description, problems);
+    if (!view)
+        throw std::runtime_error(description.GetPath() + ": there is no view in it");
+    auto* window = QLX_ObjectCast<TWindow>(view);
+    if (!window) {
+        window = new TWindow;
+        window->IWindow(Sys_FileLoc(description.GetPath()).GetStem(), view->GetSize());
+        view->Locate(VPoint(0, 0), /*redraw*/ false);
+        window->AddSubView(view);
+    }
+    window->SetFreeOnClose(false); // whoever closes it, the tool ends it
+    TPreviewEvent::Send(*window, memento);
+    return window;
+}
+
+QLX_SourceObserver::Place PlaceOfView(const Description& description, const TView* view) {
+    for (; view; view = view->GetSuperView()) {
+        const auto place = description.GetPlace(TViewServer::GetSource(view));
+        if (place.mLine > 0)
+            return place;
+    }
+    return {0, 0};
+}
+
+std::string ViewLabel(TView& view) {
+    std::string label = view.GetClassDescDynamic()->GetClassName();
+    if (view.GetIdentifier() != 0)
+        label += " '" + Cmn_IDToString(view.GetIdentifier()) + "'";
+    return label;
+}
+
+void ListViews(TView& view, std::vector<TView*>& into) {
+    into.push_back(&view);
+    if (TList* const subviews = view.GetSubViews()) {
+        CObjectIterator iterator(subviews);
+        for (TObject* sub = iterator.FirstObject(); sub; sub = iterator.NextObject())
+            ListViews(*static_cast<TView*>(sub), into);
+    }
+}
+
+Stage::Stage(const Description& description, const Look& look, std::vector<Finding>& problems)
+    : mLook(description, look), mWindow(nullptr) {
+    mDriver.SetScale(look.mScale);
+    mWindow = MakeDescribedWindow(description, problems);
+    mDriver.OpenWindow(*mWindow);
+}
+
+Stage::~Stage() {
+    mWindow->Close();
+    mWindow->Free();
+}
+
+QLX_Image::Ptr Stage::GetPicture() {
+    try {
+        return mDriver.GetPicture();
+    } catch (const QLX_TestDriverError& error) {
+        throw std::runtime_error(error.what());
+    }
+}
+
+void Stage::SetTheme(EThemeVariant theme) {
+    QLX_Theme::SetVariant(theme);
+    TWindow::RedrawAll();
+    mDriver.WaitForIdle();
+}
+
+void Stage::SetScale(int scale) {
+    for (QLX_HeadlessWindow* port : mDriver.GetPlatform().GetWindows())
+        port->SetScale(scale);
+    mDriver.WaitForIdle();
+}
