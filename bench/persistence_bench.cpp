@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -104,7 +105,7 @@ void Read_ExpatEmptyCallbacks(benchmark::State& state) {
     }
     ReportBytes(state, text);
 }
-BENCHMARK(Read_ExpatEmptyCallbacks) SIZES;
+BENCHMARK(Read_ExpatEmptyCallbacks)->Name("Description_Read/expat") SIZES;
 
 void Read_Description(benchmark::State& state) {
     const std::string& text = Description(state.range(0));
@@ -120,7 +121,7 @@ void Read_Description(benchmark::State& state) {
     }
     ReportBytes(state, text);
 }
-BENCHMARK(Read_Description) SIZES;
+BENCHMARK(Read_Description)->Name("Description_Read") SIZES;
 
 void Read_DescriptionAndFree(benchmark::State& state) {
     const std::string& text = Description(state.range(0));
@@ -133,7 +134,7 @@ void Read_DescriptionAndFree(benchmark::State& state) {
     }
     ReportBytes(state, text);
 }
-BENCHMARK(Read_DescriptionAndFree) SIZES;
+BENCHMARK(Read_DescriptionAndFree)->Name("Description_ReadAndFree") SIZES;
 
 #ifdef QLX_PEER_QT
 void Read_QXmlStreamReader(benchmark::State& state) {
@@ -149,7 +150,7 @@ void Read_QXmlStreamReader(benchmark::State& state) {
     }
     ReportBytes(state, text);
 }
-BENCHMARK(Read_QXmlStreamReader) SIZES;
+BENCHMARK(Read_QXmlStreamReader)->Name("Description_Read/qt") SIZES;
 #endif
 
 #ifdef QLX_PEER_JUCE
@@ -162,7 +163,7 @@ void Read_JuceValueTree(benchmark::State& state) {
     }
     ReportBytes(state, text);
 }
-BENCHMARK(Read_JuceValueTree) SIZES;
+BENCHMARK(Read_JuceValueTree)->Name("Description_Read/juce") SIZES;
 #endif
 
 void Read_Packed(benchmark::State& state) {
@@ -180,22 +181,79 @@ void Read_Packed(benchmark::State& state) {
     state.counters["packed/text"] =
         static_cast<double>(bytes.size()) / static_cast<double>(text.size());
 }
-BENCHMARK(Read_Packed) SIZES;
+BENCHMARK(Read_Packed)->Name("Description_ReadPacked") SIZES;
 
-/// Heap in use for the tree of a 20 MB description, and the highest while it was read, by its text.
-void Memory_Description(benchmark::State& state) {
-    const std::string& text = Description(20'000'000);
-    for (auto _ : state) {
-        Sys_File file("generated.xml", text);
-        const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
-        QLX_XMLParser parser(&file, nullptr);
-        std::unique_ptr<QLX_RawPropertyContainer> root(parser.Parse());
-        const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
-        state.counters["heap/text"] =
-            static_cast<double>(after - before) / static_cast<double>(text.size());
+/// A field of /proc/self/status, in bytes.
+std::size_t ProcessMemory(const char* field) {
+    std::size_t bytes = 0;
+    if (std::FILE* const status = std::fopen("/proc/self/status", "r")) {
+        char line[256];
+        while (std::fgets(line, sizeof line, status))
+            if (std::strncmp(line, field, std::strlen(field)) == 0)
+                bytes = std::strtoull(line + std::strlen(field), nullptr, 10) * 1024;
+        std::fclose(status);
     }
+    return bytes;
 }
-BENCHMARK(Memory_Description)->Unit(benchmark::kMillisecond);
+
+/// How much the process grew at most while the work ran, by the text's size. The text lies on the
+/// disk, so that only what a reader needs is counted.
+template <class Work>
+void ReportPeak(benchmark::State& state, std::size_t textSize, Work work) {
+    malloc_trim(0);
+    if (std::FILE* const reset = std::fopen("/proc/self/clear_refs", "w")) {
+        std::fputs("5", reset); // the peak becomes what is in use now
+        std::fclose(reset);
+    }
+    const std::size_t before = ProcessMemory("VmRSS:");
+    work();
+    state.counters["peak/text"] =
+        static_cast<double>(ProcessMemory("VmHWM:") - before) / static_cast<double>(textSize);
+}
+
+constexpr std::int64_t kLarge = 20'000'000;
+std::string LargeFile() {
+    const std::string path = "persistence_bench.xml";
+    std::FILE* const file = std::fopen(path.c_str(), "wb");
+    const std::string text = MakeDescription(kLarge);
+    std::fwrite(text.data(), 1, text.size(), file);
+    std::fclose(file);
+    return path;
+}
+
+void Memory_Description(benchmark::State& state) {
+    const std::string path = LargeFile();
+    for (auto _ : state)
+        ReportPeak(state, kLarge, [&] {
+            Sys_File file(Sys_FileLoc(path), Sys_FileMode::Read);
+            QLX_XMLParser parser(&file, nullptr);
+            std::unique_ptr<QLX_RawPropertyContainer> root(parser.Parse());
+            benchmark::DoNotOptimize(root.get());
+        });
+    std::remove(path.c_str());
+}
+BENCHMARK(Memory_Description)
+    ->Name("Description_Memory/20000000")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+
+#ifdef QLX_PEER_JUCE
+void Memory_JuceValueTree(benchmark::State& state) {
+    const std::string path = LargeFile();
+    for (auto _ : state)
+        ReportPeak(state, kLarge, [&] {
+            const std::string text = Sys_File::ReadAll(Sys_FileLoc(path));
+            const juce::ValueTree tree = juce::ValueTree::fromXml(
+                juce::String::fromUTF8(text.data(), static_cast<int>(text.size())));
+            benchmark::DoNotOptimize(tree.isValid());
+        });
+    std::remove(path.c_str());
+}
+BENCHMARK(Memory_JuceValueTree)
+    ->Name("Description_Memory/juce/20000000")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+#endif
 
 /// Ten thousand containers, frozen, both filters seen before.
 void SetCurrentFilter_Frozen(benchmark::State& state) {
@@ -219,7 +277,9 @@ void SetCurrentFilter_Frozen(benchmark::State& state) {
                                      : QLX_PropertyFilter::MakeFilter("Compact"));
     }
 }
-BENCHMARK(SetCurrentFilter_Frozen)->Unit(benchmark::kMicrosecond);
+BENCHMARK(SetCurrentFilter_Frozen)
+    ->Name("Filter_SelectFrozen/10000")
+    ->Unit(benchmark::kMicrosecond);
 
 std::vector<std::string> Names(std::int64_t count) {
     static const char* const stems[] = {"Enabled", "FontSize",     "TextColor", "Title",
@@ -249,8 +309,8 @@ void LookUp_UnorderedMap(benchmark::State& state) {
         next = next + 1 == asked.size() ? 0 : next + 1;
     }
 }
-BENCHMARK(LookUp_UnorderedMap<true>)->Name("LookUpFound_UnorderedMap") COUNTS;
-BENCHMARK(LookUp_UnorderedMap<false>)->Name("LookUpAbsent_UnorderedMap") COUNTS;
+BENCHMARK(LookUp_UnorderedMap<true>)->Name("Property_FindPresent/std") COUNTS;
+BENCHMARK(LookUp_UnorderedMap<false>)->Name("Property_FindAbsent/std") COUNTS;
 
 template <bool kFound>
 void LookUp_Container(benchmark::State& state) {
@@ -271,8 +331,8 @@ void LookUp_Container(benchmark::State& state) {
         next = next + 1 == asked.size() ? 0 : next + 1;
     }
 }
-BENCHMARK(LookUp_Container<true>)->Name("LookUpFound_Container") COUNTS;
-BENCHMARK(LookUp_Container<false>)->Name("LookUpAbsent_Container") COUNTS;
+BENCHMARK(LookUp_Container<true>)->Name("Property_FindPresent") COUNTS;
+BENCHMARK(LookUp_Container<false>)->Name("Property_FindAbsent") COUNTS;
 } // namespace
 
 BENCHMARK_MAIN();

@@ -133,7 +133,7 @@ struct QLX_PropertySet::Entry {
     }
 };
 
-struct QLX_PropertySet::Block {
+struct alignas(8) QLX_PropertySet::Block {
     std::uint32_t mReferences;
     std::uint32_t mCount;
     std::uint32_t mCapacity;
@@ -142,9 +142,9 @@ struct QLX_PropertySet::Block {
     std::uint32_t mGarbage;       // bytes of data that no value uses any more
     std::uint32_t mIndexShift;    // a tag shifted right by it is its first cell; 0 without an index
     std::uint32_t mCellSize;      // 1, 2 or 4
-    std::uint64_t mEntriesOffset; // from the block's start
-    std::uint64_t mIndexOffset;
-    std::uint64_t mDataOffset;
+    std::uint32_t mEntriesOffset; // from the block's start, as the next two
+    std::uint32_t mIndexOffset;
+    std::uint32_t mDataOffset;
 
     [[nodiscard]] char* Bytes() noexcept { return reinterpret_cast<char*>(this); }
     [[nodiscard]] std::uint32_t* Tags() noexcept {

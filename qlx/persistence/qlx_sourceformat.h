@@ -95,6 +95,7 @@ class QLX_API QLX_XMLParser {
     struct OpenContainer {
         QLX_RawPropertyContainer* mContainer; // owned until it is closed
         bool mPlain;                          // no subclass: its setters need not be called
+        int mDepth;                           // how many elements were open with it
     };
     struct KnownFilter {
         std::string mKey;
@@ -102,13 +103,17 @@ class QLX_API QLX_XMLParser {
         std::string mForeign; // an attribute that is no filter's; empty when there is none
     };
     struct Callbacks;
+    enum OwnAttribute { kOwnName, kOwnType, kOwnValue, kOwnCount };
 
     void FeedParser();
+    bool FeedBlock(std::size_t size);
     void StartContainer(const char* name, const char** attributes);
     void StartProperty(const char** attributes);
     void StoreProperty(const OpenContainer& open, const char* name, const char* type,
                        const char* value, const QLX_PropertyFilter& filter);
+    [[nodiscard]] OwnAttribute OwnAttributeOf(const char* name);
     const QLX_PropertyFilter& FilterOf(const char** attributes);
+    void AddKnownFilter(const char** attributes);
     void UseScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
     void FlushScratch();
     void AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason,
@@ -131,6 +136,8 @@ class QLX_API QLX_XMLParser {
     std::vector<QLX_SourceProblem> mProblems;
     std::size_t mProblemCount = 0;
 
+    const QLX_PropertyFilter& mRootFilter;
+    const char* mOwnNames[kOwnCount] = {}; // where expat keeps them
     // Properties of one container and filter on their way into it.
     QLX_PropertySet mScratch;
     QLX_RawPropertyContainer* mScratchContainer = nullptr;
@@ -139,7 +146,6 @@ class QLX_API QLX_XMLParser {
     std::vector<KnownFilter> mKnownFilters;
     std::size_t mLastKnown = 0;
     std::size_t mNextReplaced = 0;
-    std::string mFilterKey;
     std::string mName, mType, mValue;
 };
 

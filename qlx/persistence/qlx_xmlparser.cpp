@@ -11,6 +11,7 @@
 namespace {
 constexpr std::size_t kBlockSize = 1024;
 constexpr std::size_t kLargestBlock = 1 << 20;
+constexpr std::uint64_t kLargestWhole = 64 << 20;
 constexpr std::size_t kMostProblems = 1000;
 constexpr std::size_t kMostKnownFilters = 8;
 constexpr char kProperty[] = "property";
@@ -100,6 +101,7 @@ struct QLX_XMLParser::Callbacks {
 
 QLX_XMLParser::QLX_XMLParser(Sys_File* file, QLX_RawPropertyContainerFactory* factory)
     : mFile(file), mFactory(factory ? factory : &mPlainFactory),
+      mRootFilter(QLX_PropertyFilter::RootFilter()),
       mScratchFilter(QLX_PropertyFilter::DefaultFilter()) {}
 
 QLX_XMLParser::~QLX_XMLParser() {
@@ -117,9 +119,10 @@ QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
     mParser = holder.mParser;
     XML_SetUserData(mParser, this);
     XML_SetElementHandler(mParser, Callbacks::Start, Callbacks::End);
-    XML_SetCharacterDataHandler(mParser, Callbacks::Text);
-    if (mObserver)
+    if (mObserver) { // nobody else wants to hear of texts, which expat passes on line by line
+        XML_SetCharacterDataHandler(mParser, Callbacks::Text);
         XML_SetCommentHandler(mParser, Callbacks::Comment);
+    }
     try {
         FeedParser();
     } catch (const Sys_FileError& error) {
@@ -139,29 +142,36 @@ QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
     return mStopped ? nullptr : mOutermost.release();
 }
 
+/// Reads up to so many bytes into expat's own memory and has them parsed. False when that was all,
+/// or nothing more can come of it.
+bool QLX_XMLParser::FeedBlock(std::size_t size) {
+    void* const room = XML_GetBuffer(mParser, static_cast<int>(size));
+    const std::size_t count = room ? mFile->Read(room, size) : 0;
+    const bool last = count < size;
+    if (room && XML_ParseBuffer(mParser, static_cast<int>(count), last) != XML_STATUS_ERROR)
+        return !last;
+    if (!mStopped)
+        AddProblem(QLX_SourceProblem::kError, XML_ErrorString(XML_GetErrorCode(mParser)));
+    mStopped = true;
+    return false;
+}
+
+/// Handed over whole, a file costs expat a tenth less than in blocks: it copies nothing, and looks
+/// for line ends only where a place is asked for. A file that is too large for that, tells no size
+/// or grows meanwhile is read on in blocks. A token that outgrows its block is scanned anew with
+/// each block, so blocks grow until it fits.
 void QLX_XMLParser::FeedParser() {
-    // A token that outgrows its block is scanned anew with each block, so blocks grow until it
-    // fits.
+    const std::uint64_t start = mFile->GetPosition();
+    const std::uint64_t size = mFile->GetSize();
+    const std::uint64_t left = size - std::min(size, start);
+    if (left > 0 && left < kLargestWhole && !FeedBlock(static_cast<std::size_t>(left) + 1))
+        return;
     std::size_t blockSize = kBlockSize;
-    std::vector<char> block(blockSize);
-    std::uint64_t fed = 0;
-    for (;;) {
-        const std::size_t count = mFile->Read(block.data(), blockSize);
-        const bool last = count < blockSize;
-        fed += count;
-        if (XML_Parse(mParser, block.data(), static_cast<int>(count), last) == XML_STATUS_ERROR) {
-            if (!mStopped)
-                AddProblem(QLX_SourceProblem::kError, XML_ErrorString(XML_GetErrorCode(mParser)));
-            mStopped = true;
-            return;
-        }
-        if (last)
-            return;
+    while (FeedBlock(blockSize)) {
         const XML_Index reached = XML_GetCurrentByteIndex(mParser);
+        const std::uint64_t fed = mFile->GetPosition() - start;
         const bool behind = reached < 0 || fed - static_cast<std::uint64_t>(reached) > blockSize;
         blockSize = behind ? std::min(blockSize * 2, kLargestBlock) : kBlockSize;
-        if (block.size() < blockSize)
-            block.resize(blockSize);
     }
 }
 
@@ -202,9 +212,10 @@ void QLX_XMLParser::startElement(const char* name, const char** attributes) {
         StartContainer(name, attributes);
 }
 
-void QLX_XMLParser::endElement(const char* name) {
-    --mDepth;
-    if (Is(name, kProperty))
+void QLX_XMLParser::endElement(const char*) {
+    // The innermost open container is not what ends when something inside it began later.
+    const int depth = mDepth--;
+    if (mOpen.empty() || mOpen.back().mDepth != depth)
         return;
     FlushScratch();
     std::unique_ptr<QLX_RawPropertyContainer> closed(mOpen.back().mContainer);
@@ -225,7 +236,7 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
         made.reset(mPlainFactory.MakeContainer(mName));
     QLX_RawPropertyContainer& container = *made;
     const bool plain = typeid(container) == typeid(QLX_RawPropertyContainer) && !made->IsFrozen();
-    mOpen.push_back({made.get(), plain});
+    mOpen.push_back({made.get(), plain, mDepth});
     made.release();
     const QLX_PropertyFilter& filter = QLX_PropertyFilter::DefaultFilter();
     for (; *attributes; attributes += 2) {
@@ -249,26 +260,38 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     }
 }
 
+/// Expat keeps one copy of each attribute's name, so that after the first time the address tells.
+QLX_XMLParser::OwnAttribute QLX_XMLParser::OwnAttributeOf(const char* name) {
+    for (int i = 0; i < kOwnCount; ++i)
+        if (mOwnNames[i] == name)
+            return static_cast<OwnAttribute>(i);
+    const OwnAttribute which = Is(name, "name")    ? kOwnName
+                               : Is(name, "type")  ? kOwnType
+                               : Is(name, "value") ? kOwnValue
+                                                   : kOwnCount;
+    if (which != kOwnCount)
+        mOwnNames[which] = name;
+    return which;
+}
+
 void QLX_XMLParser::StartProperty(const char** attributes) {
     if (mOpen.empty()) {
         AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept",
                    /*lost*/ true);
         return;
     }
-    const char* name = nullptr;
-    const char* type = nullptr;
-    const char* value = nullptr;
+    const char* own[kOwnCount] = {};
     bool filtered = false;
     for (const char** at = attributes; *at; at += 2) {
-        if (Is(at[0], "name"))
-            name = at[1];
-        else if (Is(at[0], "type"))
-            type = at[1];
-        else if (Is(at[0], "value"))
-            value = at[1];
+        const OwnAttribute which = OwnAttributeOf(at[0]);
+        if (which != kOwnCount)
+            own[which] = at[1];
         else
             filtered = true;
     }
+    const char* const name = own[kOwnName];
+    const char* const type = own[kOwnType];
+    const char* const value = own[kOwnValue];
     if (!name || !type || !value) {
         const char* const missing = !name ? "name" : !type ? "type" : "value";
         AddProblem(QLX_SourceProblem::kWarning,
@@ -277,8 +300,7 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
                    /*lost*/ true);
         return;
     }
-    StoreProperty(mOpen.back(), name, type, value,
-                  filtered ? FilterOf(attributes) : QLX_PropertyFilter::RootFilter());
+    StoreProperty(mOpen.back(), name, type, value, filtered ? FilterOf(attributes) : mRootFilter);
 }
 
 void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, const char* type,
@@ -303,56 +325,77 @@ void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, c
     open.mContainer->SetProperty(mName, mType, mValue, filter);
 }
 
-const QLX_PropertyFilter& QLX_XMLParser::FilterOf(const char** attributes) {
-    const auto isOwn = [](const char* name) {
-        return Is(name, "name") || Is(name, "type") || Is(name, "value");
-    };
-    mFilterKey.clear();
-    for (const char** at = attributes; *at; at += 2) {
-        if (isOwn(at[0]))
-            continue;
-        // Neither byte can stand in an attribute.
-        mFilterKey += at[0];
-        mFilterKey += '\1';
-        mFilterKey += at[1];
-        mFilterKey += '\2';
-    }
-    if (mLastKnown >= mKnownFilters.size() || mKnownFilters[mLastKnown].mKey != mFilterKey) {
-        const auto found =
-            std::find_if(mKnownFilters.begin(), mKnownFilters.end(),
-                         [&](const KnownFilter& known) { return known.mKey == mFilterKey; });
-        mLastKnown = static_cast<std::size_t>(found - mKnownFilters.begin());
-        if (found == mKnownFilters.end()) {
-            std::map<std::string, std::string> map;
-            std::string foreign;
-            for (std::size_t i = 0; i < FILTER_HIERARCHY_SIZE; ++i)
-                map[QLX_GetFilterHierarchyName(i)].clear();
-            for (const char** at = attributes; *at; at += 2) {
-                if (isOwn(at[0]))
-                    continue;
-                if (!map.count(at[0]))
-                    foreign = at[0];
-                map[at[0]] = at[1];
-            }
-            std::string& language = map[QLX_GetFilterHierarchyName(1)];
-            if (language == QLX_Language::GetFileCode(QLX_Language::English))
-                language.clear();
-            KnownFilter known{mFilterKey, QLX_PropertyFilter(map), foreign};
-            if (known.mFilter == QLX_PropertyFilter::RootFilter())
-                known.mFilter = QLX_PropertyFilter::RootFilter();
-            if (mKnownFilters.size() < kMostKnownFilters) {
-                mKnownFilters.push_back(std::move(known));
-            } else {
-                mLastKnown = mNextReplaced++ % kMostKnownFilters;
-                mKnownFilters[mLastKnown] = std::move(known);
-            }
+namespace {
+bool IsOwn(const char* name) { return Is(name, "name") || Is(name, "type") || Is(name, "value"); }
+
+/// The filter attributes as one text; neither byte that separates them can stand in an attribute.
+std::string FilterKey(const char** attributes) {
+    std::string key;
+    for (const char** at = attributes; *at; at += 2)
+        if (!IsOwn(at[0]))
+            key.append(at[0]).append(1, '\1').append(at[1]).append(1, '\2');
+    return key;
+}
+
+/// Whether that text is the key, without making it.
+bool HasFilterKey(const char** attributes, const std::string& key) {
+    const char* rest = key.c_str();
+    const auto take = [&rest](const char* text, char end) {
+        while (*text && *text == *rest) {
+            ++text;
+            ++rest;
         }
+        return !*text && *rest++ == end;
+    };
+    for (const char** at = attributes; *at; at += 2)
+        if (!IsOwn(at[0]) && !(take(at[0], '\1') && take(at[1], '\2')))
+            return false;
+    return !*rest;
+}
+} // namespace
+
+const QLX_PropertyFilter& QLX_XMLParser::FilterOf(const char** attributes) {
+    if (mLastKnown >= mKnownFilters.size() ||
+        !HasFilterKey(attributes, mKnownFilters[mLastKnown].mKey)) {
+        const auto found =
+            std::find_if(mKnownFilters.begin(), mKnownFilters.end(), [&](const KnownFilter& known) {
+                return HasFilterKey(attributes, known.mKey);
+            });
+        mLastKnown = static_cast<std::size_t>(found - mKnownFilters.begin());
+        if (found == mKnownFilters.end())
+            AddKnownFilter(attributes);
     }
     const KnownFilter& known = mKnownFilters[mLastKnown];
     if (!known.mForeign.empty())
         AddProblem(QLX_SourceProblem::kWarning,
                    "the attribute \"" + known.mForeign + "\" is no filter's; no look-up sees it");
     return known.mFilter;
+}
+
+void QLX_XMLParser::AddKnownFilter(const char** attributes) {
+    std::map<std::string, std::string> map;
+    std::string foreign;
+    for (std::size_t i = 0; i < FILTER_HIERARCHY_SIZE; ++i)
+        map[QLX_GetFilterHierarchyName(i)].clear();
+    for (const char** at = attributes; *at; at += 2) {
+        if (IsOwn(at[0]))
+            continue;
+        if (!map.count(at[0]))
+            foreign = at[0];
+        map[at[0]] = at[1];
+    }
+    std::string& language = map[QLX_GetFilterHierarchyName(1)];
+    if (language == QLX_Language::GetFileCode(QLX_Language::English))
+        language.clear();
+    KnownFilter known{FilterKey(attributes), QLX_PropertyFilter(map), foreign};
+    if (known.mFilter == QLX_PropertyFilter::RootFilter())
+        known.mFilter = QLX_PropertyFilter::RootFilter();
+    if (mKnownFilters.size() < kMostKnownFilters) {
+        mKnownFilters.push_back(std::move(known));
+    } else {
+        mLastKnown = mNextReplaced++ % kMostKnownFilters;
+        mKnownFilters[mLastKnown] = std::move(known);
+    }
 }
 
 /// Properties of one container and filter are gathered in a set that keeps its memory, and copied

@@ -248,6 +248,64 @@ TEST(SourceFormat, ALongValueIsReadInLinearTime) {
     EXPECT_EQ(read, value);
 }
 
+/// A file that does not know its size, as a pipe: it is read in blocks.
+class SizelessSystem : public Sys_FileSystem {
+  public:
+    explicit SizelessSystem(std::string text) : mText(std::move(text)) {}
+    std::unique_ptr<Sys_FileBackend> Open(const std::string&, Sys_FileMode) override {
+        struct Backend : Sys_FileBackend {
+            explicit Backend(const std::string& text) : mText(text) {}
+            std::size_t ReadAt(std::uint64_t offset, void* bytes, std::size_t size) override {
+                const std::size_t at = std::min(static_cast<std::size_t>(offset), mText.size());
+                return mText.copy(static_cast<char*>(bytes), size, at);
+            }
+            void WriteAt(std::uint64_t, const void*, std::size_t) override {}
+            std::uint64_t GetSize() override { return 0; }
+            void Flush() override {}
+            const std::string& mText;
+        };
+        return std::make_unique<Backend>(mText);
+    }
+    void Replace(const std::string&, const std::string&) override {}
+    void Remove(const std::string&) override {}
+    std::string Resolve(const std::string& path) override { return path; }
+    void CopyAccess(const std::string&, const std::string&) override {}
+
+  private:
+    std::string mText;
+};
+
+TEST(SourceFormat, BlocksGiveWhatTheWholeFileGives) {
+    // Around the block size, where the end falls into a block, and a value that spans many.
+    for (const std::size_t length : {1, 960, 961, 962, 963, 964, 965, 2000, 500'000}) {
+        std::string text = "<c><property name='p' type='string' value='";
+        text += std::string(length, 'v') + "'/><d><e/></d></c>";
+        SizelessSystem system(text);
+        Sys_File file(Sys_FileLoc("pipe.xml"), Sys_FileMode::Read, system);
+        const std::unique_ptr<QLX_RawPropertyContainer> blocks(
+            QLX_XMLParser(&file, nullptr).Parse());
+        const auto whole = Read(text);
+        ASSERT_TRUE(blocks && whole) << length;
+        EXPECT_EQ(QLX_SourceViewFormat::WriteToText(*blocks, LineEndings::Unix),
+                  QLX_SourceViewFormat::WriteToText(*whole, LineEndings::Unix));
+    }
+    SizelessSystem cut("<c><d/>" + std::string(3000, ' '));
+    Sys_File file(Sys_FileLoc("pipe.xml"), Sys_FileMode::Read, cut);
+    QLX_XMLParser parser(&file, nullptr);
+    EXPECT_EQ(parser.Parse(), nullptr);
+    EXPECT_EQ(parser.GetProblems().front().ToString(), "pipe.xml:1:3008: no element found");
+}
+
+TEST(SourceFormat, ElementsInsidePropertiesStayInPlace) {
+    const auto root = Read("<a><property name='p' type='bool' value='true'><b><property/></b>"
+                           "</property><c/></a>");
+    ASSERT_TRUE(root);
+    std::vector<std::string> names;
+    for (const QLX_RawPropertyContainer* child : root->GetChildren())
+        names.push_back(child->GetName());
+    EXPECT_EQ(names, (std::vector<std::string>{"b", "c"}));
+}
+
 TEST(SourceFormat, WellKnownPropertiesAreTheTable) {
     bool required = false;
     EXPECT_TRUE(QLX_SourceViewFormat::IsWellKnownProperty("view", "Identifier", required) &&
