@@ -350,7 +350,6 @@ bool TNumericEntryText::DoMouseWheel(const VPoint& where, TToolboxEvent* event) 
                          event->IsShiftKeyPressed(), event->IsOptionKeyPressed(),
                          event->IsControlKeyPressed(), /*fromTracking*/ false, kTrack_End);
     }
-    mNotified = false;
     return true;
 }
 

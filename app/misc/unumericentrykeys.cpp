@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <utility>
 
 #include "app/misc/unumericentryhelper.h"
 #include "app/misc/unumericentrytext.h"
@@ -96,17 +97,9 @@ void TNumericEntryText::DoKeyEvent(TToolboxEvent* event) {
     key.shift = event->IsShiftKeyPressed();
     key.option = event->IsOptionKeyPressed();
     key.control = event->IsControlKeyPressed();
-    mNotified = false;
-    const bool consumed = DispatchKey(key, event);
-    if (mGone)
+    const bool consumed = UseKey(key, event);
+    if (mGone || consumed)
         return;
-    if (consumed) {
-        if (mUpdateWhenKeyPressed && !mNotified)
-            NotifyClient(key);
-        mNotified = false;
-        return;
-    }
-    mNotified = false;
     const bool isArrow = key.code >= kDAW_Key_Left && key.code <= kDAW_Key_Down;
     if (mResignOnUnhandled && !isArrow && IsTarget()) {
         if (GetNextHandler() != nullptr)
@@ -118,7 +111,18 @@ void TNumericEntryText::DoKeyEvent(TToolboxEvent* event) {
         PassOn(event);
 }
 
-// Answers whether the key ends here.
+// Answers whether the key ends here. The client hears of it once.
+bool TNumericEntryText::UseKey(const KeyStroke& key, TToolboxEvent* event) {
+    const bool wasInKey = std::exchange(mInKey, true);
+    mNotified = false;
+    const bool consumed = DispatchKey(key, event);
+    if (consumed && mUpdateWhenKeyPressed && !mNotified && !mGone)
+        NotifyClient(key);
+    mInKey = wasInKey;
+    mNotified = false;
+    return consumed;
+}
+
 bool TNumericEntryText::DispatchKey(const KeyStroke& key, TToolboxEvent* event) {
     if (TypeKey(key))
         return true;
@@ -340,11 +344,9 @@ bool TNumericEntryText::DoTextInput(const std::string& text) {
         taken = true;
         KeyStroke key;
         key.code = static_cast<unsigned char>(plain);
-        mNotified = false;
         if (key.code != 'T' && key.code != 't')
-            DispatchKey(key, nullptr);
+            UseKey(key, nullptr);
     }
-    mNotified = false;
     return taken || TControl::DoTextInput(text);
 }
 

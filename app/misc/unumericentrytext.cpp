@@ -574,7 +574,7 @@ void TNumericEntryText::UpdateClient(short keyOrStep, bool command, bool shift, 
                                      bool control, bool fromTracking, TrackPhase phase) {
     // Whoever hears of it may free the field: inside the scope it stays readable.
     const StDispatch dispatch;
-    mNotified = true;
+    mNotified = mInKey;
     if (mUpdateConcurrent)
         UpdateNow();
     CNumericEntryData data;
@@ -682,7 +682,6 @@ void TNumericEntryText::ResignedTarget() {
     GetHelper()->EditingEnded(this);
     if (mUpdateWhenResigning && !mNotified)
         UpdateClient(0, false, false, false, false, /*fromTracking*/ false, kTrack_End);
-    mNotified = false;
     if (mGone)
         return;
     TControl::ResignedTarget();
@@ -716,9 +715,10 @@ bool TNumericEntryText::GetSelectedForAccessibility(std::string& text) {
 }
 
 void TNumericEntryText::ReadAccessibility(std::string& spoken) {
-    spoken = GetValueText();
+    spoken = mPrefix;
     if (mArithmetic != kArithmetic_None)
-        spoken = mBackup + (mArithmetic == kArithmetic_Adding ? " + " : " - ") + spoken;
+        spoken += mBackup + (mArithmetic == kArithmetic_Adding ? " + " : " - ");
+    spoken += mText + mSuffix;
 }
 
 bool TNumericEntryText::GetRangeForAccessibility(double& minimum, double& maximum, double& value) {

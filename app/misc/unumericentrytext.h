@@ -302,6 +302,7 @@ class QLX_API TNumericEntryText : public TControl {
     void Convert(CNumericEntryHelper* helper, ETimeCodeFormat timeCodeFormat);
     void StopEditing();
 
+    bool UseKey(const KeyStroke& key, TToolboxEvent* event);
     bool DispatchKey(const KeyStroke& key, TToolboxEvent* event);
     bool TypeKey(const KeyStroke& key);
     bool KeyReturn(const KeyStroke& key);
@@ -396,7 +397,8 @@ class QLX_API TNumericEntryText : public TControl {
     int mWheelRest = 0;  // parts of a notch
     double mLastTap = 0; // seconds
     bool mSyncing = false;
-    bool mNotified = false; // the client has heard of the key under way
+    bool mInKey = false;    // a key is under way
+    bool mNotified = false; // the client has heard of it
     bool mGone = false;     // freed; the memory lives on until the outermost dispatch returns
 };
 

@@ -168,6 +168,18 @@ TEST_F(FieldWindow, DragsStepTheBlockOncePastFivePixels) {
     mField->RemoveDependent(&dependent);
 }
 
+TEST_F(FieldWindow, WhatChangesAfterADragIsToldWhenTheFieldResigns) {
+    mField->SetUpdateClientWhenResigningTarget(true);
+    mDriver.Click(cField);
+    const Cmn_Point<int> at = Over(mField, 6);
+    mDriver.Drag(at, {at.x, at.y - 20}, 4);
+    ASSERT_TRUE(mField->PasteText("00:00:07:00"));
+    mCalls.clear();
+    mEditor->BecomeTarget();
+    EXPECT_EQ(mCalls, std::vector<std::string>{"key 0"});
+    EXPECT_EQ(mField->GetText(), "00:00:07:00");
+}
+
 TEST_F(FieldWindow, EscapeTakesADragBack) {
     mDriver.Click(cField);
     mDriver.Step(2);

@@ -1125,7 +1125,7 @@ TEST_F(NumericField, AccessibilityHearsOfTextAndSelection) {
     Type("+5");
     std::string spoken;
     mField->ReadAccessibility(spoken);
-    EXPECT_EQ(spoken, "00:00:01:00 + at 05:00:00:00");
+    EXPECT_EQ(spoken, "at 00:00:01:00 + 05:00:00:00");
 }
 
 TEST_F(NumericField, RangesForAccessibility) {
