@@ -87,9 +87,17 @@ class QLX_RecordingReader {
             ++mPlace;
         return mLine.substr(begin, mPlace - begin);
     }
+    // The limits of floating numbers are the infinities.
     template <class T>
-    [[nodiscard]] T Number(T smallest = std::numeric_limits<T>::lowest(),
-                           T largest = std::numeric_limits<T>::max()) {
+    static constexpr T kLargest = std::numeric_limits<T>::has_infinity
+                                      ? std::numeric_limits<T>::infinity()
+                                      : std::numeric_limits<T>::max();
+    template <class T>
+    static constexpr T kSmallest = std::numeric_limits<T>::has_infinity
+                                       ? -std::numeric_limits<T>::infinity()
+                                       : std::numeric_limits<T>::lowest();
+    template <class T>
+    [[nodiscard]] T Number(T smallest = kSmallest<T>, T largest = kLargest<T>) {
         SkipSpaces();
         T value{};
         const auto result =
@@ -266,6 +274,9 @@ class QLX_RecordingReader {
             if (word == names[i])
                 return int(i);
         mPlace = begin;
+        // Values without a name are printed as numbers.
+        if (!word.empty() && (word[0] == '-' || (word[0] >= '0' && word[0] <= '9')))
+            return Number<int>();
         Fail("unknown value \"" + std::string(word) + "\"");
     }
     [[nodiscard]] int Theme() {

@@ -462,8 +462,9 @@ class Writer {
                              : single ? QLX_Painter::kJustify_Middle
                                       : Get<int>(call, 3);
         if (vertical != QLX_Painter::kJustify_Top) {
-            const int room = rect.GetHeight() - mLayout.GetLineHeight();
-            rect.top += vertical == QLX_Painter::kJustify_Middle ? room / 2 : room;
+            const std::int64_t room = std::int64_t{rect.GetHeight()} - mLayout.GetLineHeight();
+            rect.top = Cmn_ClampTo<int>(
+                rect.top + (vertical == QLX_Painter::kJustify_Middle ? room / 2 : room));
             rect.bottom = Cmn_SaturatingAdd(rect.top, mLayout.GetLineHeight());
         }
         mLayout.Place(rect, justification, ellipsis);

@@ -16,8 +16,30 @@ std::vector<std::uint32_t>& Scratch(std::size_t pixels) {
     return scratch;
 }
 
+// Lengths beyond int's, which GetWidth and GetHeight hold at its limit.
+[[nodiscard]] std::int64_t Width(const Cmn_Rect<int>& rect) noexcept {
+    return std::int64_t{rect.right} - rect.left;
+}
+[[nodiscard]] std::int64_t Height(const Cmn_Rect<int>& rect) noexcept {
+    return std::int64_t{rect.bottom} - rect.top;
+}
+
 [[nodiscard]] bool SameSize(const Cmn_Rect<int>& a, const Cmn_Rect<int>& b) noexcept {
-    return a.GetWidth() == b.GetWidth() && a.GetHeight() == b.GetHeight();
+    return Width(a) == Width(b) && Height(a) == Height(b);
+}
+
+// The share of a destination that a part of its source takes.
+[[nodiscard]] Cmn_Rect<int> ShareOf(const Cmn_Rect<int>& destination, const Cmn_Rect<int>& source,
+                                    const Cmn_Rect<int>& part) noexcept {
+    const auto place = [](int start, double share) {
+        return Cmn_ClampTo<int>(start + std::int64_t(std::floor(share + 0.5)));
+    };
+    const double across = double(Width(destination)) / double(Width(source));
+    const double down = double(Height(destination)) / double(Height(source));
+    const double left = double(part.left) - source.left, top = double(part.top) - source.top;
+    return {place(destination.left, left * across), place(destination.top, top * down),
+            place(destination.left, (left + part.GetWidth()) * across),
+            place(destination.top, (top + part.GetHeight()) * down)};
 }
 
 } // namespace
@@ -60,18 +82,8 @@ void QLX_PainterCairo::DrawImagePortion(const ImagePtr& image, const Cmn_Rect<in
     const Cmn_Rect<int> part = source & image->GetBounds();
     if (part.Empty())
         return;
-    Cmn_Rect<int> to = destination;
-    if (part != source) { // what lies beyond the image leaves its share of the destination alone
-        const double across = double(destination.GetWidth()) / source.GetWidth();
-        const double down = double(destination.GetHeight()) / source.GetHeight();
-        const auto place = [](int from, double share) {
-            return Cmn_ClampTo<int>(from + std::int64_t(std::floor(share + 0.5)));
-        };
-        const double left = double(part.left) - source.left, top = double(part.top) - source.top;
-        to = {place(destination.left, left * across), place(destination.top, top * down),
-              place(destination.left, (left + part.GetWidth()) * across),
-              place(destination.top, (top + part.GetHeight()) * down)};
-    }
+    // What lies beyond the image leaves its share of the destination alone.
+    const Cmn_Rect<int> to = part == source ? destination : ShareOf(destination, source, part);
     const QLX_Image& used =
         image->GetForScale(resolution == kResolution_Logical ? mScale.GetFactor() : 1);
     const int times = used.GetWidth() / image->GetWidth();
@@ -224,21 +236,8 @@ void QLX_PainterCairo::CopyCanvas(Ptr source, const Cmn_Rect<int>& sourceRect,
     const Cmn_Rect<int> there = part & from->CanvasBounds();
     if (there.Empty())
         return;
-    if (there != part) { // the same share of the destination, where the source has pixels
-        if (SameSize(part, to)) {
-            to = {to.left + (there.left - part.left), to.top + (there.top - part.top),
-                  to.right - (part.right - there.right), to.bottom - (part.bottom - there.bottom)};
-        } else {
-            const double across = double(to.GetWidth()) / part.GetWidth();
-            const double down = double(to.GetHeight()) / part.GetHeight();
-            const auto place = [](int start, double share) {
-                return Cmn_ClampTo<int>(start + std::int64_t(std::floor(share + 0.5)));
-            };
-            to = {place(to.left, (double(there.left) - part.left) * across),
-                  place(to.top, (double(there.top) - part.top) * down),
-                  place(to.left, (double(there.right) - part.left) * across),
-                  place(to.top, (double(there.bottom) - part.top) * down)};
-        }
+    if (there != part) { // where the source has no pixels, the destination is left alone
+        to = ShareOf(to, part, there);
         part = there;
     }
     const QLX_Region moved =

@@ -204,12 +204,12 @@ void QLX_PainterCairo::DrawSingleLineTextBox(const Cmn_Rect<int>& rect, const st
                                           ? mLayout.CutToWidth(text, mFont, float(rect.GetWidth()))
                                           : std::string_view(text);
         const QLX_FontMetrics metrics = mFont.GetMetrics();
-        const int top = rect.top + (rect.GetHeight() - metrics.GetLineHeight()) / 2;
+        const std::int64_t top =
+            rect.top + (std::int64_t{rect.GetHeight()} - metrics.GetLineHeight()) / 2;
         const Cmn_Rect<int> box = ToCanvas(rect);
-        const int baseline =
-            Cmn_ClampTo<int>(std::int64_t{EdgeYToDevice(std::int64_t{top} + metrics.GetBaseline(),
-                                                        kResolution_Logical)} -
-                             mDeviceCorner.y);
+        const int baseline = Cmn_ClampTo<int>(
+            std::int64_t{EdgeYToDevice(top + metrics.GetBaseline(), kResolution_Logical)} -
+            mDeviceCorner.y);
         (void)DrawLine(line, box.left, baseline, box);
     }
     if (second)

@@ -688,11 +688,16 @@ void QLX_FillColumns(const QLX_Surface& surface, const Cmn_Rect<int>& rect, int 
 
 namespace {
 
-// Where along one axis a destination pixel looks, in 1/65536ths of a source pixel.
+// Where along one axis a destination pixel looks, in 1/65536ths of a source pixel. Sources are at
+// most 2^14 long and destinations less than 2^32, so that nothing leaves 63 bits.
 struct Axis {
-    int begin, length; // of the part
-    std::int64_t step; // source length a destination pixel
-    [[nodiscard]] bool Shrinks() const noexcept { return step > 65536; }
+    int begin; // of the part
+    std::int64_t length, destination;
+    [[nodiscard]] bool Shrinks() const noexcept { return length > destination; }
+    /// Of a pixel's edge, in halves of destination pixels.
+    [[nodiscard]] std::int64_t At(std::int64_t halves) const noexcept {
+        return (halves * length << 15) / destination;
+    }
 };
 
 struct Sum {
@@ -716,17 +721,17 @@ struct Reach {
     int from = 0, count = 1;
     std::int64_t firstWeight = 65536, lastWeight = 0; // those between weigh 65536
 
-    Reach(const Axis& axis, int place) noexcept {
+    Reach(const Axis& axis, std::int64_t place) noexcept {
         if (axis.Shrinks()) {
-            const std::int64_t begin = axis.step * place, end = begin + axis.step;
+            const std::int64_t begin = axis.At(2 * place), end = axis.At(2 * place + 2);
             from = int(begin >> 16);
             const int last = int(std::min<std::int64_t>((end - 1) >> 16, axis.length - 1));
             count = last - from + 1;
-            firstWeight = count == 1 ? axis.step : 65536 - (begin & 65535);
+            firstWeight = count == 1 ? end - begin : 65536 - (begin & 65535);
             lastWeight = end - (std::int64_t{last} << 16);
             lastWeight = std::min<std::int64_t>(lastWeight, 65536);
         } else { // between the two nearest pixels' middles
-            const std::int64_t middle = axis.step * place + axis.step / 2 - 32768;
+            const std::int64_t middle = axis.At(2 * place + 1) - 32768;
             const std::int64_t held =
                 std::clamp<std::int64_t>(middle, 0, std::int64_t{axis.length - 1} << 16);
             from = int(held >> 16);
@@ -753,14 +758,13 @@ void QLX_ScalePixels(const std::uint32_t* picture, int pictureRow, const Cmn_Rec
                      const Cmn_Rect<int>& destination, const Cmn_Rect<int>& wanted,
                      std::uint32_t* out, int outRow) noexcept {
     const Axis across{part.left, part.GetWidth(),
-                      (std::int64_t{part.GetWidth()} << 16) / destination.GetWidth()};
-    const Axis down{part.top, part.GetHeight(),
-                    (std::int64_t{part.GetHeight()} << 16) / destination.GetHeight()};
+                      std::int64_t{destination.right} - destination.left};
+    const Axis down{part.top, part.GetHeight(), std::int64_t{destination.bottom} - destination.top};
     for (int y = wanted.top; y < wanted.bottom; ++y, out += outRow) {
-        const Reach rows(down, y - destination.top);
+        const Reach rows(down, std::int64_t{y} - destination.top);
         const std::uint64_t rowTotal = rows.Total();
         for (int x = wanted.left; x < wanted.right; ++x) {
-            const Reach columns(across, x - destination.left);
+            const Reach columns(across, std::int64_t{x} - destination.left);
             Sum sum;
             for (int r = 0; r < rows.count; ++r) {
                 const std::uint32_t* source =
