@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "app/misc/unumericentryhelper.h"
 #include "basekit/cmn/cmn_string.h"
@@ -407,15 +408,31 @@ bool TNumericEntryText::IsWildcard() const {
     return mAcceptsWildcard && mText == kNumericEntry_Wildcard;
 }
 
+// Helpers render a stored number without knowing the field, so in the session's time-code format; a
+// field with a format of its own has the same length written in that.
+bool TNumericEntryText::WriteOwnLength(std::int64_t samples, std::string& text) {
+    if (mFormat != kNumericEntry_TimeCode || mTimeCodeFormat == Time_Session::GetTimeCodeFormat())
+        return false;
+    const bool wasDuration = std::exchange(mIsDuration, true);
+    const bool written = mHelper->SampleToString(this, samples, text);
+    mIsDuration = wasDuration;
+    return written;
+}
+
 void TNumericEntryText::SetTextFromIntegerValue(std::int64_t value) {
+    CNumericEntryHelper* const helper = GetHelper();
     std::string text;
-    GetHelper()->IntegerValueToString(value, text);
+    if (!WriteOwnLength(value, text))
+        helper->IntegerValueToString(value, text);
     SetText(text, /*redraw*/ true, /*asBackup*/ true);
 }
 
 void TNumericEntryText::SetTextFromFloatValue(double value) {
+    CNumericEntryHelper* const helper = GetHelper();
     std::string text;
-    GetHelper()->FloatValueToString(value, text);
+    const double samples = std::floor(value * Time_Session::GetSampleRate() + 0.5);
+    if (!WriteOwnLength(TruncateToInteger(samples), text))
+        helper->FloatValueToString(value, text);
     SetText(text, /*redraw*/ true, /*asBackup*/ true);
 }
 

@@ -300,6 +300,7 @@ class QLX_API TNumericEntryText : public TControl {
     void SyncFormat();
     void LookUpFormat(ENumericEntryFormat& format, bool& subframes) const;
     void Convert(CNumericEntryHelper* helper, ETimeCodeFormat timeCodeFormat);
+    bool WriteOwnLength(std::int64_t samples, std::string& text);
     void StopEditing();
 
     bool UseKey(const KeyStroke& key, TToolboxEvent* event);

@@ -120,7 +120,8 @@ void CTimeCodeEntryHelper::FillData(TNumericEntryText* field, std::int64_t units
     if (field->IsDurationText() || field->IsPreSessionTimeCodeAllowed()) {
         data->mValue = data->mSMPTE.GetTotalSamples().GetSamples();
     } else {
-        const Time_SMPTE start = Time_SMPTEUtils::GetSessionStart();
+        const Time_SMPTE start =
+            Time_SMPTEUtils::FromSessionSample(Time_Sample(), FormatOf(field), HasSubframes());
         if (data->mSMPTE < start && !data->mIsEmpty)
             data->mSMPTE = start;
         data->mValue = Time_SMPTEUtils::GetSamplesFromStartFrame(data->mSMPTE).GetSamples();

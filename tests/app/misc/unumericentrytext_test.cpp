@@ -872,6 +872,30 @@ TEST_F(NumericField, ValuesInFromNumbersAndSamples) {
     EXPECT_EQ(Text(), "+12");
 }
 
+TEST_F(NumericField, AFieldMayCountInARateOfItsOwn) {
+    Time_Session::SetTimeCodeFormat(ETimeCodeFormat::F30);
+    Time_Session::SetFrameOffset(108000);
+    mField->SetNumericEntryFormatOverride(cTC, false, false, true, ETimeCodeFormat::F120);
+    EXPECT_EQ(mField->GetLocalTimeCodeFormat(), ETimeCodeFormat::F120);
+    mField->SetTextFromIntegerValue(24000);
+    EXPECT_EQ(Text(), "00:00:00:060") << "a stored length, from zero";
+    mField->SetTextFromFloatValue(1.5);
+    EXPECT_EQ(Text(), "00:00:01:060");
+    mField->SetTextFromSample(Time_Sample(24000), true);
+    EXPECT_EQ(Text(), "01:00:00:060") << "a position, from the session's start";
+    mField->GetData(&mData);
+    EXPECT_EQ(mData.mValue, 24000);
+    EXPECT_EQ(mData.mSMPTE, Time_SMPTE(ETimeCodeFormat::F120, 432060));
+    Edit("00:00:01:000");
+    mField->GetData(&mData);
+    EXPECT_EQ(mData.mSMPTE, Time_SMPTE(ETimeCodeFormat::F120, 432000)) << "the start, in its rate";
+    EXPECT_EQ(mData.mValue, 0);
+    EXPECT_TRUE(mField->PasteText("01:00:00:15 @ 30"));
+    EXPECT_EQ(Text(), "01:00:00:060");
+    Time_Session::SetTimeCodeFormat(ETimeCodeFormat::F24);
+    EXPECT_EQ(mField->GetLocalTimeCodeFormat(), ETimeCodeFormat::F120) << "whatever the session";
+}
+
 // ---- The target ----
 
 TEST_F(NumericField, ReturnGivesTheKeyboardBack) {
