@@ -15,7 +15,7 @@ std::string Name(const TObject* object, std::uint32_t identifier) {
     return object->GetClassDescDynamic()->GetClassName() + " '" + Cmn_IDToString(identifier) + "'";
 }
 
-std::string DescribeView(TView* view) {
+std::string LineOf(TView* view) {
     std::string text = Name(view, view->GetIdentifier());
     text += " frame " + view->GetFrame().AsString();
     if (!(view->GetLocalOffset() == VPoint())) {
@@ -33,7 +33,7 @@ std::string DescribeView(TView* view) {
 
 void DumpView(TView* view, int level, std::string& text) {
     text.append(static_cast<std::size_t>(level) * 2, ' ');
-    text += DescribeView(view) + "\n";
+    text += LineOf(view) + "\n";
     for (int i = 1; i <= view->CountSubViews(); ++i)
         DumpView(view->GetSubView(i), level + 1, text);
 }
@@ -76,7 +76,19 @@ std::vector<QLX_PropertyFilter> ChainOf(const QLX_PropertyFilter& filter) {
     return chain;
 }
 
+/// "Layout=Compact Language=DEU" without what is empty; "common" for the filter that has nothing.
+std::string ShortName(const QLX_PropertyFilter& filter) {
+    std::string text;
+    for (const auto& [name, value] : filter.GetAttributes()) {
+        if (!value.empty())
+            text += (text.empty() ? "" : " ") + name + "=" + value;
+    }
+    return text.empty() ? "common" : text;
+}
+
 } // namespace
+
+std::string QLX_DumpView(TView* view) { return view ? LineOf(view) : std::string(); }
 
 std::string QLX_DumpViews(TView* root) {
     std::string text;
@@ -111,7 +123,7 @@ std::string QLX_DumpProperties(const QLX_RawPropertyContainer* container) {
         for (const QLX_PropertyFilter& filter : chain) {
             const auto set = stored.find(filter);
             if (set != stored.end() && set->second.HasProperty(value.mType, value.mName)) {
-                line += " [" + filter.ToString() + "]";
+                line += " [" + ShortName(filter) + "]";
                 break;
             }
         }

@@ -116,6 +116,16 @@ class Watcher : public QLX_AccessibilityListener {
 Watcher sWatcher;
 bool sWatching = false;
 
+/// Lines that each begin with a line break and two blanks.
+std::string Indented(const std::string& lines) {
+    std::string text;
+    for (std::size_t start = 0, end = 0; start < lines.size(); start = end + 1) {
+        end = std::min(lines.find('\n', start), lines.size());
+        text += "\n  " + lines.substr(start, end - start);
+    }
+    return text;
+}
+
 QLX_EventTraceWriter& Writer() {
     static QLX_EventTraceWriter sWriter(QLX_EventTraceWriter::EForm::Lines);
     return sWriter;
@@ -174,12 +184,10 @@ TView* TInspector::GetInspected() { return sView ? sView->GetInspected() : nullp
 std::string TInspector::Describe(TView* view) {
     if (!view)
         return {};
-    std::string dump = QLX_DumpViews(view);
-    std::string text = dump.substr(0, dump.find('\n') + 1);
-    text += "handlers:\n" + QLX_DumpHandlerChain(view);
+    std::string text = QLX_DumpView(view) + "\nhandlers:" + Indented(QLX_DumpHandlerChain(view));
     const std::string properties = QLX_DumpProperties(TViewServer::GetSource(view));
     if (!properties.empty())
-        text += "properties:\n" + properties;
+        text += "\nproperties:" + Indented(properties);
     return text;
 }
 

@@ -247,10 +247,10 @@ TEST_F(ViewServer, TheInspectorSaysWhatIsUnderThePointer) {
     EXPECT_EQ(text.substr(0, text.find("properties:")),
               "TProbeView 'two ' frame VRect(160, 10, 310, 90)\n"
               "handlers:\n"
-              "TProbeView 'two '\n"
-              "TWindow 'wind'\n"
-              "TApplication '    '\n");
-    EXPECT_NE(text.find("Frame rect = 10 160 90 310 ["), std::string::npos);
+              "  TProbeView 'two '\n"
+              "  TWindow 'wind'\n"
+              "  TApplication '    '\n");
+    EXPECT_NE(text.find("\n  Frame rect = 10 160 90 310 [common]\n"), std::string::npos);
     mDriver.MoveTo(ID("prob"));
     EXPECT_EQ(TInspector::GetInspected(), &mDriver.Find(ID("prob")));
     mDriver.Find(ID("left")).Free();
@@ -266,6 +266,21 @@ TEST_F(ViewServer, TheInspectorSaysWhatIsUnderThePointer) {
     EXPECT_EQ(TInspector::GetWindow(), nullptr);
     TInspector::Disable();
     (void)Problems();
+}
+
+TEST_F(ViewServer, PropertiesAreDumpedWithTheFilterThatStoresThem) {
+    const auto compact = QLX_PropertyFilter::MakeFilter("Compact", QLX_Language::English);
+    const auto german = QLX_PropertyFilter::MakeFilter("Compact", QLX_Language::German);
+    QLX_RawPropertyContainer container("view");
+    container.SetInt32Property("Level", 1, QLX_PropertyFilter::RootFilter());
+    container.SetInt32Property("Level", 2, compact);
+    container.SetInt32Property("Other", 3, QLX_PropertyFilter::RootFilter());
+    container.SetBoolProperty("Wide", true, german);
+    EXPECT_EQ(QLX_DumpProperties(&container), "") << "no filter is current";
+    container.SetCurrentFilter(german);
+    EXPECT_EQ(QLX_DumpProperties(&container), "Level int32 = 2 [Layout=Compact]\n"
+                                              "Other int32 = 3 [common]\n"
+                                              "Wide bool = true [Language=DEU Layout=Compact]\n");
 }
 
 TEST_F(ViewServer, DumpsShowTrees) {
