@@ -40,6 +40,31 @@ std::string Output(const std::string& command) {
     return text;
 }
 
+/// A program that runs beside the test, ended by its process id.
+class Companion {
+  public:
+    explicit Companion(const char* program) {
+        mProcess = fork();
+        if (mProcess == 0) {
+            (void)!freopen("/dev/null", "w", stdout);
+            (void)!freopen("/dev/null", "w", stderr);
+            execlp(program, program, static_cast<char*>(nullptr));
+            _exit(127);
+        }
+    }
+    ~Companion() {
+        if (mProcess > 0) {
+            kill(mProcess, SIGTERM);
+            waitpid(mProcess, nullptr, 0);
+        }
+    }
+    Companion(const Companion&) = delete;
+    Companion& operator=(const Companion&) = delete;
+
+  private:
+    pid_t mProcess;
+};
+
 /// An X server on a free display, ended by its process id.
 class XServer {
   public:
@@ -199,6 +224,28 @@ TEST_F(SDLWindow, AnIdleWindowSleepsAndAResizedOneIsDrawnAnew) {
     std::string text;
     EXPECT_TRUE(QLX_Clipboard::Get().GetText(text));
     EXPECT_EQ(text, "copied é");
+}
+
+TEST_F(SDLWindow, AWindowManagerClosesIt) {
+    if (Output("command -v openbox").empty())
+        GTEST_SKIP() << "openbox is not installed";
+    // The window is there first: showing one while a manager begins may wait for each other.
+    const Companion manager("openbox");
+    const std::string state = "xprop -id " + mID + " WM_STATE | grep -F window";
+    ASSERT_TRUE(RunUntil([&] { return !Output(state).empty(); })) << "taken over";
+    Do("windowactivate " + mID);
+    ASSERT_TRUE(RunUntil([this] { return mWindow->IsActive(); }));
+    Point(60, 60);
+    Do("click 4 click 4 click 5"); // away, away, back
+    Do("click 1");
+    Do("key Return Escape KP_Enter BackSpace"); // nothing types
+    Do("type q");
+    ASSERT_TRUE(RunUntil([this] { return Probe("prob")->GetText() == "q"; }))
+        << Probe("prob")->GetText();
+    Do("key alt+F4");
+    ASSERT_TRUE(RunUntil([this] { return !mWindow->IsOpen(); }));
+    EXPECT_EQ(Probe("prob")->GetText(), "q") << "the views live on";
+    RunFor(0.1);
 }
 
 TEST(SDLPlatform, WithoutADisplayItSaysSo) {
