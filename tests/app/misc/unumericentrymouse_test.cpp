@@ -126,6 +126,12 @@ TEST_F(FieldWindow, ClickTypeReturnAndTheKeyboardIsWhereItWas) {
     EXPECT_TRUE(mEditor->IsTarget()) << "not the field clicked first";
     EXPECT_EQ(mSecond->GetText(), "01:02:03:07");
     EXPECT_EQ(mCalls.back(), "key 13");
+    mDriver.Click(cSecond);
+    mDriver.Type("99");
+    mDriver.Key(kDAW_Key_Escape);
+    EXPECT_EQ(mSecond->GetText(), "01:02:03:07") << "a real Escape takes the edit back";
+    EXPECT_EQ(Selection(mSecond), "0..11");
+    EXPECT_TRUE(mSecond->IsTarget());
 }
 
 TEST_F(FieldWindow, DragsStepTheBlockOncePastFivePixels) {

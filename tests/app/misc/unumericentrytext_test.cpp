@@ -232,6 +232,53 @@ TEST_F(NumericField, PositionsBeforeTheSessionStartAreReportedAsTheStart) {
     EXPECT_EQ(mLastMilliSeconds, 3599000);
 }
 
+TEST_F(NumericField, WhatTheClientIsGiven) {
+    Time_Session::SetFrameOffset(30 * 10);
+    struct Row {
+        const char* why;
+        ENumericEntryFormat format;
+        bool duration;
+        const char* text;
+        Time_Typed value;
+        Time_TypedLength forward, backward; // from and to sample 24000
+        std::int64_t samples, milliseconds;
+    };
+    const auto samples = [](std::int64_t count) {
+        return Time_TypedLength(Time_SampleLength(count));
+    };
+    const Time_TickLength bar = Time_TickLength::FromDisplayTicks(3840);
+    const Time_TickLength beat = Time_TickLength::FromDisplayTicks(960);
+    const Row rows[] = {
+        {"a position", cTC, false, "00:00:11:15", Time_Typed(Time_Sample(72000)), samples(48000),
+         samples(-48000), 72000, 1500},
+        {"a length has no ends", cTC, true, "00:00:01:15", Time_Typed(Time_Sample(72000)),
+         samples(72000), samples(72000), 72000, 1500},
+        {"milliseconds as typed", cMS, false, "   0:01.001", Time_Typed(Time_Sample(48048)),
+         samples(24048), samples(-24048), 48048, 1001},
+        {"footage", cFF, false, "     1+08", Time_Typed(Time_Sample(48000)), samples(24000),
+         samples(-24000), 48000, 1000},
+        {"bars stay musical", cBB, false, "   2|01|000", Time_Typed(bar),
+         Time_TypedLength(bar - beat), Time_TypedLength(beat - bar), 96000, 2000},
+        {"so do lengths of bars", cDur, false, "   1|00|000", Time_Typed(bar),
+         Time_TypedLength(bar), Time_TypedLength(bar), 96000, 2000},
+        {"samples", cSmp, false, "24001", Time_Typed(Time_Sample(24001)), samples(1), samples(-1),
+         24001, 500},
+    };
+    for (const Row& row : rows) {
+        mField->SetIsDurationText(row.duration);
+        Use(row.format);
+        ASSERT_TRUE(mField->SetText(row.text, true, true)) << row.why;
+        mField->GetData(&mData);
+        const CNumericEntryCallbackInfo info(mField, mData);
+        const Time_Typed start(Time_Sample(24000));
+        EXPECT_EQ(info.GetTimeTypedValue(), row.value) << row.why;
+        EXPECT_EQ(info.GetTimeTypedLength(start, ELength_Dir::Forward), row.forward) << row.why;
+        EXPECT_EQ(info.GetTimeTypedLength(start, ELength_Dir::Backward), row.backward) << row.why;
+        EXPECT_EQ(info.GetSampleLengthValue().GetSamples(), row.samples) << row.why;
+        EXPECT_EQ(info.GetMilliSeconds(), row.milliseconds) << row.why;
+    }
+}
+
 // ---- Keys ----
 
 TEST_F(NumericField, ArrowsGoRoundInNormalArrowModeAndPassOnWithout) {
@@ -245,6 +292,15 @@ TEST_F(NumericField, ArrowsGoRoundInNormalArrowModeAndPassOnWithout) {
     EXPECT_EQ(Selection(), "9..11");
     EXPECT_TRUE(Key(kDAW_Key_Up));
     EXPECT_EQ(Text(), "01:02:03:05");
+    EXPECT_TRUE(mField->SetText("00:00:59:00", true, true));
+    mField->SetSelection(6, 8);
+    EXPECT_TRUE(Key(kDAW_Key_Up));
+    EXPECT_EQ(Text(), "00:01:00:00");
+    EXPECT_TRUE(Key(kDAW_Key_Down));
+    EXPECT_EQ(Text(), "00:00:59:00");
+    EXPECT_EQ(Selection(), "6..8");
+    EXPECT_TRUE(mField->SetText("01:02:03:05", true, true));
+    mField->SetSelection(9, 11);
     EXPECT_TRUE(mApplication->mPassed.empty());
 
     mField->SetNormalArrowMode(false);
