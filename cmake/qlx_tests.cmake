@@ -42,6 +42,7 @@ foreach(program IN LISTS test_programs)
     target_link_libraries(${program} PRIVATE qlx_test_support)
     if(program MATCHES "^tests_host_")
         target_link_libraries(${program} PRIVATE session_views)
+        add_dependencies(${program} session_host)
     endif()
     # scripts/test_summary.py counts the cases in the report; a report of an earlier run must not stand
     # in for a program that crashed.

@@ -3,9 +3,11 @@
 #include <sndfile.h>
 
 #include <cmath>
+#include <complex>
 #include <filesystem>
 #include <mutex>
 #include <stdexcept>
+#include <vector>
 
 namespace {
 
@@ -30,26 +32,52 @@ class FileReader : public Audio_SampleReader {
     std::mutex mMutex;
 };
 
+/// Plucked notes over a sweep that rises and breaks off, the same every sixteen seconds.
 class GeneratedReader : public Audio_SampleReader {
   public:
     static constexpr std::int32_t kRate = 48000;
     static constexpr std::int64_t kFrames = std::int64_t{120} * kRate;
 
+    GeneratedReader() {
+        for (std::int32_t i = 0; i < kBeat; ++i) {
+            const double seconds = static_cast<double>(i) / kRate;
+            mPluck[i] =
+                static_cast<float>(std::exp(-9 * seconds) * std::sin(kTurn * 220 * seconds));
+        }
+        // The sweep's phase grows by a little more with each frame: two rotations a frame instead
+        // of a sine.
+        std::complex<double> phase = 0.35;
+        std::complex<double> step = std::polar(1.0, kTurn * 110 / kRate);
+        const std::complex<double> faster = std::polar(1.0, kTurn * 12 / kRate / kRate);
+        for (float& sample : mSweep) {
+            sample = static_cast<float>(phase.imag());
+            phase *= step;
+            step *= faster;
+        }
+    }
+
     std::int64_t GetFrameCount() const override { return kFrames; }
     int GetChannelCount() const override { return 2; }
     bool Read(std::int64_t start, std::int32_t frames, float* interleaved) override {
         for (std::int32_t i = 0; i < frames; ++i) {
-            const double seconds = static_cast<double>(start + i) / kRate;
-            const double beat = std::fmod(seconds, 0.5);
-            const double phrase = std::fmod(seconds, 16.0);
-            const double loud = phrase > 14 ? 0.0 : 0.25 + 0.7 * phrase / 14;
-            const double burst = std::exp(-beat * 9) * std::sin(seconds * 6.283185307 * 220);
-            const double sweep = 0.35 * std::sin(seconds * 6.283185307 * (110 + 12 * phrase));
-            interleaved[2 * i] = static_cast<float>(loud * (0.8 * burst + 0.4 * sweep));
-            interleaved[2 * i + 1] = static_cast<float>(loud * (0.5 * burst - 0.6 * sweep));
+            const auto place = static_cast<std::size_t>((start + i) % kPhrase);
+            const bool silent = place > kPhrase / 8 * 7;
+            const float loud =
+                silent ? 0.0F : 0.25F + 0.8F * static_cast<float>(place) / float{kPhrase};
+            const float pluck = loud * mPluck[place % kBeat];
+            const float sweep = loud * mSweep[place];
+            interleaved[2 * i] = 0.8F * pluck + 0.4F * sweep;
+            interleaved[2 * i + 1] = 0.5F * pluck - 0.6F * sweep;
         }
         return true;
     }
+
+  private:
+    static constexpr double kTurn = 6.283185307179586;
+    static constexpr std::int32_t kBeat = kRate / 2;
+    static constexpr std::int32_t kPhrase = 16 * kRate;
+    std::vector<float> mPluck = std::vector<float>(kBeat);
+    std::vector<float> mSweep = std::vector<float>(kPhrase);
 };
 
 } // namespace

@@ -116,6 +116,9 @@ int RunHeadless(const Options& options) {
     driver.OpenWindow(*window);
     window->WaitForPeaks();
     driver.WaitForIdle();
+    std::unique_ptr<QLX_PlayRecorder> recorder;
+    if (!options.mRecord.empty())
+        recorder = std::make_unique<QLX_PlayRecorder>(options.mRecord);
     int failures = 0;
     if (!options.mPlay.empty()) {
         const QLX_PlayResult result = QLX_PlayScript::PlayFile(driver, options.mPlay);

@@ -6,6 +6,7 @@
 #include "app/misc/unumericentrytext.h"
 #include "basekit/sys/sys_clock.h"
 #include "host/rulerview.h"
+#include "mediakit/time/time_barbeattick.h"
 #include "mediakit/time/time_smpte.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/persistence/qlx_persistence.h"
@@ -57,6 +58,7 @@ TSessionWindow::TSessionWindow() = default;
 TSessionWindow::~TSessionWindow() = default;
 
 void TSessionWindow::Free() {
+    TNumericEntryText::RegisterCaptureTimeCallback(nullptr);
     if (mLabels)
         mLabels->Free();
     mLabels = nullptr;
@@ -98,6 +100,7 @@ void TSessionWindow::ISession(SessionAudio audio, const MementoPtr& memento,
     SessionState state = mModel.GetState();
     state.mTrackName = mAudio.mName;
     mModel.SetState(state, kSession_Track);
+    TNumericEntryText::RegisterCaptureTimeCallback(&CapturePosition);
     WireViews();
     SetLook(look);
     if (TWaveformView* waveform = FindAs<TWaveformView>(Cmn_FourChar("wave")))
@@ -108,7 +111,8 @@ void TSessionWindow::WireViews() {
     for (const std::uint32_t identifier :
          {Cmn_FourChar("main"), Cmn_FourChar("scnd"), Cmn_FourChar("star"), Cmn_FourChar("endt"),
           Cmn_FourChar("leng"), Cmn_FourChar("nudg"), Cmn_FourChar("grid"), Cmn_FourChar("volu"),
-          Cmn_FourChar("pan ")})
+          Cmn_FourChar("pan "), Cmn_FourChar("temp"), Cmn_FourChar("mnum"), Cmn_FourChar("mden"),
+          Cmn_FourChar("offs")})
         if (TNumericEntryText* field = Field(identifier))
             field->SetCallback(&FieldCallback, this);
     if (TNumericEntryText* secondary = Field(Cmn_FourChar("scnd")))
@@ -353,9 +357,41 @@ void TSessionWindow::FieldChanged(CNumericEntryCallbackInfo& info) {
         state.mPan = Cmn_ClampTo<std::int32_t>(value);
         return Do<ChangeGainCommand>(kSessionCommand_ChangeGain, state, kSession_Track,
                                      "changegain");
+    case Cmn_FourChar("temp"):
+        mTempo = Cmn_ClampTo<std::int32_t>(std::clamp<std::int64_t>(value, 1, 999));
+        return ApplyTimeline();
+    case Cmn_FourChar("mnum"):
+        mMeterNumerator = Cmn_ClampTo<std::int32_t>(value);
+        return ApplyTimeline();
+    case Cmn_FourChar("mden"):
+        mMeterDenominator = Cmn_ClampTo<std::int32_t>(value);
+        return ApplyTimeline();
+    case Cmn_FourChar("offs"):
+        Time_Session::SetFrameOffset(value); // the time code of the session's first frame
+        return ApplyTimeline();
     default:
         return;
     }
+}
+
+// Tempo and meter hold for the whole session.
+void TSessionWindow::ApplyTimeline() {
+    Time_SessionTempoMap().SetTempo(Time_TickLength(), mTempo * 1000);
+    const Time_Meter meter{mMeterNumerator, mMeterDenominator};
+    if (meter.IsValid())
+        Time_SessionMeterMap().SetMeter(1, meter);
+    ApplyFormats();
+}
+
+// What "=" puts into a field.
+Time_SMPTE TSessionWindow::CapturePosition() {
+    Time_SMPTE now;
+    for (TWindow* each : TWindow::GetWindows())
+        if (auto* session = QLX_ObjectCast<TSessionWindow>(each))
+            now.SetFromTotalSamples(Time_SampleLength(session->mTransport.GetPosition()),
+                                    Time_Session::GetSampleRate(), /*withSubframes*/ true);
+    now.SetFromTotalSubframes(now.GetTotalSubframes() + Time_Session::GetFrameOffset() * 100);
+    return now;
 }
 
 void TSessionWindow::WaveformSelected(int phase, std::int64_t from, std::int64_t to) {

@@ -16,6 +16,7 @@ class CNumericEntryCallbackInfo;
 class CKeyBindings;
 class DAW_Command;
 class TNumericEntryText;
+class Time_SMPTE;
 class TWaveformView;
 
 /// How the window is shown first.
@@ -81,6 +82,8 @@ class TSessionWindow : public TWindow {
     void TakeSizeOfLayout();
     void ApplyFormats();
     void ApplyRates();
+    void ApplyTimeline();
+    static Time_SMPTE CapturePosition();
     void ShowModel();
     void ShowPosition();
     void ShowHistory(const std::string& line);
@@ -95,6 +98,9 @@ class TSessionWindow : public TWindow {
     std::string mShownLayout; // the size of the window is this one's, or the user's
     SessionState mBeforeDrag; // what undo goes back to when a drag has ended
     bool mDragging = false;
+    std::int32_t mTempo = 120; // quarter notes a minute
+    std::int32_t mMeterNumerator = 4;
+    std::int32_t mMeterDenominator = 4;
     TNumericEntryText* mLabels = nullptr; // owned; in no window: it turns frames into texts
     std::vector<std::string> mHistory;
     std::int64_t mShownPosition = -1;

@@ -40,6 +40,27 @@ std::string HeldKeys(std::uint32_t modifiers) {
     return text;
 }
 
+bool IsModifierKey(std::uint32_t key) {
+    return key == kDAW_Key_CapsLock ||
+           (key >= kDAW_Key_LeftControl && key <= kDAW_Key_LeftControl + 7);
+}
+
+/// As scripts write it: characters that mean something there have names.
+std::string NameOfKey(std::uint32_t key) {
+    switch (key) {
+    case '"':
+        return "Quote";
+    case '\'':
+        return "Apostrophe";
+    case '#':
+        return "Hash";
+    case '+':
+        return "Plus";
+    default:
+        return DAW_KeyCodeToName(static_cast<DAW_EKeyCode>(key));
+    }
+}
+
 } // namespace
 
 /// Turns events into lines. Movements without a button count only where the next press comes from.
@@ -101,8 +122,9 @@ class QLX_PlayRecorder::Listener : public TWindow::EventListener {
         case kQLX_EventKind_AutoKey: {
             std::uint32_t key = 0;
             event.GetProperty(kQLX_EventProperty_KeyCode, &key, sizeof key);
-            return "chord " + (held.empty() ? "" : held + "+") +
-                   DAW_KeyCodeToName(static_cast<DAW_EKeyCode>(key));
+            if (IsModifierKey(key)) // told by the chord that it is held for
+                return {};
+            return "chord " + (held.empty() ? "" : held + "+") + NameOfKey(key);
         }
         default:
             return {};

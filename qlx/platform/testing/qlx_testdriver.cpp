@@ -20,12 +20,15 @@ namespace {
 // More turns than this without coming to rest are an endless loop of the program under test.
 constexpr int kMaxTurns = 100000;
 
+// A click that comes sooner after another one may be the second half of a double click.
+constexpr double kBetweenClicks = 1.0; // seconds
+
 struct NamedKey {
     const char* name;
     std::uint32_t code;
 };
 
-constexpr std::array<NamedKey, 21> kNamedKeys = {{{"Return", kDAW_Key_Return},
+constexpr std::array<NamedKey, 24> kNamedKeys = {{{"Return", kDAW_Key_Return},
                                                   {"Enter", kDAW_Key_Enter},
                                                   {"Backspace", kDAW_Key_Backspace},
                                                   {"Delete", kDAW_Key_Delete},
@@ -45,7 +48,10 @@ constexpr std::array<NamedKey, 21> kNamedKeys = {{{"Return", kDAW_Key_Return},
                                                   {"Pause", kDAW_Key_Pause},
                                                   {"Plus", '+'},
                                                   {"Minus", '-'},
-                                                  {"Comma", ','}}};
+                                                  {"Comma", ','},
+                                                  {"Quote", '"'},
+                                                  {"Apostrophe", '\''},
+                                                  {"Hash", '#'}}};
 
 bool ModifierBit(const std::string& name, std::uint32_t& bits) {
     if (name == "Ctrl")
@@ -105,6 +111,7 @@ struct QLX_TestDriver::State {
     std::vector<TWindow*> owned;         // freed at the end, where they are still open
     std::vector<TWindow*> opened;        // closed at the end
     Cmn_Point<int> pointer{0, 0};
+    double lastClick = -kBetweenClicks; // seconds
     TDrawCosts costsAtReset;
     std::vector<TDrawnView> drawn;
     QLX_EventTraceLog trace;
@@ -243,11 +250,17 @@ void QLX_TestDriver::Press(Cmn_Point<int> where, std::uint32_t modifiers, EMouse
 void QLX_TestDriver::Release(EMouseButton button) { SendMouse(kQLX_EventKind_MouseUp, 0, button); }
 
 void QLX_TestDriver::Click(Cmn_Point<int> where, std::uint32_t modifiers, EMouseButton button) {
+    StepPastDoubleClick();
     Press(where, modifiers, button);
     if (GetWindow())
         SendMouse(kQLX_EventKind_MouseUp, modifiers, button);
-    // The next click is not the second half of a double click.
-    Step(1.0);
+    mState->lastClick = QLX_HeadlessPlatform::GetNow();
+}
+
+void QLX_TestDriver::StepPastDoubleClick() {
+    const double left = mState->lastClick + kBetweenClicks - QLX_HeadlessPlatform::GetNow();
+    if (left > 0)
+        Step(left);
 }
 
 void QLX_TestDriver::Click(std::uint32_t identifier, std::uint32_t modifiers) {
@@ -255,13 +268,14 @@ void QLX_TestDriver::Click(std::uint32_t identifier, std::uint32_t modifiers) {
 }
 
 void QLX_TestDriver::DoubleClick(Cmn_Point<int> where) {
+    StepPastDoubleClick();
     Press(where);
     Release();
     Step(0.1);
     Press(where);
     if (GetWindow())
         Release();
-    Step(1.0);
+    mState->lastClick = QLX_HeadlessPlatform::GetNow();
 }
 
 void QLX_TestDriver::Drag(Cmn_Point<int> from, Cmn_Point<int> to, int steps,

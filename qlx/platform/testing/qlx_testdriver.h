@@ -153,6 +153,7 @@ class QLX_API QLX_TestDriver {
     void Send(const QLX_EventRef& event);
     void SendMouse(std::uint32_t kind, std::uint32_t modifiers, EMouseButton button);
 
+    void StepPastDoubleClick();
     struct State;
     std::unique_ptr<State> mState;
 };

@@ -152,6 +152,7 @@ TEST_F(Window, ABehaviourSeesThePressBetweenSubviewsAndView) {
 
 TEST_F(Window, ClicksAreCountedWithinTimeAndPlace) {
     mDriver.DoubleClick({120, 20});
+    mDriver.Step(1.0);
     mDriver.Press({120, 20});
     mDriver.Release();
     mDriver.Step(0.1);

@@ -1,20 +1,9 @@
-// Runs qlxview as its users do, and gathers what it says.
 #pragma once
 
-#include <string>
-#include <vector>
+#include "tests/support/run_program.h"
 
-struct ToolRun {
-    int mStatus;
-    std::string mOut;
-    std::string mErr;
-};
+using ToolRun = ProgramRun;
 
-/// The arguments stand as in a shell; paths are relative to the source folder.
-[[nodiscard]] ToolRun RunTool(const std::string& arguments);
-
-/// A folder in the build folder, made empty.
-[[nodiscard]] std::string FreshFolder(const std::string& name);
-
-[[nodiscard]] std::string ReadText(const std::string& path);
-void WriteText(const std::string& path, const std::string& text);
+[[nodiscard]] inline ToolRun RunTool(const std::string& arguments) {
+    return RunProgram("qlxview", arguments);
+}

@@ -1,4 +1,4 @@
-#include "run_tool.h"
+#include "tests/support/run_program.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -10,13 +10,13 @@
 
 #include "basekit/sys/sys_file.h"
 
-ToolRun RunTool(const std::string& arguments) {
-    std::string program = QLX_TEST_OUTPUT "/../bin/qlxview";
+ProgramRun RunProgram(const std::string& name, const std::string& arguments) {
+    std::string program = QLX_TEST_OUTPUT "/../bin/" + name;
 #ifdef _WIN32
     std::replace(program.begin(), program.end(), '/', '\\');
 #endif
-    const std::string out = QLX_TEST_OUTPUT "/qlxview.out";
-    const std::string err = QLX_TEST_OUTPUT "/qlxview.err";
+    const std::string out = QLX_TEST_OUTPUT "/" + name + ".out";
+    const std::string err = QLX_TEST_OUTPUT "/" + name + ".err";
     int status = std::system((program + " " + arguments + " >" + out + " 2>" + err).c_str());
 #ifndef _WIN32
     status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
