@@ -15,10 +15,22 @@ import os
 import re
 import subprocess
 import sys
+import textwrap
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 MODIFIER = re.compile(r"^(real_time|process_time|manual_time|(min_time|iterations|repeats|threads|min_warmup_time):.*)$")
+# Headings of the sections whose programs' names do not say enough.
+TITLES = {
+    "event": "Events and commands",
+    "numericentry": "Numeric entry fields",
+    "persistence": "Properties and descriptions",
+    "region": "Regions",
+    "startup": "Start of a program",
+    "timecode": "Time code",
+    "uclassdesc": "Object model and containers",
+    "view": "The view tree",
+}
 OWN_COUNTERS = {"items_per_second", "bytes_per_second"}
 
 
@@ -86,18 +98,24 @@ def table_of(program, data, peers):
             cells[peer] = result
         if peer and peer not in columns:
             columns.append(peer)
-    # A peer's time serves every variant of ours with the same operation and numbers.
-    lines = ["| operation | time | " + "".join(f"to {peers[peer][0]} | " for peer in columns) + "counted |",
-             "| --- | ---: | " + "---: | " * len(columns) + "--- |"]
-    for row, cells in rows.items():
-        if None not in cells:
-            continue
-        ours = nanoseconds(cells[None])
-        line = f"| `{row}` | {format_time(ours)} | "
+    columns.sort(key=list(peers).index)
+    ours = [row for row, cells in rows.items() if None in cells]
+    # Rows of one operation stand together, operations in the order in which they were measured.
+    operations = list(dict.fromkeys(row.split("/")[0] for row in ours))
+    ours.sort(key=lambda row: operations.index(row.split("/")[0]))
+    counted = any(counters_of(rows[row][None]) for row in ours)
+    lines = ["| operation | " + "".join(f"to {peers[peer][0]} | " for peer in columns) + "our time |"
+             + (" counted |" if counted else ""),
+             "| --- | " + "---: | " * len(columns) + "---: |" + (" --- |" if counted else "")]
+    for row in ours:
+        time = nanoseconds(rows[row][None])
+        line = f"| `{row}` | "
         for peer in columns:
-            theirs = cells.get(peer) or peer_without_variant(rows, row, peer)
-            line += (format_ratio(ours / nanoseconds(theirs)) if theirs else "") + " | "
-        lines.append(line + counters_of(cells[None]) + " |")
+            # A peer's time serves every variant of ours with the same operation and numbers.
+            theirs = rows[row].get(peer) or peer_without_variant(rows, row, peer)
+            line += (format_ratio(time / nanoseconds(theirs)) if theirs else "") + " | "
+        line += format_time(time) + " |"
+        lines.append(line + (f" {counters_of(rows[row][None])} |" if counted else ""))
     source = (ROOT / f"bench/{program}.cpp").read_text()
     source += (ROOT / f"bench/{program}.cmake").read_text() if (ROOT / f"bench/{program}.cmake").exists() else ""
     absent = [f"{label} (`{package}`)" for name, (label, package) in peers.items()
@@ -114,13 +132,18 @@ def peer_without_variant(rows, row, peer):
     return rows.get(plain, {}).get(peer)
 
 
+def title_of(program):
+    name = program.removesuffix("_bench")
+    return TITLES.get(name, name.replace("_", " ").capitalize())
+
+
 def heading_comment(source):
     lines = []
     for line in source.splitlines():
         if not line.startswith("//"):
             break
         lines.append(line[2:].strip())
-    return " ".join(lines)
+    return re.sub(" +", " ", " ".join(lines)).replace("<", "&lt;")
 
 
 def machine(context):
@@ -159,20 +182,22 @@ def main():
             continue
         context = data["context"]
         lines, notes = table_of(program, data, peers)
-        text = [f"## {program.removesuffix('_bench').replace('_', ' ').capitalize()}", "",
-                heading_comment(source.read_text()), "", *lines, ""]
+        text = [f"## {title_of(program)}", "", textwrap.fill(heading_comment(source.read_text()), 120), "", *lines, ""]
         for note in notes:
-            text += [note, ""]
+            text += [textwrap.fill(note, 120), ""]
         remarks = ROOT / f"bench/{program}.md"
         if remarks.exists():
             text += [remarks.read_text().strip(), ""]
         sections[program] = "\n".join(text) + "\n"
     wanted = {source.stem for source in (ROOT / "bench").glob("*_bench.cpp")}
+    contents = "".join(f"- [{title_of(program)}](#{title_of(program).lower().replace(' ', '-')})\n"
+                       for program in sorted(sections) if program in wanted)
     body = "".join(f"<!-- {program} -->\n{text}" for program, text in sorted(sections.items()) if program in wanted)
     head = ("# How fast it is\n\n"
-            "Written by `./dev bench`; change bench/ and not this page. A number below \"to X\" is our time divided by "
-            "X's in the same run: below 1 we are faster. Times are for orientation only, ratios are what counts.\n\n"
-            f"Measured on {machine(context)}.\n\n")
+            "Written by `./dev bench`; change bench/ and not this page.\n\n"
+            "A number below \"to X\" is our time divided by X's in the same run: below 1 we are faster. Ratios are what\n"
+            "counts; times are for orientation only. A cell is empty where X has no such operation.\n\n"
+            + textwrap.fill(f"Measured on {machine(context)}.", 120) + f"\n\n{contents}\n")
     page.parent.mkdir(exist_ok=True)
     page.write_text(head + body.rstrip("\n") + "\n")
     print(f"{page}: {len(sections)} sections")
