@@ -31,9 +31,7 @@ QLX_Clipboard* sInstalled = nullptr;
 
 QLX_Clipboard::~QLX_Clipboard() = default;
 
-QLX_Clipboard& QLX_Clipboard::Get() {
-    return sInstalled ? *sInstalled : GetProcessClipboard();
-}
+QLX_Clipboard& QLX_Clipboard::Get() { return sInstalled ? *sInstalled : GetProcessClipboard(); }
 
 QLX_Clipboard* QLX_Clipboard::Install(QLX_Clipboard* clipboard) {
     QLX_Clipboard* const previous = sInstalled;

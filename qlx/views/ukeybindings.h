@@ -63,14 +63,14 @@ struct QLX_API CKeyBindingConflict {
 ///     <Cmd>+<Shift>  [Opt]  S  File.SaveAs
 ///     <Focus>  -  Space  "Play or stop"  edit
 ///
-/// modifiers is what DAW_EventModifiers::GetKeyModifiersSaveFileString writes; without `<Focus>` the
-/// binding holds in and out of commands-focus mode. either lists the keys that may be pressed or
-/// not: [Cmd] [Opt] [Ctrl] [Shift], joined by "+". Empty fields are written "-". Keys are named as
-/// in daw_keynames, contexts by Cmn_IDToString. A field with blanks in it stands in double quotes,
-/// where
-/// `\"` `\\` `\t` `\n` `\r` and `\x` with two hexadecimal digits stand for characters. Lines that begin with #
-/// are comments. Everything that the reader cannot use is reported and kept for the next writing,
-/// byte for byte. User-interface thread.
+/// modifiers is what DAW_EventModifiers::GetKeyModifiersSaveFileString writes; without `<Focus>`
+/// the binding holds in and out of commands-focus mode. either lists the keys that may be pressed
+/// or not: [Cmd] [Opt] [Ctrl] [Shift], joined by "+". Empty fields are written "-". Keys are named
+/// as in daw_keynames, contexts by Cmn_IDToString. A field with blanks in it stands in double
+/// quotes, where
+/// `\"` `\\` `\t` `\n` `\r` and `\x` with two hexadecimal digits stand for characters. Lines that
+/// begin with # are comments. Everything that the reader cannot use is reported and kept for the
+/// next writing, byte for byte. User-interface thread.
 class QLX_API CKeyBindings {
   public:
     CKeyBindings();

@@ -8,13 +8,9 @@ namespace {
 AssertionCatcher* sInnermost = nullptr;
 } // namespace
 
-AssertionCatcher::AssertionCatcher() : mOuter(sInnermost) {
-    sInnermost = this;
-}
+AssertionCatcher::AssertionCatcher() : mOuter(sInnermost) { sInnermost = this; }
 
-AssertionCatcher::~AssertionCatcher() {
-    sInnermost = mOuter;
-}
+AssertionCatcher::~AssertionCatcher() { sInnermost = mOuter; }
 
 std::vector<std::string> AssertionCatcher::TakeTexts() {
     std::vector<std::string> texts;
@@ -24,9 +20,7 @@ std::vector<std::string> AssertionCatcher::TakeTexts() {
     return texts;
 }
 
-void AssertionCatcher::Install() {
-    Cmn_SetAssertionHandler(&AssertionCatcher::OnAssertion);
-}
+void AssertionCatcher::Install() { Cmn_SetAssertionHandler(&AssertionCatcher::OnAssertion); }
 
 void AssertionCatcher::OnAssertion(const char* text, const char* source, int line) {
     if (sInnermost)

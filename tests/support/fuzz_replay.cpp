@@ -1,5 +1,5 @@
-// Runs a fuzz target once over every file of a folder: what the fuzzer found before stays found. Linked with a target
-// instead of the fuzzer; not part of the test programs.
+// Runs a fuzz target once over every file of a folder: what the fuzzer found before stays found.
+// Linked with a target instead of the fuzzer; not part of the test programs.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
