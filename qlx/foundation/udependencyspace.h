@@ -2,8 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <unordered_map>
-#include <vector>
+#include <memory>
 
 #include "basekit/cmn/cmn_types.h"
 #include "qlx/foundation/qlx_fwd.h"
@@ -15,6 +14,9 @@ class QLX_API TDependencySpace {
     /// The tag of a relation made by TObject::AddDependent.
     static constexpr std::int32_t kDefaultTag = 2147483646;
 
+    TDependencySpace();
+    TDependencySpace(const TDependencySpace&) = delete;
+    TDependencySpace& operator=(const TDependencySpace&) = delete;
     virtual ~TDependencySpace();
     /// Records the pair once; a pair that is there already is left alone.
     virtual void AddDependency(TObject* notifier, TObject* dependent, std::int32_t tag);
@@ -32,16 +34,7 @@ class QLX_API TDependencySpace {
     static TDependencySpace* SetGlobal(TDependencySpace* space);
 
   private:
-    struct Relation {
-        TObject* mOther;
-        std::int32_t mTag;
-    };
-    using Table = std::unordered_map<TObject*, std::vector<Relation>>;
-    void Remove(Table& table, TObject* key, TObject* other);
-    std::vector<Relation>& Entry(Table& table, TObject* key);
-    void Drop(Table& table, Table::iterator entry);
-
-    Table mDependentsByNotifier;
-    Table mNotifiersByDependent;
-    std::vector<Table::node_type> mSpare; // entries to be used again
+    class Table;
+    std::unique_ptr<Table> mDependentsByNotifier;
+    std::unique_ptr<Table> mNotifiersByDependent;
 };
