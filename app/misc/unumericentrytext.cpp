@@ -244,7 +244,8 @@ void TNumericEntryText::SyncFormat() {
         mHasLocalTimeCodeFormat ? mLocalTimeCodeFormat : Time_Session::GetTimeCodeFormat();
     mFormat = format;
     mFormatUsesSubframes = subframes;
-    if (helper != mHelper || timeCodeFormat != mTimeCodeFormat || !helper->HasShape(this, mText))
+    if (mHelper == nullptr || helper != mHelper || timeCodeFormat != mTimeCodeFormat ||
+        !mHelper->HasShape(this, mText))
         Convert(helper, timeCodeFormat);
     if (sessionChanged)
         mHelper->SessionChanged(this);

@@ -15,10 +15,15 @@ namespace {
 /// The classes that refuse Clone: they report an assertion and answer null. A class that is added
 /// here says so in its header.
 const std::set<std::string> kRefuseClone = {
-    "TMenuLayer",    // the menus that are open, one at a time
-    "TToolboxEvent", // made for one delivery, not to be kept
-    "TViewServer",   // belongs to its description
-    "TWindow",       // stands for a native window
+    "TAlert",           // a window
+    "TDialog",          // a window
+    "TFileDialog",      // a window
+    "TMenuLayer",       // the menus that are open, one at a time
+    "TPreviewEvent",    // works on the preview that posted it
+    "TTextEntryDialog", // a window
+    "TToolboxEvent",    // made for one delivery, not to be kept
+    "TViewServer",      // belongs to its description
+    "TWindow",          // stands for a native window
 };
 
 struct Freer {
