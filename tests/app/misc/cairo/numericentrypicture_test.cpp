@@ -14,29 +14,50 @@
 #include "qlx/views/ustatictext.h"
 #include "qlx/views/uwindow.h"
 
-// What is drawn after a change of one digit is what a full drawing gives.
+// What is drawn after a change of a digit is what a full drawing gives, at every scale.
 TEST(NumericFieldPicture, PartialDrawingGivesTheFullPicture) {
     QLX_Init::Init();
+    Time_Session::SetTimeCodeFormat(ETimeCodeFormat::F30);
     constexpr std::uint32_t cField = Cmn_FourChar("fld1");
-    QLX_TestDriver driver;
-    auto* window = new TWindow;
-    window->IWindow("field", VPoint(200, 60));
-    auto* field = new TNumericEntryText;
-    field->IView(window, VRect(10, 10, 160, 40));
-    field->SetIdentifier(cField);
-    field->SetLocalFormat(kNumericEntry_TimeCode, false, false);
-    field->SetUseVolatileUpdate(true);
-    driver.OpenWindow(*window);
-    driver.Click(cField);
-    for (const char* keys : {"1", "2", "3"}) {
-        driver.Type(keys);
-        driver.WaitForIdle();
-        const QLX_Image::Ptr partial = driver.GetPicture(cField);
-        field->ForceRedraw();
-        driver.WaitForIdle();
-        EXPECT_TRUE(QLX_TestDriver::IsSamePicture(partial, driver.GetPicture(cField))) << keys;
+    const struct {
+        ENumericEntryFormat format;
+        const char* keys;
+    } rows[] = {{kNumericEntry_TimeCode, "123.4+5\r6"},
+                {kNumericEntry_MinutesSeconds, "12.34.567."},
+                {kNumericEntry_FeetFrames, "90.12,8"}};
+    for (const int scale : {120, 150, 180, 210}) {
+        QLX_TestDriver driver;
+        driver.SetScale(scale);
+        auto* window = new TWindow;
+        window->IWindow("field", VPoint(200, 60));
+        auto* field = new TNumericEntryText;
+        field->IView(window, VRect(10, 10, 161, 40));
+        field->SetIdentifier(cField);
+        field->SetUseVolatileUpdate(true);
+        driver.OpenWindow(*window);
+        const auto expectFullPicture = [&](const std::string& why) {
+            driver.WaitForIdle();
+            const QLX_Image::Ptr partial = driver.GetPicture(cField);
+            field->ForceRedraw();
+            driver.WaitForIdle();
+            EXPECT_TRUE(QLX_TestDriver::IsSamePicture(partial, driver.GetPicture(cField)))
+                << why << " at scale " << scale;
+        };
+        for (const auto& row : rows) {
+            field->SetLocalFormat(row.format, false, false);
+            for (int frame = 1; frame < 5; ++frame) {
+                field->SetTextFromSample(Time_Sample(frame * 1602000), true);
+                expectFullPicture("clock at " + field->GetText());
+            }
+            field->BecomeTarget();
+            for (const char* key = row.keys; *key != 0; ++key) {
+                driver.KeyDown(static_cast<unsigned char>(*key));
+                expectFullPicture(std::string("typed up to ") + key);
+            }
+            field->ResignTarget();
+        }
+        window->Free();
     }
-    window->Free();
 }
 
 namespace {
