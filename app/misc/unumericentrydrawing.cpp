@@ -20,6 +20,8 @@ namespace {
 // Between the frame and the text, logical pixels.
 constexpr int cInset = 4;
 constexpr int cCornerRadius = 3;
+// The edge of a background image that keeps its width while the middle stretches.
+constexpr int cPlateBorder = 8;
 // What frame and focus ring take at the edges.
 constexpr int cFrame = 2;
 
@@ -204,7 +206,11 @@ void TNumericEntryText::UseAlternateColors(bool use) {
 void TNumericEntryText::StaticDrawBackground(const PainterPtr& painter, const Cmn_Rect<int>& area,
                                              bool enabled, const QLX_Painter::ImagePtr& image) {
     if (image) {
-        painter->DrawImage(image, area, kPenMode_Copy);
+        const QLX_StOriginState saver(painter);
+        const Cmn_Point<int> origin = painter->GetWindowOrigin();
+        painter->SetWindowOrigin({origin.x - area.left, origin.y - area.top});
+        painter->OptimizedDrawBackgroundImage(image, area.right - area.left, area.bottom - area.top,
+                                              cPlateBorder, QLX_Painter::kResolution_Logical);
         return;
     }
     painter->SetForegroundColor(

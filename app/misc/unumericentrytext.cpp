@@ -4,10 +4,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
+#include <filesystem>
 #include <utility>
 
 #include "app/misc/unumericentryhelper.h"
 #include "basekit/cmn/cmn_string.h"
+#include "basekit/cmn/cmn_trace.h"
+#include "qlx/imaging/qlx_image.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/views/qlx_comingtarget.h"
 #include "qlx/views/uapplication.h"
@@ -775,7 +779,8 @@ void TNumericEntryText::ReadProperties(QLX_RawPropertyContainer* container,
     std::string theme = GetControlTheme();
     if (container->GetStringProperty("ControlTheme", theme))
         SetControlTheme(theme, /*redraw*/ false);
-    container->GetStringProperty("Background_Image", mBackgroundName);
+    if (container->GetStringProperty("Background_Image", mBackgroundName))
+        ReadBackgroundImage(container, memento);
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
     const bool hasMinimum = container->GetInt32Property("MinValue", minimum);
@@ -814,6 +819,21 @@ void TNumericEntryText::ReadProperties(QLX_RawPropertyContainer* container,
         bool subframes = false;
         container->GetBoolProperty("FormatOverrideUseSubframes", subframes);
         SetLocalFormat(static_cast<ENumericEntryFormat>(format), subframes, mOptional);
+    }
+}
+
+void TNumericEntryText::ReadBackgroundImage(QLX_RawPropertyContainer* container,
+                                            const MementoPtr& memento) {
+    mBackgroundImage = {};
+    if (mBackgroundName.empty())
+        return;
+    std::filesystem::path path(mBackgroundName);
+    if (path.is_relative() && memento)
+        path = std::filesystem::path(memento->GetName()).parent_path() / path;
+    try {
+        mBackgroundImage = QLX_Image::FromPNGFile(path.string());
+    } catch (const std::exception& reason) { // the plain field does as well
+        Cmn_TraceWrite("%s: %s", container->GetPath().c_str(), reason.what());
     }
 }
 

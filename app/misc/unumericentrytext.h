@@ -129,9 +129,11 @@ class QLX_API TNumericEntryText : public TControl {
     void SetSuffixText(const std::string& text);
     [[nodiscard]] const std::string& GetPrefixText() const { return mPrefix; }
     [[nodiscard]] const std::string& GetSuffixText() const { return mSuffix; }
-    /// Drawn behind the text, stretched from its corners; null for the theme's plain field.
+    /// Drawn behind the text: its corners keep their size, the rest stretches. Null for the theme's
+    /// plain field.
     void SetBackgroundImage(const QLX_Painter::ImagePtr& image);
-    /// The name under which the description asked for a background; the host resolves it.
+    /// What the description gave as its background: a PNG file's path, from the description's
+    /// folder. A file that cannot be read leaves the plain field, and the reason in the trace.
     [[nodiscard]] const std::string& GetBackgroundImageName() const { return mBackgroundName; }
     void UseAlternateHiliteColor(const CRGBColor& color);
     void UseAlternateHiliteTextColor(const CRGBColor& color);
@@ -302,6 +304,7 @@ class QLX_API TNumericEntryText : public TControl {
     void Convert(CNumericEntryHelper* helper, ETimeCodeFormat timeCodeFormat);
     bool WriteOwnLength(std::int64_t samples, std::string& text);
     void StopEditing();
+    void ReadBackgroundImage(QLX_RawPropertyContainer* container, const MementoPtr& memento);
 
     bool UseKey(const KeyStroke& key, TToolboxEvent* event);
     bool DispatchKey(const KeyStroke& key, TToolboxEvent* event);

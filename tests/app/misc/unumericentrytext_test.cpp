@@ -523,6 +523,23 @@ TEST_F(NumericField, VariantWithoutArithmetic) {
     EXPECT_FALSE(Key('='));
 }
 
+TEST_F(NumericField, VariantThatLocksWithoutLookingDisabled) {
+    auto* locked = new TGANumericEntryText;
+    locked->IView(mRoot, VRect(10, 50, 160, 74));
+    locked->SetLocalFormat(cTC, false, false);
+    ASSERT_TRUE(locked->BecomeTarget());
+    Type("+5");
+    locked->SetIsEditable(false);
+    EXPECT_FALSE(locked->IsTarget());
+    EXPECT_EQ(locked->GetText(), "00:00:00:05") << "what was begun is carried out";
+    EXPECT_TRUE(locked->IsEnabled());
+    EXPECT_FALSE(locked->BecomeTarget());
+    EXPECT_FALSE(locked->PasteText("00:00:00:09"));
+    EXPECT_EQ(locked->GetPasteReport(), "the field cannot be edited");
+    locked->SetIsEditable(true);
+    EXPECT_TRUE(locked->BecomeTarget());
+}
+
 // ---- Numbers ----
 
 TEST_F(NumericField, NumbersAreHeldInTheirBounds) {

@@ -10,6 +10,7 @@
 #include "app/misc/unumericentrytext.h"
 #include "qlx/imaging/cairo/qlx_paintercairo.h"
 #include "qlx/imaging/qlx_themecolor.h"
+#include "qlx/persistence/qlx_persistence.h"
 #include "qlx/platform/testing/qlx_testdriver.h"
 #include "qlx/views/ustatictext.h"
 #include "qlx/views/uwindow.h"
@@ -58,6 +59,41 @@ TEST(NumericFieldPicture, PartialDrawingGivesTheFullPicture) {
         }
         window->Free();
     }
+}
+
+TEST(NumericFieldPicture, ABackgroundFromTheDescriptionStretchesBetweenItsCorners) {
+    QLX_Init::Init();
+    constexpr std::uint32_t cField = Cmn_FourChar("fld1");
+    // A blue plate with a red frame of one pixel.
+    const QLX_Painter::Ptr plate = QLX_PainterCairo::New(20, 20);
+    plate->SetForegroundColor(CRGBColor(0xFFFF, 0, 0));
+    plate->FillRect(Cmn_Rect<int>(0, 0, 20, 20));
+    plate->SetForegroundColor(CRGBColor(0, 0, 0xFFFF));
+    plate->FillRect(Cmn_Rect<int>(1, 1, 19, 19));
+    const std::string path = std::string(QLX_TEST_OUTPUT) + "/numeric-entry-plate.png";
+    plate->SaveToFile(std::wstring(path.begin(), path.end()));
+    QLX_RawPropertyContainer container("view");
+    const QLX_PropertyFilter filter;
+    container.SetStringProperty("Background_Image", std::filesystem::absolute(path).string(),
+                                filter);
+    container.SetCurrentFilter(filter);
+    QLX_TestDriver driver;
+    auto* window = new TWindow;
+    window->IWindow("field", VPoint(200, 60));
+    auto* field = new TNumericEntryText;
+    field->IView(window, VRect(0, 0, 1, 1));
+    field->ReadProperties(&container, {});
+    field->SetFrame(VRect(10, 10, 160, 40), false, false);
+    field->SetIdentifier(cField);
+    driver.OpenWindow(*window);
+    const QLX_Image::Ptr picture = driver.GetPicture(cField);
+    ASSERT_TRUE(picture);
+    ASSERT_EQ(picture->GetWidth(), 150);
+    for (int x = 0; x < 150; ++x) {
+        EXPECT_EQ(picture->GetPixel(x, 0) & 0xFFFFFFU, 0xFF0000U) << x;
+        EXPECT_EQ(picture->GetPixel(x, 2) & 0xFFFFFFU, x == 0 || x == 149 ? 0xFF0000U : 0xFFU) << x;
+    }
+    window->Free();
 }
 
 namespace {
