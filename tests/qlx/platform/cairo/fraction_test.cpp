@@ -143,6 +143,52 @@ TEST(Fraction, APartialRepaintGivesThePixelsOfAFullOne) {
     }
 }
 
+// Shapes at fixed local places, as far from the origin as it is told.
+class Far : public TView {
+  public:
+    explicit Far(int distance) : mDistance(distance) {}
+    void Draw(const VRect&) override {
+        const PainterPtr& painter = GetPainter();
+        for (int x = 0; x < 100; x += 9) {
+            painter->SetForegroundColor(CRGBColor(0xFFFF, 0x3000, 0));
+            painter->FillRect({mDistance + x, x / 3, mDistance + x + 4, 40});
+            painter->SetForegroundColor(CRGBColor(0, 0x3000, 0xFFFF));
+            painter->FillOval({mDistance + x, 2, mDistance + x + 11, 17}, /*antialias*/ true);
+            painter->DrawRect({mDistance + x, 41, mDistance + x + 7, 48});
+        }
+    }
+
+  private:
+    int mDistance;
+};
+
+TEST(Fraction, AMillionPixelsFromTheOriginLooksAsAtTheOrigin) {
+    constexpr int kFar = 1000000;
+    QLX_TestDriver driver;
+    for (const int scale : {120, 150, 137, 301}) {
+        SCOPED_TRACE("scale " + std::to_string(scale) + "/120");
+        driver.SetScale(scale);
+        const auto picture = [&driver](Far* view, const VRect& frame, VCoordinate origin) {
+            auto* window = new TWindow;
+            window->IWindow("", {100, 50});
+            view->IView(window, frame);
+            view->SetLocalOrigin({origin, 0}, false);
+            driver.OpenWindow(*window);
+            QLX_Image::Ptr shown = driver.GetPicture();
+            window->Free();
+            return shown;
+        };
+        const QLX_Image::Ptr near = picture(new Far(0), {0, 0, 100, 50}, 0);
+        EXPECT_EQ(near->GetPixel(1, 39 * scale / 120), 0xFFFF3000U) << "something is drawn";
+        EXPECT_TRUE(
+            QLX_TestDriver::IsSamePicture(near, picture(new Far(kFar), {-kFar, 0, 100, 50}, 0)))
+            << "a view that wide";
+        EXPECT_TRUE(
+            QLX_TestDriver::IsSamePicture(near, picture(new Far(kFar), {0, 0, 100, 50}, -kFar)))
+            << "one scrolled that far";
+    }
+}
+
 TEST(Fraction, ScrollingMovesPixelsWhereItMay) {
     QLX_TestDriver driver;
     auto* window = new TWindow;
