@@ -57,6 +57,8 @@ TObject* TInvalidateView::Clone() {
     new (&copy->mDrawRegion) QLX_Region();
     new (&copy->mMoved) QLX_Region();
     new (&copy->mPainter) PainterPtr();
+    new (&copy->mNextPainter) PainterPtr();
+    copy->mPainterChanges = false;
     copy->mFocused = nullptr;
     copy->mExpected = {};
     copy->mDrawing = false;
@@ -119,6 +121,14 @@ void TInvalidateView::DrawnRect(const Cmn_Rect<int>& rect) { Drawn(QLX_Region(re
 // Drawing
 
 void TInvalidateView::SetDrawingPainter(const PainterPtr& painter) {
+    if (mDrawing) {
+        mNextPainter = painter;
+        mPainterChanges = true;
+        mDrawRegion = QLX_Region(); // nothing more is drawn on the old one
+        mDrawRegionIsRect = true;
+        mDrawBounds = {0, 0, 0, 0};
+        return;
+    }
     mPainter = painter;
     mFocused = nullptr;
     mExpected = {};

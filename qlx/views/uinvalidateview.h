@@ -49,6 +49,8 @@ class QLX_API TInvalidateView : public TView {
     [[nodiscard]] bool IsDrawing() const { return mDrawing; }
 
     /// The painter to draw on; null for none. Its surface keeps its pixels from frame to frame.
+    /// While drawing is under way the old one stays, since views hold it; the new one follows the
+    /// frame.
     void SetDrawingPainter(const PainterPtr& painter);
     [[nodiscard]] const PainterPtr& GetDrawingPainter() const { return mPainter; }
 
@@ -124,4 +126,6 @@ class QLX_API TInvalidateView : public TView {
     bool mDrawing = false;
     bool mDrawRegionIsRect = true;
     bool mFlashing = false;
+    bool mPainterChanges = false; // set while drawing: mNextPainter follows
+    PainterPtr mNextPainter;
 };

@@ -210,8 +210,13 @@ void TView::AddSubView(TView* sub) {
         Cmn_Assert("!IsContainedIn(sub)", "qlx/views/uview", __LINE__);
         return;
     }
+    const StDispatch dispatch;
     if (sub->mSuperView)
         sub->mSuperView->RemoveSubView(sub);
+    // Leaving calls the views that were hovered or targets. Whatever they did with it stands: a
+    // view that ended, or went elsewhere, is not added.
+    if (sub->mFreed || sub->mSuperView || IsContainedIn(sub))
+        return;
     if (!mSubViews) {
         mSubViews = new TList;
         mSubViews->IList();
@@ -234,6 +239,7 @@ void TView::AddSubView(TView* sub) {
 void TView::RemoveSubView(TView* sub) {
     if (!mSubViews || !ContainsSubView(sub))
         return;
+    const StDispatch dispatch;
     // Deliberate: the flag is tested with the opposite sense to AddSubView's.
     if (mAccessibilityDetached)
         sub->AccessibilityNotification(kAccessibility_SuperViewChanged, nullptr);
@@ -243,6 +249,8 @@ void TView::RemoveSubView(TView* sub) {
     }
     if (TWindow* window = GetWindow())
         window->SubTreeLeaves(sub);
+    if (!ContainsSubView(sub))
+        return; // it went while it was left
     mSubViews->Delete(sub);
     if (mSubViews->GetSize() == 0) {
         mSubViews->Free();
@@ -333,6 +341,7 @@ void TView::Show(bool shown, bool redraw) {
     mHiddenBySuperView = false;
     if (shown == mShown)
         return;
+    const StDispatch dispatch;
     if (redraw && mShown)
         ForceRedraw();
     if (!shown) {

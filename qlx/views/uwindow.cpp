@@ -168,6 +168,8 @@ void TWindow::Close() {
     CancelTracker();
     MouseLeft();
     SetActive(false);
+    if (!mState->port)
+        return; // a view that was left has closed it
     SetDrawingPainter(nullptr);
     std::erase(sWindows, this);
     if (sWindows.empty())

@@ -1,6 +1,7 @@
 // Windows under random users and views that add, free, hide, move and target each other from inside
 // every call they get. Nothing is expected but that the tree stays a tree, that whatever the window
-// remembers is in it, and that the sanitizers stay quiet.
+// remembers is in it, and that the sanitizers stay quiet. QLX_LONG_TESTS=1 tries many more seeds.
+#include <cstdlib>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "basekit/cmn/cmn_trace.h"
 #include "qlx/platform/testing/qlx_testdriver.h"
+#include "qlx/views/uadorner.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uwindow.h"
@@ -42,10 +44,11 @@ class Chaos : public TView {
   public:
     Chaos() { ++sAlive; }
     ~Chaos() override { --sAlive; }
-    void Draw(const VRect&) override {
-        (void)GetPainter();
+    void Draw(const VRect& area) override {
+        const PainterPtr& painter = GetPainter();
         if (Any(0, 30) == 0)
             Meddle(this);
+        painter->FillRect(area.ToCmn_Rect()); // on a painter that may have lost its window
     }
     bool DoMouseCommand(const VPoint& local, TToolboxEvent* event) override {
         Meddle(this);
@@ -100,7 +103,22 @@ void Meddle(TView* self) {
     ++sDepth;
     Chaos* view = AnyView();
     TView* subject = Any(0, 1) == 0 && self ? self : view;
-    switch (Any(0, 10)) {
+    switch (Any(0, 13)) {
+    case 10:
+        if (Any(0, 19) == 0)
+            sWindow->Close(); // the user of the test opens it again
+        break;
+    case 11:
+        if (subject)
+            subject->AddAdorner(new TFrameAdorner);
+        break;
+    case 12:
+        if (subject && subject->CountAdorners() > 0) {
+            TAdorner* adorner = subject->GetAdorner(1);
+            subject->RemoveAdorner(adorner);
+            adorner->Free();
+        }
+        break;
     case 0:
         Add(subject ? subject : static_cast<TView*>(sWindow));
         break;
@@ -209,7 +227,8 @@ QLX_EventRef AnyEvent() {
 
 TEST(WindowRandom, NothingThatViewsDoToEachOtherBreaksTheWindow) {
     const Cmn_TraceSink sink = Cmn_SetTraceSink([](const char*) {}); // exceptions are reported
-    for (unsigned seed = 1; seed <= 24; ++seed) {
+    const unsigned seeds = std::getenv("QLX_LONG_TESTS") ? 2000 : 24;
+    for (unsigned seed = 1; seed <= seeds; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         sRandom.seed(seed);
         QLX_TestDriver driver;
@@ -221,6 +240,7 @@ TEST(WindowRandom, NothingThatViewsDoToEachOtherBreaksTheWindow) {
         for (int step = 0; step < 400; ++step) {
             if (sWindow->CountSubViews() < 3)
                 Add(sWindow);
+            ASSERT_TRUE(sWindow->Open()); // a view may have closed it
             Turn(driver, AnyEvent());
             CheckWindow();
             if (HasFatalFailure())

@@ -57,7 +57,11 @@ class Probe : public TView {
         if (mEnter)
             mEnter();
     }
-    void DoMouseLeave(TToolboxEvent*) override { Note("leave"); }
+    void DoMouseLeave(TToolboxEvent*) override {
+        Note("leave");
+        if (mLeave)
+            mLeave();
+    }
     bool WantsToBeTarget() override { return mWantsKeys; }
     void DoKeyEvent(TToolboxEvent* event) override {
         if (event->mKeyCode == kDAW_Key_Tab || !mTakes) {
@@ -79,6 +83,7 @@ class Probe : public TView {
     bool mWantsKeys = false;
     std::function<void(TToolboxEvent*, const VPoint&)> mPress;
     std::function<void()> mEnter;
+    std::function<void()> mLeave;
     std::function<void()> mKey;
 
   private:
@@ -210,6 +215,23 @@ TEST_F(Window, AViewMayEndInItsOwnEnter) {
     mA->mEnter = [this] { mA->Free(); };
     mDriver.MoveTo({20, 20});
     EXPECT_EQ(Take(), (Lines{"a enter", "a leave"}));
+}
+
+TEST_F(Window, WhatAViewDoesWhenItIsLeftStands) {
+    mDriver.MoveTo({20, 20});
+    mA1->mLeave = [this] { mA1->Free(); };
+    mB->AddSubView(mA1);
+    EXPECT_EQ(mA->CountSubViews(), 0);
+    EXPECT_EQ(mB->CountSubViews(), 0) << "it ended on the way";
+    mDriver.WaitForIdle();
+    mA->mLeave = [this] { mB->AddSubView(mA); };
+    mWindow->RemoveSubView(mA);
+    EXPECT_EQ(mA->GetSuperView(), mB);
+    mDriver.WaitForIdle();
+    mDriver.MoveTo({60, 20});
+    mA->mLeave = [this] { mB->Free(); };
+    mB->Show(false, true);
+    EXPECT_EQ(mWindow->CountSubViews(), 0);
 }
 
 TEST_F(Window, ADragIsTrackedFromPressToRelease) {
