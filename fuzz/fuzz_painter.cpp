@@ -7,6 +7,11 @@
 #include "basekit/cmn/cmn_assert.h"
 #include "tests/support/painter_player.h"
 
+// Fontconfig keeps a little for as long as the process lives.
+extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig\n";
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     Cmn_SetAssertionHandler([](const char*, const char*, int) {});
     const std::string broken =

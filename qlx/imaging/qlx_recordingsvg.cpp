@@ -1,5 +1,6 @@
 // Recordings as SVG, for looking at in a browser or in a review.
 
+#include <algorithm>
 #include <charconv>
 
 #include "qlx/imaging/qlx_image.h"
@@ -323,10 +324,12 @@ class Writer {
             return Image(Get<QLX_RecordedImage>(call, 0), R(call, 1));
         case EPainterCall::DrawImagePortion:
         case EPainterCall::OptimizedDrawImage:
-            return Image(Get<QLX_RecordedImage>(call, 0), R(call, 2));
+            return Portion(Get<QLX_RecordedImage>(call, 0), R(call, 1), R(call, 2));
+        case EPainterCall::OptimizedDrawImageRow:
+        case EPainterCall::OptimizedDrawImages:
+            return ManyImages(call);
         case EPainterCall::OptimizedDrawBackgroundImage:
-            return Image(Get<QLX_RecordedImage>(call, 0),
-                         {0, 0, Get<int>(call, 1), Get<int>(call, 2)});
+            return NineParts(call);
         case EPainterCall::DrawIcon: {
             const auto& images = Get<std::vector<QLX_RecordedImage>>(call, 0);
             return images.empty() ? "" : Image(images.back(), R(call, 1));
@@ -485,6 +488,69 @@ class Writer {
             return "<rect fill=\"none\" stroke=\"#FF00FF\"" + RectAttributes(rect) + "/>";
         return "<image preserveAspectRatio=\"none\"" + RectAttributes(rect) +
                Attribute("xlink:href", "data:image/png;base64," + Base64(image->ToPNG())) + "/>";
+    }
+
+    // Part of an image: a window onto the whole of it.
+    [[nodiscard]] std::string Portion(QLX_RecordedImage number, const Cmn_Rect<int>& source,
+                                      const Cmn_Rect<int>& rect) const {
+        const QLX_Painter::ImagePtr image = mRecording.GetImage(number);
+        if (!image || source.Empty() || rect.Empty())
+            return "";
+        if (source == image->GetBounds())
+            return Image(number, rect);
+        return "<svg preserveAspectRatio=\"none\"" + RectAttributes(rect) +
+               Attribute("viewBox", Number(source.left) + " " + Number(source.top) + " " +
+                                        Number(source.GetWidth()) + " " +
+                                        Number(source.GetHeight())) +
+               ">" + Image(number, image->GetBounds()) + "</svg>";
+    }
+
+    [[nodiscard]] std::string ManyImages(const Call& call) const {
+        const bool row = call.call == EPainterCall::OptimizedDrawImageRow;
+        const QLX_RecordedNumbers& xs = Get<QLX_RecordedNumbers>(call, row ? 2 : 3);
+        std::string out;
+        for (std::size_t i = 0; xs && i < xs->size(); ++i) {
+            QLX_RecordedImage number;
+            int y = 0;
+            if (row) {
+                number = Get<QLX_RecordedImage>(call, 0);
+                y = Get<int>(call, 3);
+            } else {
+                const auto& images = Get<std::vector<QLX_RecordedImage>>(call, 0);
+                const QLX_RecordedNumbers& which = Get<QLX_RecordedNumbers>(call, 2);
+                const QLX_RecordedNumbers& ys = Get<QLX_RecordedNumbers>(call, 4);
+                if (!which || !ys || i >= which->size() || i >= ys->size())
+                    break;
+                if ((*which)[i] < 0 || std::size_t((*which)[i]) >= images.size())
+                    continue;
+                number = images[std::size_t((*which)[i])];
+                y = (*ys)[i];
+            }
+            if (const QLX_Painter::ImagePtr image = mRecording.GetImage(number))
+                out += Image(number, {(*xs)[i], y, Cmn_SaturatingAdd((*xs)[i], image->GetWidth()),
+                                      Cmn_SaturatingAdd(y, image->GetHeight())});
+        }
+        return out;
+    }
+
+    [[nodiscard]] std::string NineParts(const Call& call) const {
+        const auto number = Get<QLX_RecordedImage>(call, 0);
+        const QLX_Painter::ImagePtr image = mRecording.GetImage(number);
+        const int width = Get<int>(call, 1), height = Get<int>(call, 2);
+        if (!image || width <= 0 || height <= 0)
+            return "";
+        const int room = std::min({image->GetWidth(), image->GetHeight(), width, height}) / 2;
+        const int edge = std::clamp(Get<int>(call, 3), 0, room);
+        const int fromX[] = {0, edge, image->GetWidth() - edge, image->GetWidth()};
+        const int fromY[] = {0, edge, image->GetHeight() - edge, image->GetHeight()};
+        const int toX[] = {0, edge, width - edge, width}, toY[] = {0, edge, height - edge, height};
+        std::string out;
+        for (int row = 0; row < 3; ++row)
+            for (int column = 0; column < 3; ++column)
+                out +=
+                    Portion(number, {fromX[column], fromY[row], fromX[column + 1], fromY[row + 1]},
+                            {toX[column], toY[row], toX[column + 1], toY[row + 1]});
+        return out;
     }
 
     [[nodiscard]] std::string Copied(const Call& call) {

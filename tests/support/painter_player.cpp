@@ -92,6 +92,13 @@ class Player {
             return float(Byte()) / 4 - 10;
         }
     }
+    float FontSize() {
+        // Gigantic ones are allowed and slow, so they are rare.
+        const unsigned which = Byte();
+        return which == 0   ? 1e9F
+               : which == 1 ? std::numeric_limits<float>::quiet_NaN()
+                            : float(which % 40) - 2;
+    }
     Rect Box() {
         const int left = Int(), top = Int();
         if (Bool())
@@ -175,7 +182,7 @@ class Player {
         case 10:
             return p->NormalizePen();
         case 11:
-            return p->SetFont(QLX_Font(Bool() ? "DejaVu Sans Mono" : "nobody's font", Float() / 8,
+            return p->SetFont(QLX_Font(Bool() ? "DejaVu Sans Mono" : "nobody's font", FontSize(),
                                        std::uint16_t(Byte() % 16)));
         case 12:
             return p->SetTextMode(Any<EPenMode>(kPenMode_Count));
@@ -526,7 +533,7 @@ constexpr std::uint32_t kGuard = 0xDEADBEEF;
 
 [[nodiscard]] std::string PlayOnRecorder(std::string_view bytes) {
     const QLX_Painter::Ptr recorder(new QLX_PainterRecording(kWidth, kHeight));
-    PlayPainterBytes(recorder, bytes, 100);
+    PlayPainterBytes(recorder, bytes, 60);
     const auto& recording = static_cast<QLX_PainterRecording*>(recorder.Get())->GetRecording();
     // Reading drops what draws nothing anyway (copies from nowhere, lists of negative length); what
     // was read once stays.

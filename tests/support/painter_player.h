@@ -9,7 +9,7 @@
 /// Makes calls of every kind with arguments out of the bytes, among them the limits of int, NaN,
 /// infinities, malformed text, null pointers, and savers that end in any order. At most maximum
 /// calls, so that a long input ends.
-void PlayPainterBytes(const QLX_Painter::Ptr& painter, std::string_view bytes, int maximum = 400);
+void PlayPainterBytes(const QLX_Painter::Ptr& painter, std::string_view bytes, int maximum = 60);
 
 /// Plays bytes on pixels with guard bytes around every row at a scale that they choose, on the same
 /// painter once its target is gone, and on a recorder whose text is read back. Returns what went

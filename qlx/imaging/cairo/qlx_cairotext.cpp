@@ -68,13 +68,25 @@ bool QLX_PainterCairo::DrawAsciiLine(std::string_view text, double& x, int basel
             !mAtSize->GetAscii(static_cast<unsigned char>(character)).simple)
             return false;
     const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
+    const QLX_Surface& surface = mCanvas->GetSurface();
+    // Glyphs wholly inside are laid down as they are; empty where there is more than one rectangle.
+    const Cmn_Rect<int> inside = mDeviceClip.size() == 1 ? limit & mClipBounds : Cmn_Rect<int>();
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         const PenPlace pen(x);
         if (pen.pixel > mClipBounds.right + 4096)
             break;
-        DrawGlyph(mAtSize->GetAsciiMask(byte, pen.quarter), pen.pixel, baseline, limit, paint);
         x += double(mAtSize->GetAscii(byte).advance) * pixels;
+        const QLX_GlyphMask& mask = mAtSize->GetAsciiMask(byte, pen.quarter);
+        if (!mask.bytes)
+            continue;
+        const int left = pen.pixel + mask.left, top = baseline + mask.top;
+        const Cmn_Rect<int> box(left, top, left + mask.width, top + mask.height);
+        if (box.left >= inside.left && box.top >= inside.top && box.right <= inside.right &&
+            box.bottom <= inside.bottom)
+            QLX_MaskSpans(surface, box, mask.bytes, mask.pitch, paint, /*paddedMask*/ true);
+        else
+            DrawGlyph(mask, pen.pixel, baseline, limit, paint);
     }
     return true;
 }

@@ -517,17 +517,19 @@ void QLX_PainterCairo::OptimizedWaveformFill(int x, int count, const int* minima
                                       nullptr, secondColor, columnWidth, resolution);
     if (DeviceClip().empty())
         return;
-    const int pixels = resolution == kResolution_Logical
-                           ? columnWidth * mScale.Get120ths() / QLX_DeviceScale::kUnit
-                           : columnWidth;
+    const std::int64_t width =
+        resolution == kResolution_Logical
+            ? std::int64_t{columnWidth} * mScale.Get120ths() / QLX_DeviceScale::kUnit
+            : columnWidth;
     const bool exact = resolution == kResolution_Device || mScale.IsWhole();
     // Only columns that can show: hostile counts cost nothing.
     const Cmn_Rect<int> origin = ToCanvas({x, 0, x, 0}, resolution);
-    if (!exact || std::int64_t{pixels} * count > (1 << 24)) {
+    if (!exact || width * count > (1 << 24)) {
         QLX_Painter::OptimizedWaveformFill(x, count, minima, maxima, yOffset, top, bottom, color,
                                            nullptr, color, columnWidth, resolution);
         return;
     }
+    const int pixels = int(width);
     const std::int64_t before = std::int64_t{mClipBounds.left} - origin.left;
     const int first = int(std::clamp<std::int64_t>(before / pixels - 1, 0, count));
     const std::int64_t until = std::int64_t{mClipBounds.right} - origin.left;
