@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fails on a public class without a description, from the XML that Doxygen left.
+"""Fails on a public class without a description, from the XML that Doxygen left, and on a link to a file that is not there.
 
 usage: check_docs.py XML_FOLDER
 
@@ -7,6 +7,7 @@ Public is what carries QLX_API or is a template in an installed header; a class 
 surroundings.
 """
 
+import re
 import sys
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -14,6 +15,16 @@ from pathlib import Path
 
 def text_of(element):
     return "" if element is None else "".join(element.itertext()).strip()
+
+
+def dead_links():
+    """Links and pictures of the pages whose files are missing."""
+    root = Path(__file__).resolve().parent.parent
+    for page in [*root.glob("*.md"), *(root / "docs").rglob("*.md")]:
+        text = re.sub(r"^```.*?^```", "", page.read_text(), flags=re.M | re.S)
+        for target in re.findall(r"\]\(([^)#\s]+)", text):
+            if "://" not in target and not (page.parent / target).exists():
+                yield f"{page.relative_to(root)}: there is no {target}"
 
 
 def main():
@@ -32,7 +43,9 @@ def main():
             missing.append(f"{location.get('file')}:{location.get('line')}: {name} has no description")
     print("\n".join(missing))
     print(f"{count} public classes, {len(missing)} without a description")
-    return 1 if missing or not count else 0
+    dead = list(dead_links())
+    print("\n".join(dead) if dead else "all links of the pages lead somewhere")
+    return 1 if missing or dead or not count else 0
 
 
 if __name__ == "__main__":

@@ -2,9 +2,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "basekit/cmn/cmn_trace.h"
+#include "qlx/platform/headless/qlx_headless.h"
 #include "qlx/views/qlx_clipboard.h"
 #include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/qlx_filedialog.h"
@@ -77,4 +79,13 @@ int QLX_Platform::ScaleFromEnvironment(int fallback) {
         return fallback;
     }
     return static_cast<int>(std::lround(factor * kWindow_ScaleUnit));
+}
+
+std::unique_ptr<QLX_Platform> QLX_Platform::FromEnvironment() {
+    const char* name = std::getenv("QLX_PLATFORM");
+    if (!name || std::string_view(name) != "headless")
+        return nullptr;
+    auto platform = std::make_unique<QLX_HeadlessPlatform>();
+    platform->SetDisplayScale(ScaleFromEnvironment(platform->GetDisplayScale()));
+    return platform;
 }

@@ -40,13 +40,17 @@ class QLX_API QLX_Platform {
     /// The platform installed last; null for none.
     [[nodiscard]] static QLX_Platform* Get();
 
-    /// The platform that the operating system is: SDL2 on Linux, Win32 on Windows. Throws
+    /// The platform that the operating system is: SDL2 on Linux, Win32 on Windows; with
+    /// QLX_PLATFORM=headless in the environment the one without a display, whose loop ends when
+    /// nothing is left to do, so that a build server can start any program. Throws
     /// std::runtime_error with the reason when there is no display.
     [[nodiscard]] static std::unique_ptr<QLX_Platform> MakeNative();
     /// The scale that QLX_SCALE in the environment asks for ("1", "1.25", "2"), in 120ths;
     /// otherwise the fallback. Out of range (1 to 3) or no number: the fallback, with a line of the
     /// trace.
     [[nodiscard]] static int ScaleFromEnvironment(int fallback);
+    /// The platform that QLX_PLATFORM asks for ("headless"); null for any other text and for none.
+    [[nodiscard]] static std::unique_ptr<QLX_Platform> FromEnvironment();
 
   private:
     struct Installed;

@@ -70,6 +70,8 @@ QLX_Clipboard& QLX_SDLPlatform::GetClipboard() { return mState->clipboard; }
 int QLX_SDLPlatform::GetDisplayScale() const { return mState->displayScale; }
 
 std::unique_ptr<QLX_Platform> QLX_Platform::MakeNative() {
+    if (std::unique_ptr<QLX_Platform> asked = FromEnvironment())
+        return asked;
     return std::make_unique<QLX_SDLPlatform>();
 }
 
