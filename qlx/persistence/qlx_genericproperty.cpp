@@ -138,6 +138,6 @@ std::string QLX_GenericProperty::GetAttributeValue(const std::string& name) cons
 std::string QLX_GenericProperty::GetAttributesAsString() const {
     std::string text;
     for (const auto& [name, value] : mAttributes)
-        text += name + "=\"" + value + "\" ";
+        text.append(name).append("=\"").append(value).append("\" ");
     return text;
 }

@@ -65,7 +65,7 @@ QLX_PropertyFilter::QLX_PropertyFilter(QLX_PropertyFilter&& other) noexcept
     : mShared(std::exchange(other.mShared, nullptr)) {}
 
 QLX_PropertyFilter& QLX_PropertyFilter::operator=(const QLX_PropertyFilter& other) {
-    if (mShared != other.mShared) {
+    if (this != &other && mShared != other.mShared) {
         Shared* const shared = other.mShared->Share();
         Shared::Release(std::exchange(mShared, shared));
     }
