@@ -123,7 +123,10 @@ bool QLX_Image::IsOpaque() const noexcept {
     return mOpaque != 0;
 }
 
-void QLX_Image::PixelsChanged() noexcept { mOpaque = -1; }
+void QLX_Image::PixelsChanged() noexcept {
+    mOpaque = -1;
+    ++mGeneration;
+}
 
 void QLX_Image::SetDouble(const Ptr& image) {
     const bool fits = !image || (image.Get() != this && image->mWidth == 2 * mWidth &&

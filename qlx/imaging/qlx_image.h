@@ -55,6 +55,8 @@ class QLX_API QLX_Image : public Cmn_RefCountObject {
     /// Whether every pixel's alpha is 255; found once and remembered until PixelsChanged.
     [[nodiscard]] bool IsOpaque() const noexcept;
     void PixelsChanged() noexcept;
+    /// Grows with every PixelsChanged, so that painters can keep what they made of the pixels.
+    [[nodiscard]] std::uint32_t GetGeneration() const noexcept { return mGeneration; }
 
     // Double resolution
 
@@ -77,6 +79,7 @@ class QLX_API QLX_Image : public Cmn_RefCountObject {
     int mHeight;
     std::vector<std::uint32_t> mPixels;
     mutable signed char mOpaque = -1; // -1: not looked at yet
+    std::uint32_t mGeneration = 0;
     Ptr mDouble;                      // counted
 };
 

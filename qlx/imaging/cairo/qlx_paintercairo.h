@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "qlx/imaging/cairo/qlx_spans.h"
+#include "qlx/imaging/qlx_spans.h"
 #include "qlx/imaging/qlx_painterfactory.h"
 #include "qlx/imaging/qlx_painterstate.h"
 

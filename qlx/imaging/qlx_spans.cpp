@@ -1,4 +1,4 @@
-#include "qlx/imaging/cairo/qlx_spans.h"
+#include "qlx/imaging/qlx_spans.h"
 
 #include <algorithm>
 #include <cstring>
