@@ -1,6 +1,15 @@
-# What the library stands on. Everything comes from Debian packages that ./dev installs.
+# What the library stands on. Everything comes from Debian packages that ./dev installs, with MSVC from vcpkg.
 
 add_library(qlx_dependencies INTERFACE)
+
+if(MSVC)
+    # With vcpkg.json beside this project, vcpkg provides them; see docs/win32.md.
+    set(QLX_WITH_DESKTOP OFF)
+    find_package(EXPAT REQUIRED)
+    find_package(Boost REQUIRED)
+    target_link_libraries(qlx_dependencies INTERFACE EXPAT::EXPAT Boost::boost gdi32 user32 imm32 ole32 uuid)
+    return()
+endif()
 
 # Boost.Regex is header-only. A cross build must not see the rest of /usr/include, so the headers are
 # reached through a folder that holds nothing but a link to them.
@@ -12,7 +21,8 @@ if(WIN32)
     set(QLX_WITH_DESKTOP OFF)
     include(expat_from_source)
     include(win64_runtime)
-    target_link_libraries(qlx_dependencies INTERFACE qlx_expat)
+    # Direct2D and its kin are loaded at run time; uuid holds only their identifiers.
+    target_link_libraries(qlx_dependencies INTERFACE qlx_expat gdi32 user32 imm32 ole32 uuid)
 else()
     find_package(EXPAT REQUIRED)
     target_link_libraries(qlx_dependencies INTERFACE EXPAT::EXPAT)
