@@ -2,6 +2,7 @@
 
 find_package(benchmark REQUIRED)
 file(GLOB bench_sources CONFIGURE_DEPENDS bench/*_bench.cpp)
+list(FILTER bench_sources EXCLUDE REGEX "/windows_bench\\.cpp$")  # the Windows build's, see qlx_programs.cmake
 foreach(source IN LISTS bench_sources)
     get_filename_component(program ${source} NAME_WE)
     add_executable(${program} ${source})

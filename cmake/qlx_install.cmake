@@ -63,10 +63,18 @@ endif()
 if(QLX_TOOLS)
     install(TARGETS ${QLX_TOOLS} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 endif()
+if(MINGW)
+    # The zip is what somebody without a build tries: the host comes along, with the library that reads its audio.
+    install(TARGETS session_host session_views sndfile RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    install(DIRECTORY host/data DESTINATION ${CMAKE_INSTALL_DATADIR}/qlx/host COMPONENT tools)
+endif()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qlx COMPONENT runtime)
 
 # What must be built before `cmake --install`.
 add_custom_target(install_parts DEPENDS qlx ${QLX_TOOLS})
+if(WIN32)
+    add_dependencies(install_parts session_host)
+endif()
 
 # Packages: cpack -G DEB here, cpack -G ZIP for Windows.
 set(CPACK_PACKAGE_NAME qlx)

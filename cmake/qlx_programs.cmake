@@ -28,7 +28,11 @@ foreach(name IN LISTS tools)
 endforeach()
 
 # The host is written as a project of its own, so that it can be copied out and built on its own.
-if(QLX_WITH_DESKTOP)
-    add_subdirectory(host)
-    set_target_properties(session_host PROPERTIES INSTALL_RPATH "$ORIGIN/${QLX_RPATH_FROM_BINDIR}")
+add_subdirectory(host)
+set_target_properties(session_host PROPERTIES INSTALL_RPATH "$ORIGIN/${QLX_RPATH_FROM_BINDIR}")
+
+# The Windows painters are measured by a program of their own, which runs in wine.
+if(WIN32)
+    add_executable(windows_bench bench/windows_bench.cpp)
+    target_link_libraries(windows_bench PRIVATE qlx_build qlx)
 endif()

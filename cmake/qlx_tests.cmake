@@ -1,7 +1,7 @@
 # One test program for every two folder levels below tests/, so that they run side by side and a change
 # relinks little. tests/support holds what they share.
 
-if(WIN32)
+if(MINGW)
     set(BUILD_GMOCK ON)
     set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/gtest EXCLUDE_FROM_ALL)
@@ -49,7 +49,7 @@ foreach(program IN LISTS test_programs)
     add_test(NAME ${program} COMMAND ${program} --gtest_output=xml:reports/${program}.xml
              WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
     set_tests_properties(${program} PROPERTIES TIMEOUT 600)
-    if(WIN32)
+    if(MINGW)
         set_tests_properties(${program} PROPERTIES FIXTURES_REQUIRED wine)
     endif()
 endforeach()
@@ -64,11 +64,11 @@ if(TARGET session_views)
     add_dependencies(tests_tools_qlxview session_views)
 endif()
 
-if(WIN32)
+if(MINGW)
     add_test(NAME wine_up COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-up)
     set_tests_properties(wine_up PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)
     add_test(NAME wine_down COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-down)
     set_tests_properties(wine_down PROPERTIES FIXTURES_CLEANUP wine TIMEOUT 60)
-else()
+elseif(NOT WIN32)
     include(qlx_checks)
 endif()

@@ -1,6 +1,9 @@
 # CLI11 is headers only. A cross build reaches them through a link, as it does Boost's.
-if(WIN32)
+if(MINGW)
     file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/cli11-include)
     file(CREATE_LINK /usr/include/CLI ${CMAKE_BINARY_DIR}/cli11-include/CLI SYMBOLIC)
     target_include_directories(${name} SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/cli11-include)
+elseif(WIN32)
+    find_package(CLI11 REQUIRED)
+    target_link_libraries(${name} PRIVATE CLI11::CLI11)
 endif()
