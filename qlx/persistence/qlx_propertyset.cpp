@@ -220,9 +220,11 @@ QLX_PropertySet::QLX_PropertySet(QLX_PropertySet&& other) noexcept
     : mBlock(std::exchange(other.mBlock, nullptr)) {}
 
 QLX_PropertySet& QLX_PropertySet::operator=(const QLX_PropertySet& other) noexcept {
-    if (other.mBlock)
-        ++other.mBlock->mReferences;
-    Release(std::exchange(mBlock, other.mBlock));
+    if (this != &other) {
+        if (other.mBlock)
+            ++other.mBlock->mReferences;
+        Release(std::exchange(mBlock, other.mBlock));
+    }
     return *this;
 }
 
