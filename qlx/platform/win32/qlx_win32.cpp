@@ -78,6 +78,8 @@ int QLX_Win32Platform::GetDisplayScale() const {
 }
 
 std::unique_ptr<QLX_Platform> QLX_Platform::MakeNative() {
+    if (std::unique_ptr<QLX_Platform> asked = FromEnvironment())
+        return asked;
     return std::make_unique<QLX_Win32Platform>();
 }
 
