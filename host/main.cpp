@@ -12,6 +12,7 @@
 #include "app/misc/qlx_init.h"
 #include "host/audio_file.h"
 #include "host/session_window.h"
+#include "qlx/imaging/qlx_painterfactory.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/persistence/qlx_sourceformat.h"
 #include "qlx/platform/headless/qlx_headless.h"
@@ -32,8 +33,17 @@ struct Options {
     std::string mLayout;
     std::string mLanguage;
     std::string mTheme = "dark";
+    std::string mPainter;
     double mScale = 0;
 };
+
+void SetVariable(const char* name, const std::string& value) {
+#if defined(_WIN32)
+    _putenv_s(name, value.c_str());
+#else
+    ::setenv(name, value.c_str(), 1);
+#endif
+}
 
 /// Ends when the window is closed.
 class HostWindowWatcher : public QLX_EventLoopClient {
@@ -177,6 +187,8 @@ int main(int argc, char** argv) {
     program.add_option("--theme", options.mTheme, "light, dark, light-contrast or dark-contrast");
     program.add_option("--scale", options.mScale, "device pixels for a logical one, 1 to 3")
         ->check(CLI::Range(1.0, 3.0));
+    program.add_option("--painter", options.mPainter,
+                       "what draws: cairo; gdi or direct2d on Windows");
     program.add_option("--data", options.mDataFolder, "folder of session.xml and its tables");
     CLI11_PARSE(program, argc, argv);
     try {
@@ -184,7 +196,9 @@ int main(int argc, char** argv) {
         if (!options.mPicture.empty() || !options.mPlay.empty())
             return RunHeadless(options);
         if (options.mScale > 0)
-            ::setenv("QLX_SCALE", std::to_string(options.mScale).c_str(), 1);
+            SetVariable("QLX_SCALE", std::to_string(options.mScale));
+        if (!options.mPainter.empty() && !QLX_PainterFactory::Choose(options.mPainter))
+            throw std::runtime_error("--painter: there is no \"" + options.mPainter + "\" here");
         return RunInWindow(options);
     } catch (const std::exception& reason) {
         std::fprintf(stderr, "session_host: %s\n", reason.what());
