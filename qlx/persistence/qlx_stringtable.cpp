@@ -71,8 +71,8 @@ void CheckText(const std::string& text, const std::string& key, const std::strin
 class Reader {
   public:
     Reader(std::string_view text, const std::string& file, std::vector<QLX_SourceProblem>* problems,
-           QLX_StringTablePlaces* places)
-        : mText(text), mFile(file), mProblems(problems), mPlaces(places) {}
+           QLX_StringTableNotes* notes)
+        : mText(text), mFile(file), mProblems(problems), mNotes(notes) {}
 
     QLX_StringTable Read() {
         const std::size_t bad = FindBadUTF8(mText);
@@ -83,6 +83,8 @@ class Reader {
         if (mText.substr(0, kByteOrderMark.size()) == kByteOrderMark)
             mAt = kByteOrderMark.size();
         SkipToContent();
+        if (!mComments.empty() && mComments.front().rfind(kHeading, 0) == 0)
+            mComments.erase(mComments.begin());
         if (!TakeLine("{"))
             Fail(AtEnd() ? "the table's { is missing" : "expected the table's {");
         while (SkipToContent(), !AtEnd()) {
@@ -90,6 +92,8 @@ class Reader {
                 SkipToContent();
                 if (!AtEnd())
                     Fail("there is more after the table's }");
+                if (mNotes)
+                    TakeComments({});
                 return std::move(mTable);
             }
             ReadEntry();
@@ -137,6 +141,15 @@ class Reader {
             ++mAt;
     }
 
+    /// Of a key that stands twice both comments are kept.
+    void TakeComments(const std::string& key) {
+        if (mComments.empty())
+            return;
+        std::vector<std::string>& comments = mNotes->mComments[key];
+        comments.insert(comments.end(), mComments.begin(), mComments.end());
+        mComments.clear();
+    }
+
     /// Over blank lines and comment lines, to the start of a line that has something to say.
     void SkipToContent() {
         for (;;) {
@@ -152,7 +165,10 @@ class Reader {
             }
             if (mText.substr(at, 2) != "//")
                 return;
+            mAt = at;
             SkipLine();
+            if (mNotes)
+                mComments.emplace_back(mText.substr(at, mAt - at));
         }
     }
 
@@ -201,8 +217,10 @@ class Reader {
         }
         if (!AtEnd() && !IsLineEnd(mText[mAt]))
             Fail("expected the line's end after the text of the key \"" + key + "\"");
-        if (mPlaces)
-            (*mPlaces)[key] = PlaceOf(keyStart);
+        if (mNotes) {
+            mNotes->mPlaces[key] = PlaceOf(keyStart);
+            TakeComments(key);
+        }
         if (!mTable.insert_or_assign(key, std::move(entry)).second && mProblems &&
             mProblems->size() < kMostProblems)
             mProblems->push_back(
@@ -241,7 +259,8 @@ class Reader {
     std::string_view mText;
     const std::string& mFile;
     std::vector<QLX_SourceProblem>* mProblems; // not owned; may be null
-    QLX_StringTablePlaces* mPlaces;            // likewise
+    QLX_StringTableNotes* mNotes;              // likewise
+    std::vector<std::string> mComments;        // those that wait for a key
     std::size_t mAt = 0;
     std::size_t mCountedTo = 0;
     std::pair<int, int> mCounted{1, 1};
@@ -250,8 +269,14 @@ class Reader {
 } // namespace
 
 std::string QLX_WriteStringTable(const QLX_StringTable& table, const std::string& name,
-                                 LineEndings endings) {
+                                 LineEndings endings, const QLX_StringTableNotes* notes) {
     const char* const lineEnd = Sys_LineEndText(endings);
+    const auto writeComments = [&](std::string& to, const std::string& key) {
+        if (!notes || !notes->mComments.count(key))
+            return;
+        for (const std::string& comment : notes->mComments.at(key))
+            to += "\t" + comment + lineEnd;
+    };
     std::string out(kHeading);
     for (const char c : name)
         out += c == '\r' || c == '\n' ? ' ' : c;
@@ -263,6 +288,7 @@ std::string QLX_WriteStringTable(const QLX_StringTable& table, const std::string
         CheckKey(key, name);
         CheckText(entry.mSource, key, name);
         CheckText(entry.mLocalized, key, name);
+        writeComments(out, key);
         out += '\t';
         out += key;
         if (!entry.mSource.empty()) {
@@ -273,6 +299,7 @@ std::string QLX_WriteStringTable(const QLX_StringTable& table, const std::string
         AppendQuoted(out, entry.mLocalized);
         out += lineEnd;
     }
+    writeComments(out, {});
     out += '}';
     out += lineEnd;
     return out;
@@ -280,8 +307,8 @@ std::string QLX_WriteStringTable(const QLX_StringTable& table, const std::string
 
 QLX_StringTable QLX_ReadStringTable(std::string_view text, const std::string& file,
                                     std::vector<QLX_SourceProblem>* problems,
-                                    QLX_StringTablePlaces* places) {
-    return Reader(text, file, problems, places).Read();
+                                    QLX_StringTableNotes* notes) {
+    return Reader(text, file, problems, notes).Read();
 }
 
 std::string QLX_GetStringTableName(std::string_view text) {

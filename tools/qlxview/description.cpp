@@ -22,7 +22,7 @@ Description::Description(const std::string& path)
     }
     for (const auto& [language, table] : mMemento->GetStringTables())
         (void)QLX_ReadStringTable(Sys_File::ReadAll(GetTableLoc(language)), path, nullptr,
-                                  &mKeyPlaces[language]);
+                                  &mTableNotes[language]);
     mProblems.insert(mProblems.begin(), format.GetProblems().begin(), format.GetProblems().end());
 }
 
@@ -59,12 +59,15 @@ Sys_FileLoc Description::GetTableLoc(QLX_Language::ELanguage language) const {
 
 Description::Place Description::GetKeyPlace(QLX_Language::ELanguage language,
                                             const std::string& key) const {
-    const auto table = mKeyPlaces.find(language);
-    if (table == mKeyPlaces.end())
-        return {0, 0};
-    const auto found = table->second.find(key);
-    return found == table->second.end() ? Place{0, 0}
-                                        : Place{found->second.first, found->second.second};
+    const auto& places = GetTableNotes(language).mPlaces;
+    const auto found = places.find(key);
+    return found == places.end() ? Place{0, 0} : Place{found->second.first, found->second.second};
+}
+
+const QLX_StringTableNotes& Description::GetTableNotes(QLX_Language::ELanguage language) const {
+    static const QLX_StringTableNotes none;
+    const auto found = mTableNotes.find(language);
+    return found == mTableNotes.end() ? none : found->second;
 }
 
 std::string Description::GetCanonicalText() const {
@@ -230,4 +233,12 @@ std::string ElementLabel(const QLX_RawPropertyContainer& container) {
     if (set->second.GetStringProperty("name", text) && !text.empty())
         label += " \"" + text + "\"";
     return label;
+}
+
+std::string FilterLabel(const QLX_PropertyFilter& filter) {
+    std::string label;
+    for (const auto& [name, value] : filter.GetAttributes())
+        if (!value.empty())
+            label += (label.empty() ? " [" : ", ") + name + " " + value;
+    return label.empty() ? label : label + "]";
 }

@@ -49,9 +49,11 @@ class Description : private QLX_SourceObserver {
     /// Where a language's string table lies.
     [[nodiscard]] Sys_FileLoc GetTableLoc(QLX_Language::ELanguage language) const;
     /// Where a key stands in a language's string table; line 0 when it does not.
+    [[nodiscard]] const QLX_StringTableNotes& GetTableNotes(QLX_Language::ELanguage language) const;
     [[nodiscard]] Place GetKeyPlace(QLX_Language::ELanguage language, const std::string& key) const;
 
     [[nodiscard]] LineEndings GetLineEndings() const { return mLineEndings; }
+    [[nodiscard]] QLX_SourceComments& GetComments() { return mComments; }
     /// The canonical text, with the author's comments.
     [[nodiscard]] std::string GetCanonicalText() const;
     /// Why writing would lose something; empty when it would not.
@@ -81,7 +83,7 @@ class Description : private QLX_SourceObserver {
     std::map<const QLX_RawPropertyContainer*, Place> mContainers;
     std::map<PropertyKey, StoredProperty> mProperties;
     std::map<const QLX_RawPropertyContainer*, std::string> mIdentifiers;
-    std::map<QLX_Language::ELanguage, QLX_StringTablePlaces> mKeyPlaces;
+    std::map<QLX_Language::ELanguage, QLX_StringTableNotes> mTableNotes;
     std::vector<std::string> mWrapperLosses;
 
     QLX_SourceComments mComments;
@@ -106,3 +108,6 @@ class Description : private QLX_SourceObserver {
 
 /// "name 'identifier'" or "name \"name property\"": how people know an element.
 [[nodiscard]] std::string ElementLabel(const QLX_RawPropertyContainer& container);
+
+/// " [Layout Compact, Language DEU]"; empty for the common filter.
+[[nodiscard]] std::string FilterLabel(const QLX_PropertyFilter& filter);

@@ -5,8 +5,7 @@
 #include <map>
 #include <set>
 
-namespace {
-std::string Quoted(const std::string& text) {
+std::string QuotedJSON(const std::string& text) {
     std::string out = "\"";
     for (const char c : text) {
         char escape[8];
@@ -32,6 +31,7 @@ std::string Quoted(const std::string& text) {
     return out + "\"";
 }
 
+namespace {
 /// A path as a URI reference: what a URI may not hold is percent-encoded (RFC 3986).
 std::string URIOf(const std::string& path) {
     std::string out;
@@ -89,11 +89,11 @@ std::string FindingsAsJSON(const std::vector<Finding>& findings) {
     const char* separator = "\n";
     for (const Finding& finding : findings) {
         out += separator;
-        out += "  {\"file\": " + Quoted(finding.mFile) +
+        out += "  {\"file\": " + QuotedJSON(finding.mFile) +
                ", \"line\": " + std::to_string(finding.mLine) +
                ", \"column\": " + std::to_string(finding.mColumn) + ", \"level\": \"" +
-               Level(finding) + "\", \"rule\": " + Quoted(finding.mRule) +
-               ", \"text\": " + Quoted(finding.mText) + "}";
+               Level(finding) + "\", \"rule\": " + QuotedJSON(finding.mRule) +
+               ", \"text\": " + QuotedJSON(finding.mText) + "}";
         separator = ",\n";
     }
     return out + "\n]\n";
@@ -109,18 +109,18 @@ std::string FindingsAsSARIF(const std::vector<Finding>& findings) {
                       "    \"tool\": {\"driver\": {\"name\": \"qlxview\", \"rules\": [";
     const char* separator = "";
     for (const std::string& rule : rules) {
-        out += separator + std::string("\n      {\"id\": ") + Quoted(rule) +
-               ", \"shortDescription\": {\"text\": " + Quoted(Explain(rule)) + "}}";
+        out += separator + std::string("\n      {\"id\": ") + QuotedJSON(rule) +
+               ", \"shortDescription\": {\"text\": " + QuotedJSON(Explain(rule)) + "}}";
         separator = ",";
     }
     out += "]}},\n    \"results\": [";
     separator = "\n";
     for (const Finding& finding : findings) {
-        out += separator + std::string("      {\"ruleId\": ") + Quoted(finding.mRule) +
+        out += separator + std::string("      {\"ruleId\": ") + QuotedJSON(finding.mRule) +
                ", \"level\": \"" + Level(finding) +
-               "\", \"message\": {\"text\": " + Quoted(finding.mText) +
+               "\", \"message\": {\"text\": " + QuotedJSON(finding.mText) +
                "}, \"locations\": [{\"physicalLocation\": {\"artifactLocation\": {\"uri\": " +
-               Quoted(URIOf(finding.mFile)) + "}";
+               QuotedJSON(URIOf(finding.mFile)) + "}";
         if (finding.mLine > 0)
             out += ", \"region\": {\"startLine\": " + std::to_string(finding.mLine) +
                    ", \"startColumn\": " + std::to_string(finding.mColumn) + "}";

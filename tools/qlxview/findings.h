@@ -19,3 +19,6 @@ struct Finding {
 [[nodiscard]] std::string FindingsAsJSON(const std::vector<Finding>& findings);
 /// SARIF 2.1.0 (OASIS), one run.
 [[nodiscard]] std::string FindingsAsSARIF(const std::vector<Finding>& findings);
+
+/// The text as JSON writes it, quotes included.
+[[nodiscard]] std::string QuotedJSON(const std::string& text);

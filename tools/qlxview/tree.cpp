@@ -14,14 +14,6 @@ struct Options {
     bool mElementsOnly = false;
 };
 
-std::string FilterLabel(const QLX_PropertyFilter& filter) {
-    std::string label;
-    for (const auto& [name, value] : filter.GetAttributes())
-        if (!value.empty())
-            label += (label.empty() ? " [" : ", ") + name + " " + value;
-    return label.empty() ? label : label + "]";
-}
-
 void PrintSet(const QLX_PropertySet& set, const std::string& indent, const std::string& suffix,
               const QLX_ViewMemento& memento, QLX_Language::ELanguage language) {
     std::map<std::pair<std::string, int>, QLX_PropertyView> sorted;

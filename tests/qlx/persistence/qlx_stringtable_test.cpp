@@ -104,4 +104,16 @@ TEST(StringTable, RefusesKeysByName) {
         }
     }
 }
+
+TEST(StringTable, CommentsStayWithTheirKeys) {
+    const std::string text = "// String table for Mix\n{\n\t// Mute and solo are verbs.\n\tA\t\"1\n"
+                             "// inside the text\"\n\tB\t\"2\"\n\t// The end.\n}\n";
+    QLX_StringTableNotes notes;
+    QLX_StringTable table = QLX_ReadStringTable(text, "Mix.str", nullptr, &notes);
+    EXPECT_EQ(QLX_WriteStringTable(table, "Mix", LineEndings::Unix, &notes), text);
+    EXPECT_EQ(notes.mPlaces["B"], std::make_pair(6, 2));
+    table.erase("A");
+    EXPECT_EQ(QLX_WriteStringTable(table, "Mix", LineEndings::Unix, &notes),
+              "// String table for Mix\n{\n\tB\t\"2\"\n\t// The end.\n}\n");
+}
 } // namespace

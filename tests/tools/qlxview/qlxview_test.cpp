@@ -36,7 +36,7 @@ TEST(QlxView, EveryCommandsHelpHasAnExample) {
         EXPECT_NE(RunTool(command + " --help").mOut.find("Example: qlxview"), std::string::npos)
             << command;
     }
-    EXPECT_GE(commands, 7);
+    EXPECT_GE(commands, 13);
 }
 
 TEST(QlxView, ExitStatusesTellFoundFromFailed) {
