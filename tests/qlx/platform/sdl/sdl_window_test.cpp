@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -244,7 +245,9 @@ TEST_F(SDLWindow, AWindowManagerClosesIt) {
         GTEST_SKIP() << "openbox is not installed";
     // The window is there first: showing one while a manager begins may wait for each other.
     const Companion manager("openbox");
-    const std::string state = "xprop -id " + mID + " WM_STATE | grep -F window";
+    const std::string state =
+        "xprop -root _NET_SUPPORTED | grep -F _NET_ACTIVE_WINDOW && xprop -id " + mID +
+        " WM_STATE | grep -F window";
     ASSERT_TRUE(RunUntil([&] { return !Output(state).empty(); })) << "taken over";
     ASSERT_TRUE(
         Insist([this] { Do("windowactivate " + mID); }, [this] { return mWindow->IsActive(); }));
@@ -256,7 +259,18 @@ TEST_F(SDLWindow, AWindowManagerClosesIt) {
         Do("type q");
     };
     ASSERT_TRUE(Insist(type, typed)) << Probe("prob")->GetText();
-    ASSERT_TRUE(Insist([this] { Do("key alt+F4"); }, [this] { return !mWindow->IsOpen(); }));
+    const auto close = [this, again = false]() mutable {
+        // A manager that was beginning may have lost the window: shown anew, it is taken over.
+        if (std::exchange(again, true)) {
+            mWindow->ShowWindow(false);
+            RunFor(0.2);
+            mWindow->ShowWindow(true);
+            RunFor(0.2);
+            Do("windowactivate " + mID);
+        }
+        Do("key alt+F4");
+    };
+    ASSERT_TRUE(Insist(close, [this] { return !mWindow->IsOpen(); }));
     EXPECT_EQ(Probe("prob")->GetText(), "q") << "the views live on";
     RunFor(0.1);
 }
