@@ -218,6 +218,10 @@ class QLX_API QLX_ViewMemento : public Cmn_RefCountObject {
 
     [[nodiscard]] QLX_RawPropertyContainer* GetRoot() const { return mRoot.get(); }
     [[nodiscard]] const std::string& GetName() const { return mName; }
+    /// The folder of the file that it was read from, in which the files lie that it names; empty
+    /// when it came from elsewhere.
+    [[nodiscard]] const std::string& GetFolder() const { return mFolder; }
+    void SetFolder(const std::string& folder) { mFolder = folder; }
     [[nodiscard]] StringTables& GetStringTables() { return mStringTables; }
     [[nodiscard]] const StringTables& GetStringTables() const { return mStringTables; }
 
@@ -236,4 +240,5 @@ class QLX_API QLX_ViewMemento : public Cmn_RefCountObject {
     std::unique_ptr<QLX_RawPropertyContainer> mRoot;
     std::string mName;
     StringTables mStringTables;
+    std::string mFolder;
 };

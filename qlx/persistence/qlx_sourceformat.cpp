@@ -100,6 +100,7 @@ QLX_ViewMemento* QLX_SourceViewFormat::ReadMemento(QLX_RawPropertyContainerFacto
     if (!root->GetStringProperty("name", name) || name.empty())
         name = mSource.GetStem();
     auto memento = std::make_unique<QLX_ViewMemento>(wrapper->RemoveChild(root).release(), name);
+    memento->SetFolder(mSource.GetParent().GetPath());
     ReadStringTables(*memento);
     return memento.release();
 }

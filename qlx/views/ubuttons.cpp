@@ -20,7 +20,8 @@ QLX_DEFINE_CLASS(TCluster, TControl)
 
 namespace {
 constexpr int kBoxSize = 14;   // of check boxes and radio buttons
-constexpr int kBoxAndGap = 20; // from the left edge to the title
+constexpr int kBoxInset = 4;   // from the left edge, so that the focus ring keeps its distance
+constexpr int kBoxAndGap = 24; // from the left edge to the title
 } // namespace
 
 /// Hilites the button while the mouse is inside of it and pushes it when it is released there.
@@ -193,10 +194,16 @@ void TButton::Draw(const VRect&) {
     const PainterPtr& painter = GetPainter();
     const Cmn_Rect<int> box = GetExtent();
     const bool down = mToggles && GetValue() != 0;
-    painter->SetForegroundColor(down ? GetControlColor(kThemeColor_Highlight) : GetFaceColor());
+    // What Return pushes stands out in the theme's accent.
+    const bool accented = mRole == kRole_Default && IsEnabled() && !IsHilited();
+    const bool lit = down && IsEnabled() && !IsHilited();
+    painter->SetForegroundColor(accented ? GetControlColor(kThemeColor_MenuHighlight)
+                                : lit    ? GetControlColor(kThemeColor_Highlight)
+                                : down   ? GetControlColor(kThemeColor_ControlPressed)
+                                         : GetFaceColor());
     painter->FillRoundRect(box, 4, 4, /*antialias*/ true, /*topOnly*/ false);
     painter->SetForegroundColor(
-        GetControlColor(mRole == kRole_Default ? kThemeColor_FocusRing : kThemeColor_ControlFrame));
+        GetControlColor(accented ? kThemeColor_MenuHighlight : kThemeColor_ControlFrame));
     painter->DrawRoundRect(box, 4, 4, /*antialias*/ true, /*topOnly*/ false);
 
     Cmn_Rect<int> titleBox{box.left + 4, box.top, box.right - 4, box.bottom};
@@ -205,14 +212,22 @@ void TButton::Draw(const VRect&) {
         const int top = box.top + (box.bottom - box.top - side) / 2;
         const int left =
             GetTitle().empty() ? box.left + (box.right - box.left - side) / 2 : titleBox.left + 2;
+        painter->SetAlpha(IsEnabled() ? 1.0f : 0.4f);
         painter->DrawIcon(mIcon, {left, top, left + side, top + side});
+        painter->SetAlpha(1.0f);
         titleBox.left = left + side + 2;
     }
-    painter->SetForegroundColor(
-        GetTextColor(down ? kThemeColor_HighlightText : kThemeColor_ControlText));
+    painter->SetForegroundColor(GetTextColor(accented ? kThemeColor_MenuHighlightText
+                                             : lit    ? kThemeColor_HighlightText
+                                                      : kThemeColor_ControlText));
     painter->DrawStringJustified(titleBox, GetTitle(), QLX_Painter::kJustify_Center,
                                  QLX_Painter::kJustify_Middle, QLX_Painter::kResolution_Logical);
-    DrawFocusRing(/*inset*/ 2);
+    DrawFocusRing(/*inset*/ 0, /*radius*/ 4);
+    if (accented && ShowsFocus()) { // the ring is too near to the accent to be seen by itself
+        painter->SetForegroundColor(GetControlColor(kThemeColor_MenuHighlightText));
+        painter->DrawRoundRect({box.left + 3, box.top + 3, box.right - 3, box.bottom - 3}, 3, 3,
+                               /*antialias*/ true, /*topOnly*/ false);
+    }
 }
 
 void TButton::GetAccessibleInfo(TAccessibleInfo& info) const {
@@ -230,7 +245,7 @@ void TButton::ReadProperties(QLX_RawPropertyContainer* container, const MementoP
         return;
     std::filesystem::path path(text);
     if (path.is_relative() && memento)
-        path = std::filesystem::path(memento->GetName()).parent_path() / path;
+        path = std::filesystem::path(memento->GetFolder()) / path;
     try {
         mIcon = QLX_Icon(QLX_Image::FromPNGFile(path.string()));
     } catch (const std::exception& reason) { // the title still says what the button does
@@ -251,7 +266,8 @@ void TCheckBox::Draw(const VRect&) {
     const PainterPtr& painter = GetPainter();
     const Cmn_Rect<int> all = GetExtent();
     const int top = all.top + (all.bottom - all.top - kBoxSize) / 2;
-    const Cmn_Rect<int> box{all.left + 2, top, all.left + 2 + kBoxSize, top + kBoxSize};
+    const Cmn_Rect<int> box{all.left + kBoxInset, top, all.left + kBoxInset + kBoxSize,
+                            top + kBoxSize};
     painter->SetForegroundColor(
         GetControlColor(IsHilited() ? kThemeColor_ControlPressed : kThemeColor_FieldBackground));
     painter->FillRoundRect(box, 2, 2, /*antialias*/ true, /*topOnly*/ false);
@@ -320,7 +336,8 @@ void TRadio::Draw(const VRect&) {
     const PainterPtr& painter = GetPainter();
     const Cmn_Rect<int> all = GetExtent();
     const int top = all.top + (all.bottom - all.top - kBoxSize) / 2;
-    const Cmn_Rect<int> box{all.left + 2, top, all.left + 2 + kBoxSize, top + kBoxSize};
+    const Cmn_Rect<int> box{all.left + kBoxInset, top, all.left + kBoxInset + kBoxSize,
+                            top + kBoxSize};
     painter->SetForegroundColor(
         GetControlColor(IsHilited() ? kThemeColor_ControlPressed : kThemeColor_FieldBackground));
     painter->FillOval(box, /*antialias*/ true);

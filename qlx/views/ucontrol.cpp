@@ -119,7 +119,7 @@ void TControl::DoFocus(const PainterPtr& painter) {
         painter->SetFont(GetControlFont());
 }
 
-bool TControl::ShowsFocus() { return IsTarget(); }
+bool TControl::ShowsFocus() { return mAlwaysShowsFocus || IsTarget(); }
 
 void TControl::DrawFocusRing(int inset, int radius) {
     if (!ShowsFocus())
@@ -129,7 +129,7 @@ void TControl::DrawFocusRing(int inset, int radius) {
     ring.Inset(VPoint(inset, inset));
     QLX_StPaintState saver(painter);
     painter->SetForegroundColor(GetControlColor(kThemeColor_FocusRing));
-    const short thickness = QLX_Theme::IsHighContrast() ? 2 : 1;
+    const short thickness = QLX_Theme::IsHighContrast() ? 3 : 2;
     painter->SetPenSize(thickness, thickness);
     painter->DrawRoundRect(ring, radius, radius, /*antialias*/ true, /*topOnly*/ false);
 }
@@ -218,4 +218,6 @@ void TControl::ReadProperties(QLX_RawPropertyContainer* container, const Memento
     if (container->GetInt32Property("FontSize", number))
         mFontSize = Cmn_ClampTo<std::int16_t>(number);
     container->GetBoolProperty("TakesFocus", mTakesFocus);
+    container->GetBoolProperty("Hilited", mHilited);
+    container->GetBoolProperty("ShowsFocus", mAlwaysShowsFocus);
 }

@@ -26,7 +26,8 @@ enum EControlEvent : std::int32_t {
 /// Properties, all optional: "Value", "Minimum", "Maximum" (int32; a maximum below the minimum:
 /// both are swapped), "ControlTheme" (string), "CommandNumber" (int32), "FontNumber" (int32, of the
 /// font map), "FontStyle" (int32, its selector), "FontSize" (int32, logical pixels), "TakesFocus"
-/// (bool).
+/// (bool), and for pictures of a look "Hilited" and "ShowsFocus" (bool: drawn as if it were pressed
+/// or were the target).
 class QLX_API TControl : public TView {
   public:
     QLX_DECLARE_CLASS(TControl);
@@ -66,7 +67,7 @@ class QLX_API TControl : public TView {
     [[nodiscard]] CRGBColor GetControlColor(EThemeColor color) const;
     void SetControlFont(int fontNumber, int styleSelector);
     [[nodiscard]] QLX_Font GetControlFont() const;
-    /// Whether the focus look is due: the control is the target.
+    /// Whether the focus look is due: the control is the target, or shows it for a picture.
     [[nodiscard]] bool ShowsFocus();
     /// Whether Tab stops here; most controls do, texts and plates do not.
     void SetTakesFocus(bool takes) { mTakesFocus = takes; }
@@ -132,4 +133,5 @@ class QLX_API TControl : public TView {
     bool mHilited = false;
     bool mTakesFocus = true;
     bool mHasReadValue = false;
+    bool mAlwaysShowsFocus = false;
 };

@@ -5,6 +5,7 @@
 
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/imaging/qlx_statesavers.h"
+#include "qlx/imaging/qlx_textcaret.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/views/qlx_clipboard.h"
 #include "qlx/views/qlx_windowevents.h"
@@ -221,13 +222,21 @@ double TEditText::WidthOf(std::size_t from, std::size_t to) const {
         GetControlFont(), std::string_view(GetText()).substr(from, to - from)));
 }
 
+std::string_view TEditText::TextOf(const Line& line) const {
+    return std::string_view(GetText()).substr(line.mBegin, line.mEnd - line.mBegin);
+}
+
 double TEditText::LineLeft(const Line& line) {
     const VRect area = GetTextArea();
     const double spare = static_cast<double>(area.GetWidth()) - WidthOf(line.mBegin, line.mEnd);
     const double left = static_cast<double>(area.Left() - mScroll.h);
-    if (spare <= 0 || mJustification == QLX_Painter::kJustify_Left)
+    // Left stands for where reading begins.
+    const bool atRight = mJustification == QLX_Painter::kJustify_Right ||
+                         (mJustification == QLX_Painter::kJustify_Left &&
+                          QLX_TextCarets::Get().RunsToTheLeft(TextOf(line)));
+    if (spare <= 0 || (mJustification == QLX_Painter::kJustify_Left && !atRight))
         return left;
-    return left + (mJustification == QLX_Painter::kJustify_Right ? spare : spare / 2);
+    return left + (atRight ? spare : spare / 2);
 }
 
 VRect TEditText::CaretRect(std::size_t offset) {
@@ -238,7 +247,11 @@ VRect TEditText::CaretRect(std::size_t offset) {
     const VCoordinate top = mEditing.IsMultiline()
                                 ? area.Top() - mScroll.v + static_cast<VCoordinate>(index) * height
                                 : area.Top() + (area.GetHeight() - height) / 2;
-    const double place = LineLeft(line) + WidthOf(line.mBegin, offset);
+    const std::string_view text = TextOf(line);
+    const std::size_t inLine = std::min(offset - line.mBegin, text.size());
+    const double place =
+        LineLeft(line) +
+        static_cast<double>(QLX_TextCarets::Get().PlaceOf(GetControlFont(), text, inLine));
     const auto left = static_cast<VCoordinate>(std::lround(place));
     return VRect(left, top, left + 1, top + height);
 }
@@ -254,16 +267,13 @@ std::size_t TEditText::OffsetAt(const VPoint& local) {
     }
     const Line& line = mLines[index];
     const double wanted = static_cast<double>(local.h) - LineLeft(line);
-    double place = 0;
-    for (std::size_t offset = line.mBegin; offset < line.mEnd;) {
-        const std::size_t next = std::min(mEditing.NextCharacter(offset), line.mEnd);
-        const double width = WidthOf(offset, next);
-        if (wanted < place + width / 2)
-            return offset;
-        place += width;
-        offset = next;
-    }
-    return line.mEnd;
+    const std::size_t at =
+        line.mBegin +
+        QLX_TextCarets::Get().OffsetAt(GetControlFont(), TextOf(line), static_cast<float>(wanted));
+    if (at == line.mBegin)
+        return at;
+    // A mark that combines with a letter is no place of its own.
+    return std::min(mEditing.NextCharacter(mEditing.PreviousCharacter(at)), line.mEnd);
 }
 
 void TEditText::RevealCaret() {
@@ -357,9 +367,12 @@ bool TEditText::EditKey(TToolboxEvent* event) {
     };
     switch (event->mKeyCode) {
     case kDAW_Key_Left:
-        return move(step, false);
-    case kDAW_Key_Right:
-        return move(step, true);
+    case kDAW_Key_Right: {
+        // The arrows go the way they point, also where reading goes to the left.
+        const bool toTheLeft =
+            QLX_TextCarets::Get().RunsToTheLeft(TextOf(mLines[LineOf(mEditing.GetCaret())]));
+        return move(step, (event->mKeyCode == kDAW_Key_Right) != toTheLeft);
+    }
     case kDAW_Key_Home:
         return move(byWord ? ETextMotion::kText : ETextMotion::kLine, false);
     case kDAW_Key_End:
@@ -548,8 +561,9 @@ void TEditText::DrawLine(std::size_t index, const VRect& area) {
     const PainterPtr& painter = GetPainter();
     const Line line = mLines[index];
     VRect box = CaretRect(line.mBegin);
+    box.Left() = GetTextArea().Left(); // the caret's place is not the line's start in every script
     box.Right() = GetTextArea().Right();
-    if ((box & area).Empty() && box.Left() <= area.Right())
+    if ((box & area).Empty())
         return;
     const std::size_t from = std::clamp(mEditing.GetSelectionStart(), line.mBegin, line.mEnd);
     const std::size_t to = std::clamp(mEditing.GetSelectionEnd(), line.mBegin, line.mEnd);
@@ -562,9 +576,18 @@ void TEditText::DrawLine(std::size_t index, const VRect& area) {
     painter->DrawString(text);
     if (from >= to || !ShowsFocus())
         return;
-    VRect selected = CaretRect(from);
-    selected.Right() =
-        static_cast<VCoordinate>(std::lround(LineLeft(line) + WidthOf(line.mBegin, to)));
+    for (const QLX_TextCarets::Span& span : QLX_TextCarets::Get().SpansOf(
+             GetControlFont(), TextOf(line), from - line.mBegin, to - line.mBegin)) {
+        const VRect selected(static_cast<VCoordinate>(std::lround(left + span.left)), box.Top(),
+                             static_cast<VCoordinate>(std::lround(left + span.right)),
+                             box.Bottom());
+        DrawSelected(selected, text, left, baseline);
+    }
+}
+
+void TEditText::DrawSelected(const VRect& selected, const std::string& text, float left,
+                             float baseline) {
+    const PainterPtr& painter = GetPainter();
     painter->SetForegroundColor(GetControlColor(kThemeColor_Highlight));
     painter->FillRect(selected);
     // The whole line again, cut to the selection: letters keep their places.

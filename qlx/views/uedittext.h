@@ -96,10 +96,12 @@ class QLX_API TEditText : public TControl {
     void LayOutIfNeeded();
     [[nodiscard]] std::size_t LineOf(std::size_t offset);
     [[nodiscard]] VRect GetTextArea() const;
+    [[nodiscard]] std::string_view TextOf(const Line& line) const;
     [[nodiscard]] double LineLeft(const Line& line);
     [[nodiscard]] double WidthOf(std::size_t from, std::size_t to) const;
     void RevealCaret();
     void DrawLine(std::size_t index, const VRect& area);
+    void DrawSelected(const VRect& selected, const std::string& text, float left, float baseline);
     void DrawComposition();
     [[nodiscard]] bool EditKey(TToolboxEvent* event);
 

@@ -44,6 +44,15 @@ TMenuBar::TMenuBar() { SetTakesFocus(false); }
 
 TMenuBar::~TMenuBar() = default;
 
+void TMenuBar::Free() {
+    TMenuLayer* layer = mOpen >= 0 ? TMenuLayer::GetOpen() : nullptr;
+    if (layer) {
+        layer->SetMenuBar(nullptr);
+        layer->Close();
+    }
+    TControl::Free();
+}
+
 VRect TMenuBar::GetTitleRect(int menu) const {
     const VRect extent = GetExtent();
     const QLX_Font font = GetControlFont();

@@ -25,6 +25,7 @@ class QLX_API TMenuBar : public TControl {
     bool DoMouseCommand(const VPoint& local, TToolboxEvent* event) override;
     void Draw(const VRect& area) override;
     void GetAccessibleInfo(TAccessibleInfo& info) const override;
+    void Free() override;
 
   private:
     int mOpen = -1;

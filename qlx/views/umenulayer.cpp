@@ -137,6 +137,10 @@ TMenuLayer* TMenuLayer::Open(TWindow* window, TMenu* menu, const VRect& anchor, 
     layer->mCallback = std::move(callback);
     layer->IView(window, window->GetExtent());
     sOpen = layer;
+    TMenu::SetWatcher([](TMenu* changed, bool gone) {
+        if (sOpen)
+            sOpen->MenuChanged(changed, gone);
+    });
     if (gApplication) {
         gApplication->BeginMenuLoop();
         gApplication->SetTarget(layer);
@@ -215,6 +219,43 @@ void TMenuLayer::PopPanelsAbove(int panel) {
         InvalidateVRect(mPanels.back().mRect);
         mPanels.pop_back();
     }
+}
+
+void TMenuLayer::MenuChanged(const TMenu* menu, bool gone) {
+    const StDispatch dispatch; // closing frees the layer
+    for (int index = 0; index < CountPanels(); ++index) {
+        if (mPanels[static_cast<std::size_t>(index)].mMenu != menu)
+            continue;
+        if (!gone && !menu->GetVisibleItems().empty())
+            RefreshPanel(index);
+        else if (index > 0)
+            PopPanelsAbove(index - 1);
+        else
+            Close();
+        return;
+    }
+}
+
+// The items that were shown may be gone: they are compared and not looked at.
+void TMenuLayer::RefreshPanel(int index) {
+    Panel& panel = mPanels[static_cast<std::size_t>(index)];
+    const TMenuItem* hilited = GetHilited(index);
+    panel.mItems = panel.mMenu->GetVisibleItems();
+    const auto place = std::find(panel.mItems.begin(), panel.mItems.end(), hilited);
+    panel.mHilited =
+        place == panel.mItems.end() ? -1 : static_cast<int>(place - panel.mItems.begin());
+    if (CountPanels() > index + 1) {
+        const TMenuItem* owner = mPanels[static_cast<std::size_t>(index) + 1].mMenu->GetOwnerItem();
+        if (std::find(panel.mItems.begin(), panel.mItems.end(), owner) == panel.mItems.end())
+            PopPanelsAbove(index);
+    }
+    InvalidateVRect(panel.mRect);
+    const VRect window = GetExtent();
+    const VPoint size = MeasurePanel(panel);
+    panel.mRect.Right() = std::min(window.Right(), panel.mRect.Left() + size.h);
+    panel.mRect.Bottom() = std::min(window.Bottom(), panel.mRect.Top() + size.v);
+    panel.mScroll = 0;
+    InvalidateVRect(panel.mRect);
 }
 
 VPoint TMenuLayer::MeasurePanel(const Panel& panel) const {

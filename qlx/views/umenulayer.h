@@ -80,6 +80,9 @@ class QLX_API TMenuLayer : public TView {
 
     void PushPanel(TMenu* menu, const VRect& anchor, bool beside, int initialItem);
     void PopPanelsAbove(int panel);
+    /// A menu that may be open has changed, or goes away now.
+    void MenuChanged(const TMenu* menu, bool gone);
+    void RefreshPanel(int panel);
     [[nodiscard]] VRect PlacePanel(const Panel& panel, const VRect& anchor, bool beside,
                                    int initialItem) const;
     [[nodiscard]] VPoint MeasurePanel(const Panel& panel) const;

@@ -159,9 +159,19 @@ void TMenuItem::SetSubmenu(std::unique_ptr<TMenu> submenu) {
 
 // TMenu
 
+namespace {
+TMenu::Watcher sWatcher = nullptr;
+}
+
 TMenu::TMenu() = default;
 TMenu::TMenu(const std::string& title) : mTitle(title) {}
-TMenu::~TMenu() = default;
+
+TMenu::~TMenu() {
+    if (sWatcher)
+        sWatcher(this, /*gone*/ true);
+}
+
+TMenu::Watcher TMenu::SetWatcher(Watcher watcher) { return std::exchange(sWatcher, watcher); }
 
 TObject* TMenu::Clone() {
     auto copy = std::make_unique<TMenu>(mTitle);
@@ -171,8 +181,11 @@ TObject* TMenu::Clone() {
 }
 
 void TMenu::Touch() {
-    for (TMenu* menu = this; menu; menu = menu->mOwnerItem ? menu->mOwnerItem->mMenu : nullptr)
+    for (TMenu* menu = this; menu; menu = menu->mOwnerItem ? menu->mOwnerItem->mMenu : nullptr) {
         ++menu->mChangeCount;
+        if (sWatcher)
+            sWatcher(menu, /*gone*/ false);
+    }
 }
 
 void TMenu::SetTitle(const std::string& title) {

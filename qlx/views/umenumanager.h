@@ -124,6 +124,11 @@ class QLX_API TMenu : public TObject {
     /// Goes up whenever something in the menu or below it changes, so that a view knows when to
     /// draw.
     [[nodiscard]] std::uint32_t GetChangeCount() const { return mChangeCount; }
+    /// Hears of every change of a menu or of one below it and, with gone, of a menu's end while its
+    /// items are still there. For menus that are open on a screen; null for nobody. Returns the
+    /// previous one.
+    using Watcher = void (*)(TMenu* menu, bool gone);
+    static Watcher SetWatcher(Watcher watcher);
     /// The item whose submenu this is; null for others.
     [[nodiscard]] TMenuItem* GetOwnerItem() const { return mOwnerItem; }
 

@@ -199,14 +199,17 @@ void TMeterView::DrawScale() {
     const Cmn_Rect<int> all = GetExtent();
     painter->SetFont(QLX_FontMap::RetrieveFont(kFont_InterfaceSmall, kFontSelect_Plain));
     painter->SetForegroundColor(GetTextColor(kThemeColor_RulerText));
-    int lastTop = INT32_MAX;
+    int nextTop = INT32_MIN; // where the next figure finds room
     for (int level = static_cast<int>(mTop); level >= mFloor; level -= 6) {
         const int y = all.bottom - PositionOf(level);
-        const Cmn_Rect<int> box{all.left, y - 6, all.left + kScaleWidth - 6, y + 6};
-        if (box.bottom > lastTop || box.bottom > all.bottom + 6)
+        // The outermost figures move inwards rather than lose their edge.
+        const int top = std::max(all.top, std::min(y - 6, all.bottom - 12));
+        const Cmn_Rect<int> box{all.left, top, all.left + kScaleWidth - 6, top + 12};
+        if (box.top < nextTop)
             continue; // no room for this one
-        lastTop = box.top;
-        painter->FillRect({all.left + kScaleWidth - 5, y, all.left + kScaleWidth - 2, y + 1});
+        nextTop = box.bottom;
+        const int mark = std::min(y, all.bottom - 1);
+        painter->FillRect({all.left + kScaleWidth - 5, mark, all.left + kScaleWidth - 2, mark + 1});
         char text[16];
         std::snprintf(text, sizeof text, "%d", level);
         painter->DrawStringJustified(box, text, QLX_Painter::kJustify_Right,

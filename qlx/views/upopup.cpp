@@ -80,8 +80,10 @@ void TPopup::OpenMenu(TToolboxEvent* press) {
     VRect anchor = GetExtent();
     LocalToWindowVRect(anchor);
     const std::vector<TMenuItem*> visible = mMenu->GetVisibleItems();
-    const auto current =
-        std::find(visible.begin(), visible.end(), items[static_cast<std::size_t>(GetValue())]);
+    // The program may have set bounds, and so a value, that no choice has.
+    const bool hasChoice = GetValue() >= 0 && GetValue() < static_cast<int>(items.size());
+    const TMenuItem* wanted = hasChoice ? items[static_cast<std::size_t>(GetValue())] : nullptr;
+    const auto current = std::find(visible.begin(), visible.end(), wanted);
     const int initial = current == visible.end() ? -1 : static_cast<int>(current - visible.begin());
     TMenuLayer* layer = TMenuLayer::Open(
         GetWindow(), mMenu.get(), anchor, initial, [this, items](TMenuItem* chosen) {
@@ -98,7 +100,8 @@ void TPopup::OpenMenu(TToolboxEvent* press) {
 }
 
 void TPopup::StepChoice(int direction) {
-    for (int choice = GetValue() + direction; choice >= 0 && choice <= GetMaximum();
+    const int count = static_cast<int>(mChoices.size());
+    for (int choice = std::clamp(GetValue(), -1, count) + direction; choice >= 0 && choice < count;
          choice += direction)
         if (CanChoose(choice)) {
             ChangeValue(choice, kControlEvent_ValueChanged);
@@ -146,7 +149,8 @@ void TPopup::DoKeyEvent(TToolboxEvent* event) {
 void TPopup::Draw(const VRect&) {
     const PainterPtr& painter = GetPainter();
     const Cmn_Rect<int> box = GetExtent();
-    painter->SetForegroundColor(GetControlColor(kThemeColor_ControlFace));
+    painter->SetForegroundColor(GetControlColor(IsHilited() || mMenu ? kThemeColor_ControlPressed
+                                                                     : kThemeColor_ControlFace));
     painter->FillRoundRect(box, 4, 4, /*antialias*/ true, /*topOnly*/ false);
     painter->SetForegroundColor(GetControlColor(kThemeColor_ControlFrame));
     painter->DrawRoundRect(box, 4, 4, /*antialias*/ true, /*topOnly*/ false);
@@ -157,7 +161,7 @@ void TPopup::Draw(const VRect&) {
     for (int i = 0; i < 4; ++i) // two arrows of rows, the same at every scale
         for (const int row : {middle - 3 - i, middle + 2 + i})
             painter->FillRect({box.right - 14 + i, row, box.right - 7 - i, row + 1});
-    DrawFocusRing(/*inset*/ 2);
+    DrawFocusRing(/*inset*/ 0, /*radius*/ 4);
 }
 
 void TPopup::GetAccessibleInfo(TAccessibleInfo& info) const {

@@ -154,11 +154,18 @@ void TScrollBar::Draw(const VRect&) {
     const Cmn_Rect<int> box = GetExtent();
     painter->SetForegroundColor(GetControlColor(kThemeColor_ScrollTrack));
     painter->FillRect(box);
+    if (QLX_Theme::IsHighContrast()) { // the track has the ground's colour there
+        painter->SetForegroundColor(GetControlColor(kThemeColor_ControlFrame));
+        painter->DrawRect(box);
+    }
     Cmn_Rect<int> thumb = GetThumb();
     if (thumb.right <= thumb.left || thumb.bottom <= thumb.top)
         return;
     const CRGBColor color = GetControlColor(kThemeColor_ScrollThumb);
-    painter->SetForegroundColor(IsHilited() ? color.GetScaled(/*darken*/ true, 85) : color);
+    const CRGBColor track = GetControlColor(kThemeColor_ScrollTrack);
+    painter->SetForegroundColor(!IsEnabled()  ? track.GetScaledBetween(color, 0.4f)
+                                : IsHilited() ? color.GetScaled(/*darken*/ true, 85)
+                                              : color);
     (IsVertical() ? thumb.left : thumb.top) += 3;
     (IsVertical() ? thumb.right : thumb.bottom) -= 3;
     painter->FillRoundRect(thumb, 4, 4, /*antialias*/ true, /*topOnly*/ false);
@@ -328,8 +335,10 @@ void TScroller::SetFrame(const VRect& frame, bool redraw, bool layOut) {
 
 void TScroller::AddedASubView(TView* sub) {
     TControl::AddedASubView(sub);
-    if (sub != mHorizontal && sub != mVertical)
-        PlaceBars(/*redraw*/ true);
+    if (sub == mHorizontal || sub == mVertical)
+        return;
+    sub->SuperViewChangedSize(GetSize(), GetSize(), /*redraw*/ false); // fits what follows the size
+    PlaceBars(/*redraw*/ true);
 }
 
 void TScroller::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {

@@ -171,6 +171,18 @@ void TRangeControl::ReadProperties(QLX_RawPropertyContainer* container, const Me
 TSlider::TSlider() = default;
 TSlider::~TSlider() = default;
 
+namespace {
+
+/// Of the part of the way up to the value.
+CRGBColor FillColor(TControl& control) {
+    if (control.IsEnabled())
+        return control.GetControlColor(kThemeColor_Highlight);
+    return control.GetControlColor(QLX_Theme::IsHighContrast() ? kThemeColor_DisabledText
+                                                               : kThemeColor_ControlFrame);
+}
+
+} // namespace
+
 bool TSlider::IsVertical() const { return GetSize().v > GetSize().h; }
 
 VRect TSlider::GetThumb() const {
@@ -231,7 +243,11 @@ void TSlider::Draw(const VRect&) {
     }
     painter->SetForegroundColor(GetControlColor(kThemeColor_ScrollTrack));
     painter->FillRoundRect(track, 2, 2, /*antialias*/ true, /*topOnly*/ false);
-    painter->SetForegroundColor(GetTextColor(kThemeColor_Highlight));
+    if (QLX_Theme::IsHighContrast()) { // the track has the ground's colour there
+        painter->SetForegroundColor(GetControlColor(kThemeColor_ControlFrame));
+        painter->DrawRect(track);
+    }
+    painter->SetForegroundColor(FillColor(*this));
     painter->FillRect(filled);
     painter->SetForegroundColor(
         GetControlColor(IsHilited() ? kThemeColor_ControlPressed : kThemeColor_ControlFace));
@@ -269,7 +285,7 @@ void TKnob::Draw(const VRect&) {
     painter->SetPenSize(3, 3);
     painter->SetForegroundColor(GetControlColor(kThemeColor_ScrollTrack));
     painter->DrawArc(box, start, kSweepDegrees, /*antialias*/ true);
-    painter->SetForegroundColor(GetTextColor(kThemeColor_Highlight));
+    painter->SetForegroundColor(FillColor(*this));
     painter->DrawArc(box, start, swept, /*antialias*/ true);
 
     painter->SetForegroundColor(

@@ -151,7 +151,7 @@ void TPicture::ReadProperties(QLX_RawPropertyContainer* container, const Memento
         return;
     std::filesystem::path path(name);
     if (path.is_relative() && memento)
-        path = std::filesystem::path(memento->GetName()).parent_path() / path;
+        path = std::filesystem::path(memento->GetFolder()) / path;
     try {
         mImage = QLX_Image::FromPNGFile(path.string());
     } catch (const std::exception& reason) { // a window without its picture is still a window
@@ -183,7 +183,10 @@ void TPlate::Draw(const VRect&) {
     const PainterPtr& painter = GetPainter();
     Cmn_Rect<int> box = GetExtent();
     const int radius = mRounded ? 5 : 0;
-    painter->SetForegroundColor(GetControlColor(kThemeColor_ControlLight));
+    // Half way to the theme's light: a plate is seen and does not glare.
+    painter->SetForegroundColor(
+        GetControlColor(kThemeColor_WindowBackground)
+            .GetScaledBetween(GetControlColor(kThemeColor_ControlLight), 0.5f));
     painter->FillRoundRect(box, radius, radius, /*antialias*/ true, /*topOnly*/ false);
     if (mFramed) {
         painter->SetForegroundColor(GetControlColor(kThemeColor_ControlFrame));

@@ -18,7 +18,8 @@ QLX_DEFINE_CLASS(TTextList, TControl)
 namespace {
 
 constexpr double kTypeAheadSeconds = 1.0;
-constexpr double kEditClickSeconds = 0.6; // longer than a double click may take
+constexpr double kEditClickSeconds = 0.6;         // longer than a double click may take
+constexpr std::int64_t kMostSearched = 1'000'000; // rows asked for one key; a moment's work
 constexpr std::uint32_t kKey_F2 = kDAW_Key_F1 + 1;
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c; }
@@ -170,9 +171,17 @@ void TTextList::FitHeight() {
         return;
     VRect frame = GetFrame();
     frame.Bottom() = frame.Top() + mRowCount * GetRowHeight();
-    frame.Right() = std::max(frame.Right(), frame.Left() + scroller->GetViewport().GetWidth());
+    // Rows scroll up and down, never sideways: they are as wide as what is beside the bar.
+    const VPoint room = scroller->GetSize();
+    const bool needsBar = frame.GetHeight() > room.v;
+    frame.Right() = frame.Left() + room.h - (needsBar ? TScrollBar::kThickness : 0);
     SetFrame(frame, /*redraw*/ false, /*layOut*/ true);
     scroller->ContentChanged(/*redraw*/ true);
+}
+
+void TTextList::SuperViewChangedSize(const VPoint& oldSize, const VPoint& newSize, bool redraw) {
+    TControl::SuperViewChangedSize(oldSize, newSize, redraw);
+    FitHeight();
 }
 
 VRect TTextList::GetRowRect(std::int64_t row) const {
@@ -434,7 +443,7 @@ void TTextList::DoKeySelection(const std::string& typed) {
 std::int64_t TTextList::FindRow(std::int64_t from, const std::string& typed) const {
     if (mFind)
         return mFind(from, typed);
-    for (std::int64_t i = 0; i < mRowCount; ++i) {
+    for (std::int64_t i = 0; i < std::min(mRowCount, kMostSearched); ++i) {
         const std::int64_t row = (from + i) % mRowCount;
         if (BeginsWith(GetRowText(row), typed))
             return row;
@@ -448,9 +457,10 @@ void TTextList::DrawRow(std::int64_t row) {
     const PainterPtr& painter = GetPainter();
     const VRect rect = GetRowRect(row);
     const bool selected = mSelection.Contains(row);
-    const EThemeColor ground = selected              ? kThemeColor_Highlight
-                               : mStriped && row % 2 ? kThemeColor_ListAlternate
-                                                     : kThemeColor_ListBackground;
+    const EThemeColor ground = selected && !IsEnabled() ? kThemeColor_ControlPressed
+                               : selected               ? kThemeColor_Highlight
+                               : mStriped && row % 2    ? kThemeColor_ListAlternate
+                                                        : kThemeColor_ListBackground;
     painter->SetForegroundColor(GetControlColor(ground));
     painter->FillRect(rect);
     VRect text = rect;

@@ -20,7 +20,8 @@ class QLX_API TTextList : public TControl {
     /// The text of a row, counting from 0. Called only for rows that are drawn or searched.
     using RowTextCallback = std::function<std::string(std::int64_t row)>;
     /// The first row at or after one (wrapping around) whose text begins with what was typed; -1
-    /// for none. For hosts that know better than asking for every text.
+    /// for none. For hosts that know better than asking for every text, which is done for a million
+    /// rows at most.
     using FindCallback = std::function<std::int64_t(std::int64_t from, const std::string& typed)>;
     /// Takes a row's new text over; false refuses it.
     using EditCallback = std::function<bool(std::int64_t row, const std::string& text)>;
@@ -66,6 +67,7 @@ class QLX_API TTextList : public TControl {
 
     bool DoMouseCommand(const VPoint& local, TToolboxEvent* event) override;
     void RemovedASubView(TView* sub) override;
+    void SuperViewChangedSize(const VPoint& oldSize, const VPoint& newSize, bool redraw) override;
     void DoKeyEvent(TToolboxEvent* event) override;
     void DoCommandKeyEvent(TToolboxEvent* event) override;
     void DoKeySelection(const std::string& typed) override;

@@ -7,7 +7,7 @@
 
 // clang-format off
 #define QLX_PANGO_FUNCTIONS(F) \
-    F(g_object_unref) F(g_type_check_instance_is_a) F(pango_attr_font_features_new) \
+    F(g_free) F(g_object_unref) F(g_type_check_instance_is_a) F(pango_attr_font_features_new) \
     F(pango_attr_list_insert) F(pango_attr_list_new) F(pango_attr_list_unref) \
     F(pango_context_set_round_glyph_positions) F(pango_fc_font_get_pattern) \
     F(pango_fc_font_get_type) F(pango_fc_font_map_set_config) \
@@ -15,7 +15,9 @@
     F(pango_font_description_new) F(pango_font_description_set_absolute_size) \
     F(pango_font_description_set_family) F(pango_font_description_set_weight) \
     F(pango_font_map_create_context) F(pango_ft2_font_map_new) \
-    F(pango_ft2_font_map_set_resolution) F(pango_layout_get_line_readonly) F(pango_layout_new) \
+    F(pango_ft2_font_map_set_resolution) F(pango_layout_get_cursor_pos) \
+    F(pango_layout_get_line_readonly) F(pango_layout_line_get_x_ranges) \
+    F(pango_layout_line_x_to_index) F(pango_layout_new) \
     F(pango_layout_set_attributes) F(pango_layout_set_font_description) \
     F(pango_layout_set_single_paragraph_mode) F(pango_layout_set_text)
 // clang-format on

@@ -1,11 +1,13 @@
 #include "qlx/imaging/cairo/qlx_pangotext.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
 
 #include "qlx/imaging/cairo/qlx_datafiles.h"
 #include "qlx/imaging/cairo/qlx_pangoapi.h"
+#include "qlx/imaging/qlx_textcaret.h"
 #include "qlx/imaging/qlx_utf8.h"
 
 #include <fontconfig/fontconfig.h>
@@ -66,6 +68,24 @@ class Shaper {
     }
 
     void Shape(const QLX_Font& font, const std::string& text, QLX_ShapedText& out) {
+        PangoLayoutLine* line = LayOut(font, text);
+        int x = 0;
+        for (const GSList* run = line ? line->runs : nullptr; run; run = run->next)
+            AddRun(*static_cast<PangoLayoutRun*>(run->data), font, x, out);
+        out.width = float(x) / PANGO_SCALE;
+    }
+
+    /// Where a caret before an offset stands in a well-formed text, in logical units.
+    [[nodiscard]] float CaretPlace(const QLX_Font& font, const std::string& text,
+                                   std::size_t offset) {
+        static_cast<void>(LayOut(font, text));
+        PangoRectangle strong{};
+        QLX_Pango().pango_layout_get_cursor_pos(mLayout.get(), int(offset), &strong, nullptr);
+        return float(strong.x) / PANGO_SCALE;
+    }
+
+    /// The one line of a well-formed text; valid until the next call.
+    [[nodiscard]] PangoLayoutLine* LayOut(const QLX_Font& font, const std::string& text) {
         PangoFontDescription* description = QLX_Pango().pango_font_description_new();
         QLX_Pango().pango_font_description_set_family(description, font.GetFamily().c_str());
         QLX_Pango().pango_font_description_set_absolute_size(description,
@@ -82,11 +102,7 @@ class Shaper {
         QLX_Pango().pango_layout_set_attributes(mLayout.get(), attributes);
         QLX_Pango().pango_attr_list_unref(attributes);
 
-        PangoLayoutLine* line = QLX_Pango().pango_layout_get_line_readonly(mLayout.get(), 0);
-        int x = 0;
-        for (const GSList* run = line ? line->runs : nullptr; run; run = run->next)
-            AddRun(*static_cast<PangoLayoutRun*>(run->data), font, x, out);
-        out.width = float(x) / PANGO_SCALE;
+        return QLX_Pango().pango_layout_get_line_readonly(mLayout.get(), 0);
     }
 
   private:
@@ -151,6 +167,75 @@ void AppendUTF8(std::string& out, char32_t code) {
     }
 }
 
+Shaper& TheShaper() {
+    static Shaper shaper;
+    return shaper;
+}
+
+/// Carets by Pango's layout where the text is not plainly one letter behind the other; plain text
+/// does not load it.
+class PangoCarets final : public QLX_TextCarets {
+  public:
+    float PlaceOf(const QLX_Font& font, std::string_view line, std::size_t offset) override {
+        if (IsPlain(line))
+            return GetBuiltIn().PlaceOf(font, line, offset);
+        return TheShaper().CaretPlace(font, std::string(line), offset);
+    }
+    std::size_t OffsetAt(const QLX_Font& font, std::string_view line, float place) override {
+        if (IsPlain(line))
+            return GetBuiltIn().OffsetAt(font, line, place);
+        int index = 0;
+        int trailing = 0; // characters behind the index, when the place is in their second half
+        const auto x = int(std::clamp(place, -1e6f, 1e6f) * PANGO_SCALE);
+        QLX_Pango().pango_layout_line_x_to_index(LayOut(font, line), x, &index, &trailing);
+        auto offset = std::min(std::size_t(std::max(index, 0)), line.size());
+        for (; trailing > 0 && offset < line.size(); --trailing)
+            static_cast<void>(QLX_NextCodePoint(line, offset));
+        return offset;
+    }
+    std::vector<Span> SpansOf(const QLX_Font& font, std::string_view line, std::size_t from,
+                              std::size_t to) override {
+        if (IsPlain(line))
+            return GetBuiltIn().SpansOf(font, line, from, to);
+        std::vector<Span> spans;
+        if (from >= to)
+            return spans;
+        int* ranges = nullptr;
+        int count = 0;
+        QLX_Pango().pango_layout_line_get_x_ranges(LayOut(font, line), int(from), int(to), &ranges,
+                                                   &count);
+        for (int i = 0; i < count; ++i)
+            spans.push_back(
+                {float(ranges[2 * i]) / PANGO_SCALE, float(ranges[2 * i + 1]) / PANGO_SCALE});
+        QLX_Pango().g_free(ranges);
+        return spans;
+    }
+    bool RunsToTheLeft(std::string_view line) override {
+        if (IsPlain(line))
+            return false;
+        const PangoLayoutLine* laidOut = LayOut(QLX_Font(), line);
+        return laidOut && laidOut->resolved_dir == PANGO_DIRECTION_RTL;
+    }
+
+  private:
+    // Below U+0300 nothing joins, combines or runs to the left.
+    [[nodiscard]] static bool IsPlain(std::string_view line) {
+        return std::all_of(line.begin(), line.end(),
+                           [](char c) { return static_cast<unsigned char>(c) < 0xCC; });
+    }
+    // Texts that are edited are well-formed, so offsets into them are Pango's.
+    [[nodiscard]] static PangoLayoutLine* LayOut(const QLX_Font& font, std::string_view line) {
+        return TheShaper().LayOut(font, std::string(line));
+    }
+};
+
+// Nothing is opened here: the first text does that.
+[[maybe_unused]] const bool sCaretsInstalled = [] {
+    static PangoCarets carets;
+    QLX_TextCarets::Install(&carets);
+    return true;
+}();
+
 struct Key {
     int family, size, style;
     std::string text;
@@ -172,7 +257,6 @@ struct KeyLess {
 } // namespace
 
 const QLX_ShapedText& QLX_ShapeText(const QLX_Font& font, std::string_view text) {
-    static Shaper shaper;
     static std::map<Key, QLX_ShapedText, KeyLess> shaped;
     const KeyView view{font.GetFamilyNumber(), font.GetSize64ths(),
                        font.GetStyle() & (kFontStyle_Bold | kFontStyle_Italic), text};
@@ -186,6 +270,6 @@ const QLX_ShapedText& QLX_ShapeText(const QLX_Font& font, std::string_view text)
         AppendUTF8(clean, code == 0 ? kReplacementCharacter : code);
     }
     QLX_ShapedText& out = shaped[Key{view.family, view.size, view.style, std::string(text)}];
-    shaper.Shape(font, clean, out);
+    TheShaper().Shape(font, clean, out);
     return out;
 }

@@ -2,7 +2,6 @@
 // headless: the pictures are the same, pixel for pixel.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -25,21 +24,9 @@
 #include "qlx/views/uviewserver.h"
 #include "qlx/views/uwindow.h"
 #include "tests/support/probe_view.h"
+#include "tests/support/x_server.h"
 
 namespace {
-
-std::string Output(const std::string& command) {
-    std::string text;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        std::array<char, 256> buffer{};
-        while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
-            text += buffer.data();
-        pclose(pipe);
-    }
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    return text;
-}
 
 /// A program that runs beside the test, ended by its process id.
 class Companion {
@@ -64,41 +51,6 @@ class Companion {
 
   private:
     pid_t mProcess;
-};
-
-/// An X server on a free display, ended by its process id.
-class XServer {
-  public:
-    XServer() {
-        int ends[2];
-        if (pipe(ends) != 0)
-            return;
-        mProcess = fork();
-        if (mProcess == 0) {
-            const std::string fd = std::to_string(ends[1]);
-            (void)!freopen("/dev/null", "w", stderr);
-            execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "800x600x24",
-                   "-nolisten", "tcp", static_cast<char*>(nullptr));
-            _exit(127);
-        }
-        close(ends[1]);
-        std::array<char, 16> number{};
-        const ssize_t length = read(ends[0], number.data(), number.size() - 1);
-        close(ends[0]);
-        if (length > 0)
-            mDisplay = ":" + std::to_string(std::atoi(number.data()));
-    }
-    ~XServer() {
-        if (mProcess > 0) {
-            kill(mProcess, SIGTERM);
-            waitpid(mProcess, nullptr, 0);
-        }
-    }
-    [[nodiscard]] const std::string& GetDisplay() const { return mDisplay; }
-
-  private:
-    pid_t mProcess = -1;
-    std::string mDisplay; // empty when there is no server
 };
 
 class SDLWindow : public testing::Test {
