@@ -80,7 +80,7 @@ class QLX_API QLX_Image : public Cmn_RefCountObject {
     std::vector<std::uint32_t> mPixels;
     mutable signed char mOpaque = -1; // -1: not looked at yet
     std::uint32_t mGeneration = 0;
-    Ptr mDouble;                      // counted
+    Ptr mDouble; // counted
 };
 
 /// An icon: one picture in several sizes. Copies share the pictures.

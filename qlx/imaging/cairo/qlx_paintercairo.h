@@ -5,9 +5,9 @@
 #include <memory>
 #include <vector>
 
-#include "qlx/imaging/qlx_spans.h"
 #include "qlx/imaging/qlx_painterfactory.h"
 #include "qlx/imaging/qlx_painterstate.h"
+#include "qlx/imaging/qlx_spans.h"
 
 class QLX_FontAtSize;
 struct QLX_GlyphMask;
