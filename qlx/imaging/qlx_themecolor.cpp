@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fstream>
 #include <map>
 #include <stdexcept>
@@ -94,6 +95,7 @@ struct ThemeState {
     NamedColors user;
     EThemeVariant variant = kTheme_Light;
     std::uint32_t generation = 1;
+    float textBrightness = 1;
 };
 
 ThemeState& State() {
@@ -122,6 +124,14 @@ void Changed() {
     ++State().generation;
     PublishNames();
 }
+
+// Named colours may be static objects of hosts, so the table is there when the library is.
+[[maybe_unused]] const bool sPresent = [] {
+    static CColorTable table;
+    CColorTable::SetPresent(&table);
+    PublishNames();
+    return true;
+}();
 
 [[nodiscard]] int HexDigit(char character) noexcept {
     if (character >= '0' && character <= '9')
@@ -382,6 +392,24 @@ void QLX_Theme::ClearUserColors() {
     State().user.clear();
     Changed();
 }
+
+bool QLX_Theme::FindUserColor(std::string_view name, CRGBColor& color) {
+    const auto found = State().user.find(name);
+    if (found == State().user.end())
+        return false;
+    color = found->second;
+    return true;
+}
+
+void QLX_Theme::SetTextBrightness(float brightness) {
+    const float held = std::isnan(brightness) ? 1 : std::clamp(brightness, 0.0F, 2.0F);
+    if (held == State().textBrightness)
+        return;
+    State().textBrightness = held;
+    Changed();
+}
+
+float QLX_Theme::GetTextBrightness() noexcept { return State().textBrightness; }
 
 std::uint32_t QLX_Theme::GetGeneration() noexcept { return State().generation; }
 

@@ -66,8 +66,9 @@ enum EThemeVariant : int {
 };
 
 /// The theme of the process. User-interface thread, except that named colours may register from any
-/// thread. Colours that views fetched stay as they are when the theme changes: the window
-/// invalidates everything and the views ask again.
+/// thread: the library has a CColorTable present from its loading on, and the theme's and the
+/// user's colours are layers of it. Colours that views fetched stay as they are when the theme
+/// changes: the window invalidates everything and the views ask again.
 class QLX_API QLX_Theme {
   public:
     /// The colour in the current variant; out of range: opaque black, asserted.
@@ -98,12 +99,19 @@ class QLX_API QLX_Theme {
     static void LoadFile(const std::string& path);
     /// The theme in the form that LoadText reads: all variants, colours in their order.
     [[nodiscard]] static std::string AsText();
-    /// Back to the built-in theme in its light variant, without the user's colours.
+    /// Back to the built-in theme in its light variant, without the user's colours and brightness.
     static void Reset();
 
     /// The user's own colour for a name, above every theme and variant.
     static void SetUserColor(const std::string& name, const CRGBColor& color);
     static void ClearUserColors();
+    /// Returns false and leaves color untouched when the user has none for the name.
+    static bool FindUserColor(std::string_view name, CRGBColor& color);
+
+    /// How bright the user wants texts, 0 to 2; 1, as designed, at first. Held to that range, a NaN
+    /// is 1. Font colours (CRGBColor::SetupAsFontColor) follow.
+    static void SetTextBrightness(float brightness);
+    [[nodiscard]] static float GetTextBrightness() noexcept;
 
     /// Grows whenever GetColor may answer differently.
     [[nodiscard]] static std::uint32_t GetGeneration() noexcept;

@@ -159,6 +159,35 @@ class QLX_API CRGBColor {
     /// Multiplies alpha, held at 65535.
     void MultiplyAlphaByScalarAndBound(float factor) noexcept;
 
+    // The theme: these read the theme of the process, its variant and the user's settings. They are
+    // the theme's part of the library. User-interface thread.
+
+    /// The user's own colour for a name. Returns false and leaves color untouched when there is
+    /// none.
+    static bool GetUserCustomizedColor(const std::string& name, CRGBColor& color);
+    /// Text and window background of the high-contrast variant that goes with the current one's
+    /// brightness.
+    [[nodiscard]] static CRGBColor GetGlobalHighContrastForegroundColor();
+    [[nodiscard]] static CRGBColor GetGlobalHighContrastBackgroundColor();
+    /// Luma of the theme's window background by the weights of ITU-R BT.709, 0 (black) to 1.
+    [[nodiscard]] static float GetGlobalBackgroundBrightness();
+    /// Which of a pair of foreground colours suits the theme: 0, the dark one, on a background of
+    /// half brightness and above; 1, the light one, below.
+    [[nodiscard]] static int GetGlobalForegroundColorIndex();
+
+    /// Makes this a colour for text on the theme's background: sets the font flag and applies the
+    /// font colour transformations.
+    void SetupAsFontColor();
+    /// In a high-contrast variant the colour becomes that variant's foreground. In the others its
+    /// alpha goes into its brightness, and the user's text brightness is applied.
+    void ApplyColorTransformationsForFontColors();
+    /// Below 1 the colour moves towards the theme's background (0 is the background); above 1
+    /// towards black on a light and white on a dark one (2 and more is that colour). A NaN changes
+    /// nothing. Alpha stays.
+    void ScaleColorByTextBrightness(float brightness);
+    /// The opaque colour that this one shows on the theme's background.
+    void RemoveAlphaAndApplyToBrightness();
+
   private:
     static constexpr std::uint32_t HighByte(unsigned short component) noexcept {
         return component >> 8;

@@ -32,7 +32,8 @@ class QLX_API CColorTable {
 
     // The present table
 
-    /// The table that named colours register with; null at start.
+    /// The table that named colours register with; null until the library's theme, or a test, sets
+    /// one.
     [[nodiscard]] static CColorTable* GetPresent() noexcept;
     /// Not owned: the caller keeps the table until another one, or null, takes its place. Colours
     /// constructed before then do not register later. Returns the previous one.

@@ -217,11 +217,13 @@ TEST(CColorTable, TheDefaultLayerIsSetByRegistering) {
 }
 
 TEST(CColorTable, ATableThatEndsIsNoLongerPresent) {
+    CColorTable* previous = CColorTable::GetPresent();
     {
         CColorTable table;
         CColorTable::SetPresent(&table);
     }
     EXPECT_EQ(CColorTable::GetPresent(), nullptr);
+    CColorTable::SetPresent(previous);
 }
 
 TEST(CColorTable, RegistersFromSeveralThreads) {
