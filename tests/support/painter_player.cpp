@@ -513,17 +513,18 @@ constexpr std::uint32_t kGuard = 0xDEADBEEF;
         for (int x = 0; x < kRow; ++x) {
             const std::uint32_t pixel = buffer.pixels[y * kRow + x];
             const bool inside = y >= 0 && y < kHeight && x < kWidth;
-            const std::string place = " at (" + std::to_string(x) + ", " + std::to_string(y) + ")";
+            const auto place = [&] {
+                return " at (" + std::to_string(x) + ", " + std::to_string(y) + ")";
+            };
             if (!inside && pixel != kGuard)
-                return "a pixel outside the canvas was written" + place;
+                return "a pixel outside the canvas was written" + place();
             const unsigned alpha = pixel >> 24;
             if (inside && hasAlpha &&
                 ((pixel >> 16 & 255) > alpha || (pixel >> 8 & 255) > alpha ||
                  (pixel & 255) > alpha))
-                return "a pixel is not premultiplied" + place;
+                return "a pixel is not premultiplied" + place();
         }
     maker->Detach(*painter);
-    const std::vector<std::uint32_t> before = memory;
     memory.assign(memory.size(), kGuard);
     PlayPainterBytes(painter, bytes);
     if (memory != std::vector<std::uint32_t>(memory.size(), kGuard))
