@@ -264,3 +264,9 @@ void AddCheckCommand(CLI::App& app, const char* name) {
 }
 const ToolCommand gCheck(10, "check", AddCheckCommand);
 } // namespace
+
+std::vector<Finding> CheckDescription(const std::string& path) {
+    Checker checker;
+    checker.CheckFile(path);
+    return checker.TakeFindings();
+}

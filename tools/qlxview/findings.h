@@ -13,6 +13,9 @@ struct Finding {
     std::string mText;
 };
 
+/// What check finds in one description and its string tables, by file and place.
+[[nodiscard]] std::vector<Finding> CheckDescription(const std::string& path);
+
 /// "file:line:column: error: text [rule]", a line each.
 [[nodiscard]] std::string FindingsAsText(const std::vector<Finding>& findings);
 /// An array of objects.

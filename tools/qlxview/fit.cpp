@@ -79,7 +79,7 @@ class FitRun {
             const bool first = !cell.mPicture && !mOptions.mSheet.empty();
             if (first)
                 cell.mPicture = stage.GetPicture();
-            for (const FitProblem& problem : FindFitProblems(stage, description)) {
+            for (const FitProblem& problem : FindFitProblems(stage.GetWindow(), description)) {
                 Add(description, look, scale, problem);
                 if (first && problem.mError) {
                     cell.mMarks.push_back(QLX_DeviceScale(scale).RectToDevice(problem.mBox));

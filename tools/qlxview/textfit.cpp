@@ -233,8 +233,8 @@ class Reader {
 
 class Fitter {
   public:
-    Fitter(Stage& stage, const Description& description)
-        : mWindow(stage.GetWindow()), mDescription(description) {
+    Fitter(TWindow& window, const Description& description)
+        : mWindow(window), mDescription(description) {
         ListViews(mWindow, mViews);
         for (TView* view : mViews)
             for (const bool begins : {true, false}) {
@@ -470,6 +470,6 @@ class Fitter {
 };
 } // namespace
 
-std::vector<FitProblem> FindFitProblems(Stage& stage, const Description& description) {
-    return Fitter(stage, description).Find();
+std::vector<FitProblem> FindFitProblems(TWindow& window, const Description& description) {
+    return Fitter(window, description).Find();
 }

@@ -8,7 +8,7 @@
 #include "description.h"
 #include "newfilelibs/cmn/cmn_rect.h"
 
-class Stage;
+class TWindow;
 
 struct FitProblem {
     std::string
@@ -21,11 +21,12 @@ struct FitProblem {
     Cmn_Rect<int> mBox;               ///< logical pixels of the window
 };
 
-/// Looks at the stage's window as it stands, then at what its controls can show besides: every
+/// Looks at an open window as it stands, then at what its controls can show besides: every
 /// choice of a popup, every time format and the bounds of a numeric field, views that are hidden.
 /// The window is as before afterwards. A text fits when, in device pixels, it is no wider and no
 /// higher than its box, inside the view, not painted over by another view, and every character of
 /// it has a glyph. What a user scrolls (edit texts, lists, the content of scrollers) may be cut
 /// where it is scrolled. Frames of neighbours that overlap in part, and frames that stick out of
 /// their superview, are warnings.
-[[nodiscard]] std::vector<FitProblem> FindFitProblems(Stage& stage, const Description& description);
+[[nodiscard]] std::vector<FitProblem> FindFitProblems(TWindow& window,
+                                                      const Description& description);
