@@ -5,6 +5,7 @@
 
 #include "app/misc/unumericentrytext.h"
 #include "basekit/sys/sys_clock.h"
+#include "basekit/sys/sys_file.h"
 #include "host/rulerview.h"
 #include "mediakit/time/time_barbeattick.h"
 #include "mediakit/time/time_smpte.h"
@@ -63,6 +64,7 @@ void TSessionWindow::Free() {
         mLabels->Free();
     mLabels = nullptr;
     mPeaks.reset();
+    mExampleKeys.reset();
     TWindow::Free();
 }
 
@@ -464,7 +466,7 @@ void TSessionWindow::ControlChanged(std::int32_t number, TView* source) {
     }
 }
 
-void TSessionWindow::ShowAsExample(const MementoPtr& memento) {
+void TSessionWindow::ShowAsExample(const MementoPtr& memento, const std::string& folder) {
     SessionLook look;
     look.mLayout = memento->GetRoot()->GetCurrentFilter()["Layout"];
     look.mLanguage = QLX_Language::GetCurrentLanguage();
@@ -474,13 +476,19 @@ void TSessionWindow::ShowAsExample(const MementoPtr& memento) {
         SetLook(look);
     } else {
         ISession(MakeGeneratedAudio(), memento, look);
+        mExampleKeys = std::make_unique<SessionKeys>(*this);
+        const Sys_FileLoc bindings(folder + "/session.keys");
+        if (bindings.Exists())
+            mExampleKeys->ReadFile(bindings.GetPath());
     }
     WaitForPeaks();
 }
 
 void TSessionWindow::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
-    if (number == kEvent_Preview)
-        return ShowAsExample(static_cast<TPreviewEvent*>(event)->GetMemento());
+    if (number == kEvent_Preview) {
+        const auto* preview = static_cast<TPreviewEvent*>(event);
+        return ShowAsExample(preview->GetMemento(), preview->GetFolder());
+    }
     const bool fromControl = number >= kControlEvent_ValueChanged &&
                              number <= kControlEvent_Cancelled && number != kControlEvent_Pressed;
     if (fromControl && !QLX_ObjectCast<TNumericEntryText>(source))

@@ -15,6 +15,7 @@
 class CNumericEntryCallbackInfo;
 class CKeyBindings;
 class DAW_Command;
+class SessionKeys;
 class TNumericEntryText;
 class Time_SMPTE;
 class TWaveformView;
@@ -40,8 +41,9 @@ class TSessionWindow : public TWindow {
     /// Selects layout and language and reads the description's values again: what the user did
     /// stays.
     void SetLook(const SessionLook& look);
-    /// As tools show the window: with a generated signal, in the look that is current.
-    void ShowAsExample(const MementoPtr& memento);
+    /// As tools show the window: with a generated signal and the key bindings of the folder, in the
+    /// look that is current.
+    void ShowAsExample(const MementoPtr& memento, const std::string& folder);
     [[nodiscard]] SessionModel& GetModel() { return mModel; }
     [[nodiscard]] Transport& GetTransport() { return mTransport; }
     /// A text of the string tables in the current language.
@@ -101,6 +103,7 @@ class TSessionWindow : public TWindow {
     std::int32_t mTempo = 120; // quarter notes a minute
     std::int32_t mMeterNumerator = 4;
     std::int32_t mMeterDenominator = 4;
+    std::unique_ptr<SessionKeys> mExampleKeys;
     TNumericEntryText* mLabels = nullptr; // owned; in no window: it turns frames into texts
     std::vector<std::string> mHistory;
     std::int64_t mShownPosition = -1;

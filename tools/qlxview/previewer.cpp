@@ -10,7 +10,6 @@
 
 #include "qlx/imaging/qlx_font.h"
 #include "qlx/imaging/qlx_painter.h"
-#include "qlx/platform/testing/qlx_preview.h"
 #include "qlx/views/uadorner.h"
 #include "qlx/views/udynamicarray.h"
 #include "qlx/views/ulistiterator.h"
@@ -201,7 +200,7 @@ void Previewer::ReadAgain() {
     TakeServerProblems(*mDescription, problems);
     for (const Finding& problem : problems)
         AddFinding(problem);
-    TPreviewEvent::Send(*mWindow, memento);
+    FillWithExample(*mDescription, *mWindow);
 }
 
 void Previewer::MakeWindow() {

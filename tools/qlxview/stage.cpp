@@ -1,6 +1,6 @@
 #include "stage.h"
 
-#include <map>
+#include <filesystem>
 #include <stdexcept>
 
 #include "app/misc/qlx_init.h"
@@ -45,6 +45,13 @@ void TakeServerProblems(const Description& description, std::vector<Finding>& pr
     }
 }
 
+void FillWithExample(const Description& description, TWindow& window) {
+    const std::string folder = std::filesystem::path(description.GetPath()).parent_path().string();
+    TPreviewEvent::Send(window,
+                        Cmn_AliasedRefCountPtr<QLX_ViewMemento>(description.GetMementoPtr()),
+                        folder.empty() ? "." : folder);
+}
+
 TWindow* MakeDescribedWindow(const Description& description, std::vector<Finding>& problems) {
     QLX_Init::Init();
     ClassDesc::InitUClassDesc(); // again, for the classes of libraries that were loaded
@@ -62,7 +69,7 @@ TWindow* MakeDescribedWindow(const Description& description, std::vector<Finding
         window->AddSubView(view);
     }
     window->SetFreeOnClose(false); // whoever closes it, the tool ends it
-    TPreviewEvent::Send(*window, memento);
+    FillWithExample(description, *window);
     return window;
 }
 

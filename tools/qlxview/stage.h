@@ -33,6 +33,9 @@ class StLook {
 [[nodiscard]] TWindow* MakeDescribedWindow(const Description& description,
                                            std::vector<Finding>& problems);
 
+/// Asks the window's own class for an example to show.
+void FillWithExample(const Description& description, TWindow& window);
+
 /// What the view server could not make since it was asked last.
 void TakeServerProblems(const Description& description, std::vector<Finding>& problems);
 

@@ -15,10 +15,11 @@ TObject* TPreviewEvent::Clone() {
     return nullptr;
 }
 
-void TPreviewEvent::Send(TWindow& window, const MementoPtr& memento) {
+void TPreviewEvent::Send(TWindow& window, const MementoPtr& memento, const std::string& folder) {
     auto* event = new TPreviewEvent;
     event->IEvent(kEvent_Preview, &window, &window);
     event->mMemento = memento;
+    event->mFolder = folder;
     window.HandleEvent(kEvent_Preview, &window, event);
     event->Free();
 }

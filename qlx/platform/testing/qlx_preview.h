@@ -3,11 +3,13 @@
 //
 //     void TMyWindow::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
 //         if (number == kEvent_Preview)
-//             ShowAsExample(static_cast<TPreviewEvent*>(event)->GetMemento());
+//             ShowAsExample(*static_cast<TPreviewEvent*>(event));
 //         else
 //             TWindow::DoEvent(number, source, event);
 //     }
 #pragma once
+
+#include <string>
 
 #include "qlx/foundation/qlx_fwd.h"
 #include "qlx/views/uevent.h"
@@ -28,12 +30,15 @@ class QLX_API TPreviewEvent : public TEvent {
 
     /// The description that the window was made from.
     [[nodiscard]] const MementoPtr& GetMemento() const { return mMemento; }
+    /// The folder that the description lies in, for the files beside it.
+    [[nodiscard]] const std::string& GetFolder() const { return mFolder; }
     /// Not supported: an assertion, and null.
     [[nodiscard]] TObject* Clone() override;
 
     /// Sends one to a window, at once.
-    static void Send(TWindow& window, const MementoPtr& memento);
+    static void Send(TWindow& window, const MementoPtr& memento, const std::string& folder);
 
   private:
     MementoPtr mMemento; // counted
+    std::string mFolder;
 };
