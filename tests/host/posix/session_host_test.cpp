@@ -12,10 +12,12 @@ namespace {
 
 ProgramRun RunHost(const std::string& arguments) { return RunProgram("session_host", arguments); }
 
-TEST(SessionHost, TheDemoScriptHolds) {
-    const ProgramRun run = RunHost("--play host/data/demo.play");
-    EXPECT_EQ(run.mStatus, 0) << run.mErr;
-    EXPECT_NE(run.mOut.find(" 0 failed"), std::string::npos) << run.mOut;
+TEST(SessionHost, TheScriptsHold) {
+    for (const char* script : {"demo", "nudge"}) {
+        const ProgramRun run = RunHost(std::string("--play host/data/") + script + ".play");
+        EXPECT_EQ(run.mStatus, 0) << run.mErr;
+        EXPECT_NE(run.mOut.find(" 0 failed"), std::string::npos) << run.mOut;
+    }
 }
 
 TEST(SessionHost, WhatAScriptDoesCanBeRecordedAndPlayedAgain) {
