@@ -115,9 +115,11 @@ class QLX_API TAlert : public TDialog {
   public:
     QLX_DECLARE_CLASS(TAlert);
     /// The identifiers of the buttons, in the order given.
-    static constexpr std::uint32_t kFirst = Cmn_FourChar("alr1");
-    static constexpr std::uint32_t kSecond = Cmn_FourChar("alr2");
-    static constexpr std::uint32_t kThird = Cmn_FourChar("alr3");
+    enum : std::uint32_t {
+        kFirst = Cmn_FourChar("alr1"),
+        kSecond = Cmn_FourChar("alr2"),
+        kThird = Cmn_FourChar("alr3"),
+    };
     static constexpr std::size_t kMostButtons = 3;
 
     TAlert();
@@ -151,9 +153,11 @@ class QLX_API TAlert : public TDialog {
 class QLX_API TTextEntryDialog : public TDialog {
   public:
     QLX_DECLARE_CLASS(TTextEntryDialog);
-    static constexpr std::uint32_t kField = Cmn_FourChar("text");
-    static constexpr std::uint32_t kOK = Cmn_FourChar("ok  ");
-    static constexpr std::uint32_t kCancelButton = Cmn_FourChar("cncl");
+    enum : std::uint32_t {
+        kField = Cmn_FourChar("text"),
+        kOK = Cmn_FourChar("ok  "),
+        kCancelButton = Cmn_FourChar("cncl"),
+    };
 
     TTextEntryDialog();
     ~TTextEntryDialog() override;

@@ -19,14 +19,16 @@ class TTextList;
 class QLX_API TFileDialog : public TDialog {
   public:
     QLX_DECLARE_CLASS(TFileDialog);
-    static constexpr std::uint32_t kConfirm = Cmn_FourChar("ok  ");
-    static constexpr std::uint32_t kCancelButton = Cmn_FourChar("cncl");
-    static constexpr std::uint32_t kUp = Cmn_FourChar("up  ");
-    static constexpr std::uint32_t kNewFolder = Cmn_FourChar("nfol");
-    static constexpr std::uint32_t kList = Cmn_FourChar("list");
-    static constexpr std::uint32_t kName = Cmn_FourChar("name");
-    static constexpr std::uint32_t kType = Cmn_FourChar("type");
-    static constexpr std::uint32_t kFolder = Cmn_FourChar("fold"); ///< the folder's path
+    enum : std::uint32_t {
+        kConfirm = Cmn_FourChar("ok  "),
+        kCancelButton = Cmn_FourChar("cncl"),
+        kUp = Cmn_FourChar("up  "),
+        kNewFolder = Cmn_FourChar("nfol"),
+        kList = Cmn_FourChar("list"),
+        kName = Cmn_FourChar("name"),
+        kType = Cmn_FourChar("type"),
+        kFolder = Cmn_FourChar("fold"), ///< the folder's path
+    };
 
     TFileDialog();
     ~TFileDialog() override;

@@ -17,6 +17,8 @@ ProgramRun RunProgram(const std::string& name, const std::string& arguments) {
 #endif
     const std::string out = QLX_TEST_OUTPUT "/" + name + ".out";
     const std::string err = QLX_TEST_OUTPUT "/" + name + ".err";
+    std::filesystem::remove(out);
+    std::filesystem::remove(err);
     int status = std::system((program + " " + arguments + " >" + out + " 2>" + err).c_str());
 #ifndef _WIN32
     status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

@@ -51,11 +51,12 @@ class Preview : public ::testing::Test {
     }
     void StartInput() {
         const std::string fifo = mFolder + "/input.fifo";
-        ASSERT_EQ(std::system(("mkfifo " + fifo + " && (until [ -e " + mFolder +
-                               "/input.sh ]; do sleep 0.05; done; sh " + mFolder + "/input.sh > " +
-                               fifo + ") &")
-                                  .c_str()),
-                  0);
+        ASSERT_EQ(std::system(("mkfifo " + fifo).c_str()), 0);
+        // Holds none of the test's own streams, and ends when nobody reads.
+        const std::string write = "until [ -e " + mFolder +
+                                  "/input.sh ]; do sleep 0.05; done; sh " + mFolder +
+                                  "/input.sh > " + fifo;
+        ASSERT_EQ(std::system(("timeout 60 sh -c '" + write + "' >/dev/null 2>&1 &").c_str()), 0);
     }
 
     std::string mFolder;
