@@ -10,6 +10,19 @@
 
 #include "basekit/sys/sys_file.h"
 
+namespace {
+
+/// What a program said: standard streams have line ends of their own on Windows.
+std::string ReadSaid(const std::string& path) {
+    std::string text = ReadText(path);
+#ifdef _WIN32
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+#endif
+    return text;
+}
+
+} // namespace
+
 ProgramRun RunProgram(const std::string& name, const std::string& arguments) {
     std::string program = QLX_TEST_OUTPUT "/../bin/" + name;
 #ifdef _WIN32
@@ -23,7 +36,7 @@ ProgramRun RunProgram(const std::string& name, const std::string& arguments) {
 #ifndef _WIN32
     status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 #endif
-    return {status, ReadText(out), ReadText(err)};
+    return {status, ReadSaid(out), ReadSaid(err)};
 }
 
 std::string FreshFolder(const std::string& name) {
@@ -33,13 +46,7 @@ std::string FreshFolder(const std::string& name) {
     return folder;
 }
 
-std::string ReadText(const std::string& path) {
-    std::string text = Sys_File::ReadAll(Sys_FileLoc(path));
-#ifdef _WIN32
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-#endif
-    return text;
-}
+std::string ReadText(const std::string& path) { return Sys_File::ReadAll(Sys_FileLoc(path)); }
 
 void WriteText(const std::string& path, const std::string& text) {
     Sys_SafeWriter::Replace(Sys_FileLoc(path), text);

@@ -106,8 +106,12 @@ class WindowsFileSystem : public Sys_FileSystem {
         if (mode != Sys_FileMode::Read)
             access |= GENERIC_WRITE;
         const DWORD disposition = mode == Sys_FileMode::Create ? CREATE_NEW : OPEN_EXISTING;
-        const HANDLE handle = CreateFileW(Wide(path).c_str(), access, FILE_SHARE_READ, nullptr,
-                                          disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+        // Who reads does not mind a writer, as elsewhere; who writes wants no second one.
+        const DWORD share = mode == Sys_FileMode::Read
+                                ? FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE
+                                : FILE_SHARE_READ;
+        const HANDLE handle = CreateFileW(Wide(path).c_str(), access, share, nullptr, disposition,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle == INVALID_HANDLE_VALUE)
             Fail(path, GetLastError());
         return std::make_unique<WindowsBackend>(path, handle);

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <cstring>
+
 static_assert(sizeof(RECT) == sizeof(Cmn_Rect<int>));
 static_assert(sizeof(RGNDATAHEADER) == sizeof(QLX_NativeRegionHeader));
 static_assert(RDH_RECTANGLES == QLX_NativeRegionHeader::kRectangles);
@@ -16,7 +18,15 @@ QLX_NativeRegionHandle QLX_NativeRegion_CreateRectIndirect(const Cmn_Rect<int>& 
 }
 
 QLX_NativeRegionHandle QLX_NativeRegion_CreateFromData(std::uint32_t size, const void* block) {
-    return block ? ExtCreateRegion(nullptr, size, static_cast<const RGNDATA*>(block)) : nullptr;
+    // Looked at here, because not every system refuses what does not hold together.
+    RGNDATAHEADER header;
+    if (!block || size < sizeof header)
+        return nullptr;
+    std::memcpy(&header, block, sizeof header);
+    if (header.dwSize != sizeof header || header.iType != RDH_RECTANGLES ||
+        header.nCount > (size - sizeof header) / sizeof(RECT))
+        return nullptr;
+    return ExtCreateRegion(nullptr, size, static_cast<const RGNDATA*>(block));
 }
 
 std::uint32_t QLX_NativeRegion_GetData(QLX_NativeRegionHandle handle, std::uint32_t size,

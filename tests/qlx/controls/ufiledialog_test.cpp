@@ -26,8 +26,7 @@ class FileDialog : public ::testing::Test {
         mFolder = fs::path(QLX_TEST_OUTPUT) / (std::string("filedialog-") + test->name());
         fs::remove_all(mFolder);
         fs::create_directories(mFolder / "Audio Files");
-        fs::create_directories(mFolder / "\xC3\x9C"
-                                         "bung");
+        fs::create_directories(mFolder / u8"\u00DCbung");
         for (const char* name : {"b.wav", "A.wav", "notes.txt", ".hidden"})
             std::ofstream(mFolder / name) << "x";
         mSettings.mFolder = Sys_FileLoc(mFolder.string());

@@ -198,10 +198,12 @@ TEST(QlxViewFit, EachFaultIsFoundInTheLooksThatHaveIt) {
          "TStaticText 'text': \"Session\" is painted over by TStaticText 'next'"},
         {"a view beyond the window's edge", Button("10 150 40 300"),
          "TButton 'butt': \"Save\" is cut at the side"},
+#ifndef _WIN32 // where nobody can say which characters a font has
         {"a character that no font has",
          View("TStaticText", "text",
               Frame("10 10 40 100") + Property("Text", "string", "a&#x12345;b")),
          "\" no font has U+12345"},
+#endif
         {"a text on a plate is not covered by it",
          View("TPlate", "plat", Frame("5 5 60 150") + Property("Title", "string", "Values")) +
              View("TStaticText", "text",
