@@ -1,11 +1,13 @@
 #include "qlx/imaging/qlx_recordingpainter.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 #include "basekit/cmn/cmn_assert.h"
 #include "qlx/imaging/qlx_image.h"
 #include "qlx/imaging/qlx_path.h"
+#include "qlx/imaging/qlx_utf8.h"
 
 namespace {
 
@@ -118,13 +120,12 @@ QLX_Painter::Ptr QLX_PainterRecording::Clone() { return Ptr(new QLX_PainterRecor
 void* QLX_PainterRecording::GetRawNativeDrawingPort() { return nullptr; }
 
 void QLX_PainterRecording::SaveToFile(const std::wstring& path) {
-    std::string narrow;
-    for (const wchar_t character : path) // file names of recordings are ASCII
-        narrow += character < 128 ? char(character) : '_';
-    const std::string text = narrow.ends_with(".svg")
+    const std::string name = QLX_WideToUTF8(path);
+    const std::string text = name.ends_with(".svg")
                                  ? mRecording->AsSVG()
                                  : mRecording->Print(QLX_Recording::kPrint_Complete);
-    std::ofstream file(narrow, std::ios::binary);
+    std::ofstream file(std::filesystem::path(std::u8string(name.begin(), name.end())),
+                       std::ios::binary);
     file.write(text.data(), std::streamsize(text.size()));
     file.close();
     CMN_ASSERT(file.good());

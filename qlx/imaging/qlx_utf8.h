@@ -1,6 +1,7 @@
 // Walking UTF-8 text of unknown quality.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "basekit/cmn/cmn_types.h"
@@ -32,4 +33,24 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
         return kReplacementCharacter;
     place += extra;
     return code;
+}
+
+/// A path or other text of the system's wide characters, UTF-16 or UTF-32. What is no character,
+/// lone surrogates included, becomes U+FFFD.
+[[nodiscard]] inline std::string QLX_WideToUTF8(std::wstring_view wide) {
+    std::string text;
+    for (std::size_t i = 0; i < wide.size(); ++i) {
+        auto code = static_cast<char32_t>(wide[i]);
+        const bool high = code >= 0xD800 && code < 0xDC00;
+        if (high && i + 1 < wide.size() && (wide[i + 1] & ~0x3FF) == 0xDC00)
+            code = 0x10000 + ((code & 0x3FF) << 10) + (static_cast<char32_t>(wide[++i]) & 0x3FF);
+        else if ((code >= 0xD800 && code < 0xE000) || code > 0x10FFFF)
+            code = kReplacementCharacter;
+        const int extra = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+        constexpr unsigned kLead[] = {0, 0xC0, 0xE0, 0xF0};
+        text += char(kLead[extra] | code >> 6 * extra);
+        for (int rest = extra - 1; rest >= 0; --rest)
+            text += char(0x80 | (code >> 6 * rest & 0x3F));
+    }
+    return text;
 }

@@ -5,10 +5,10 @@
 
 template <class Operation>
 void QLX_PainterCairo::ForClipped(const Cmn_Rect<int>& rect, Operation operation) {
-    const std::vector<Cmn_Rect<int>>& clip = DeviceClip();
-    if (!rect.Overlaps(mClipBounds))
+    const QLX_CanvasClip& clip = Clip();
+    if (!rect.Overlaps(clip.bounds))
         return;
-    for (const Cmn_Rect<int>& window : clip)
+    for (const Cmn_Rect<int>& window : clip.rects)
         if (rect.Overlaps(window))
             operation(rect & window);
 }

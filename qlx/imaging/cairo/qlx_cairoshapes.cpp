@@ -175,8 +175,8 @@ void QLX_PainterCairo::LayMask(const Cmn_Rect<int>& area, const QLX_SpanPaint& p
 
 void QLX_PainterCairo::FillShape(const QLX_Path& path, const Cmn_Rect<int>& bounds,
                                  const ShapeStyle& style, const QLX_SpanPaint& paint) {
-    (void)DeviceClip();
-    const Cmn_Rect<int> area = RenderedArea(bounds, mClipBounds);
+    (void)Clip();
+    const Cmn_Rect<int> area = RenderedArea(bounds, mClip.bounds);
     const bool drawn = Render(area, style.antialias, [&](cairo_t* context) {
         const double factor = mScale.GetFactor();
         const auto x = [&](float value) {
@@ -226,8 +226,8 @@ void QLX_PainterCairo::RoundRect(const Cmn_Rect<int>& rect, int radiusX, int rad
     const Cmn_Rect<int> pixels = ToCanvas(rect);
     const double rx = std::max(0, radiusX) * mScale.GetFactor();
     const double ry = std::max(0, radiusY) * mScale.GetFactor();
-    (void)DeviceClip();
-    const Cmn_Rect<int> area = RenderedArea(pixels, mClipBounds);
+    (void)Clip();
+    const Cmn_Rect<int> area = RenderedArea(pixels, mClip.bounds);
     const bool drawn = Render(area, antialias, [&](cairo_t* context) {
         const FloatRect outer = HeldRect(pixels);
         AddRoundRect(context, outer, rx, ry, topOnly);
@@ -247,15 +247,15 @@ void QLX_PainterCairo::RoundRect(const Cmn_Rect<int>& rect, int radiusX, int rad
         LayMask(area, paint);
 }
 
-void QLX_PainterCairo::DiagonalLine(Cmn_Point<double> from, Cmn_Point<double> to, double width,
-                                    bool includeEnd) {
-    const double shiftX = width / 2 - mDeviceCorner.x, shiftY = width / 2 - mDeviceCorner.y;
+void QLX_PainterCairo::DrawSlantedLine(Cmn_Point<double> from, Cmn_Point<double> to, int width,
+                                       bool includeEnd) {
+    const double shiftX = width / 2.0 - mDeviceCorner.x, shiftY = width / 2.0 - mDeviceCorner.y;
     const Cmn_Rect<int> bounds(int(std::floor(std::min(from.x, to.x) + shiftX)),
                                int(std::floor(std::min(from.y, to.y) + shiftY)),
                                int(std::ceil(std::max(from.x, to.x) + shiftX)),
                                int(std::ceil(std::max(from.y, to.y) + shiftY)));
-    (void)DeviceClip();
-    const Cmn_Rect<int> area = RenderedArea(Grown(bounds, width), mClipBounds);
+    (void)Clip();
+    const Cmn_Rect<int> area = RenderedArea(Grown(bounds, width), mClip.bounds);
     const bool drawn = Render(area, true, [&](cairo_t* context) {
         cairo_move_to(context, Held(from.x + shiftX), Held(from.y + shiftY));
         cairo_line_to(context, Held(to.x + shiftX), Held(to.y + shiftY));
@@ -298,8 +298,8 @@ void QLX_PainterCairo::DrawArc(const Cmn_Rect<int>& rect, int startDegrees, int 
     if (rect.Empty() || width == 0)
         return;
     const Cmn_Rect<int> pixels = ToCanvas(rect);
-    (void)DeviceClip();
-    const Cmn_Rect<int> area = RenderedArea(pixels, mClipBounds);
+    (void)Clip();
+    const Cmn_Rect<int> area = RenderedArea(pixels, mClip.bounds);
     const bool drawn = Render(area, antialias, [&](cairo_t* context) {
         const FloatRect r = HeldRect(pixels);
         const double rx = (r.right - r.left - width) / 2, ry = (r.bottom - r.top - width) / 2;
@@ -331,9 +331,9 @@ void QLX_PainterCairo::DrawPolygon(const Cmn_Polygon<int>& polygon, bool closed,
     if (polygon.size() < 2 || width == 0)
         return;
     const Cmn_Rect<int> bounds = polygon.GetBounds();
-    (void)DeviceClip();
+    (void)Clip();
     const Cmn_Rect<int> area =
-        Grown(ToCanvas(bounds), 12 * width) & mClipBounds; // mitres reach out
+        Grown(ToCanvas(bounds), 12 * width) & mClip.bounds; // mitres reach out
     const bool drawn = Render(area, antialias, [&](cairo_t* context) {
         for (const Cmn_Point<int>& point : polygon) {
             const Cmn_Rect<int> pixel = ToCanvas({point.x, point.y, point.x, point.y});
@@ -353,8 +353,8 @@ void QLX_PainterCairo::DrawPolygon(const Cmn_Polygon<int>& polygon, bool closed,
 void QLX_PainterCairo::FillPolygon(const Cmn_Polygon<int>& polygon) {
     if (polygon.size() < 3)
         return;
-    (void)DeviceClip();
-    const Cmn_Rect<int> area = RenderedArea(ToCanvas(polygon.GetBounds()), mClipBounds);
+    (void)Clip();
+    const Cmn_Rect<int> area = RenderedArea(ToCanvas(polygon.GetBounds()), mClip.bounds);
     const bool drawn = Render(area, true, [&](cairo_t* context) {
         for (const Cmn_Point<int>& point : polygon) {
             const Cmn_Rect<int> pixel = ToCanvas({point.x, point.y, point.x, point.y});

@@ -26,8 +26,6 @@ struct PenPlace {
 };
 static_assert(QLX_SizedFont::kQuarters == 4);
 
-constexpr Cmn_Rect<int> kNoLimit(-(1 << 30), -(1 << 30), 1 << 30, 1 << 30);
-
 } // namespace
 
 void QLX_PainterCairo::PrepareFont() {
@@ -53,7 +51,7 @@ void QLX_PainterCairo::DrawGlyph(const QLX_GlyphMask& mask, int x, int y,
                       mask.bytes + std::ptrdiff_t(part.top - top) * mask.pitch + (part.left - left),
                       mask.pitch, paint, /*paddedMask*/ part.right == box.right);
     };
-    if (limit.Contains(box) && mDeviceClip.size() == 1 && mClipBounds.Contains(box))
+    if (limit.Contains(box) && mClip.rects.size() == 1 && mClip.bounds.Contains(box))
         lay(box);
     else
         ForClipped(box & limit, lay);
@@ -70,11 +68,11 @@ bool QLX_PainterCairo::DrawAsciiLine(std::string_view text, double& x, int basel
     const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
     const QLX_Surface& surface = mCanvas->GetSurface();
     // Glyphs wholly inside are laid down as they are; empty where there is more than one rectangle.
-    const Cmn_Rect<int> inside = mDeviceClip.size() == 1 ? limit & mClipBounds : Cmn_Rect<int>();
+    const Cmn_Rect<int> inside = mClip.rects.size() == 1 ? limit & mClip.bounds : Cmn_Rect<int>();
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         const PenPlace pen(x);
-        if (pen.pixel > mClipBounds.right + 4096)
+        if (pen.pixel > mClip.bounds.right + 4096)
             break;
         x += double(mAtSize->GetAscii(byte).advance) * pixels;
         const QLX_GlyphMask& mask = mAtSize->GetAsciiMask(byte, pen.quarter);
@@ -103,7 +101,7 @@ bool QLX_PainterCairo::DrawSimpleLine(std::string_view text, double& x, int base
         const QLX_FontCharacter& character = faces.GetCharacter(QLX_NextCodePoint(text, place));
         const PenPlace pen(x);
         x += double(character.advance) * pixels;
-        if (pen.pixel > mClipBounds.right + 4096 || character.source.face < 0)
+        if (pen.pixel > mClip.bounds.right + 4096 || character.source.face < 0)
             continue;
         DrawGlyph(mAtSize->GetSized().GetGlyph(character.source, pen.quarter), pen.pixel, baseline,
                   limit, paint);
@@ -122,12 +120,12 @@ void QLX_PainterCairo::DrawShaped(const QLX_ShapedText& text, double x, int base
     }
 }
 
-double QLX_PainterCairo::DrawLine(std::string_view text, double x, int baseline,
-                                  const Cmn_Rect<int>& limit) {
+double QLX_PainterCairo::DrawTextLine(std::string_view text, double x, int baseline,
+                                      const Cmn_Rect<int>& limit) {
     if (text.empty() || mCanvas->IsGone())
         return 0;
     PrepareFont();
-    (void)DeviceClip();
+    (void)Clip();
     // Far off the canvas nothing shows, and places beyond are not worth their arithmetic.
     baseline = std::clamp(baseline, -(1 << 24), 1 << 24);
     x = std::clamp(x, -double(1 << 24), double(1 << 24));
@@ -153,77 +151,4 @@ double QLX_PainterCairo::DrawLine(std::string_view text, double x, int baseline,
              paint);
     }
     return x - begin;
-}
-
-void QLX_PainterCairo::DrawChar(char character) { DrawString(std::string(1, character)); }
-
-void QLX_PainterCairo::DrawString(const std::string& text) {
-    const int baseline = int(std::floor(mPenPlace.y + 0.5)) - mDeviceCorner.y;
-    mPenPlace.x += DrawLine(text, mPenPlace.x - mDeviceCorner.x, baseline, kNoLimit);
-}
-
-void QLX_PainterCairo::DrawStringJustified(const Cmn_Rect<int>& rect, const std::string& text,
-                                           EJustification justification,
-                                           EVerticalJustification vertical,
-                                           EResolution resolution) {
-    const Cmn_Rect<int> box = ToCanvas(rect, resolution);
-    const double factor = mScale.GetFactor();
-    const double width = double(QLX_TextMeasure::Get().MeasureWidth(mFont, text)) * factor;
-    double x = box.left;
-    if (justification == kJustify_Center)
-        x += (double(box.GetWidth()) - width) / 2;
-    else if (justification == kJustify_Right)
-        x += double(box.GetWidth()) - width;
-    const QLX_FontMetrics metrics = mFont.GetMetrics();
-    const int height = int(std::lround(metrics.GetLineHeight() * factor));
-    std::int64_t top = box.top;
-    if (vertical == kJustify_Middle)
-        top += (std::int64_t{box.GetHeight()} - height) >> 1;
-    else if (vertical == kJustify_Bottom)
-        top += std::int64_t{box.GetHeight()} - height;
-    const int baseline = Cmn_ClampTo<int>(top + int(std::lround(metrics.GetBaseline() * factor)));
-    (void)DrawLine(text, x, baseline, kNoLimit);
-}
-
-void QLX_PainterCairo::DrawPlaced(const Cmn_Rect<int>& limit) {
-    const double factor = mScale.GetFactor();
-    for (const QLX_TextLayout::Placed& line : mLayout.GetPlaced()) {
-        const double x = (double(line.x) - mWindowOrigin.x) * factor - mDeviceCorner.x;
-        const int baseline = Cmn_ClampTo<int>(
-            std::int64_t{EdgeYToDevice(line.baseline, kResolution_Logical)} - mDeviceCorner.y);
-        (void)DrawLine(line.text, x, baseline, limit);
-    }
-}
-
-int QLX_PainterCairo::DrawTextBox(const Cmn_Rect<int>& rect, const std::string& text,
-                                  EJustification justification, bool wrap, bool ellipsis, bool clip,
-                                  bool erase) {
-    mLayout.LayOut(text, mFont, float(rect.GetWidth()), wrap ? kWrap_Word : kWrap_None);
-    const int height = mLayout.GetHeight();
-    if (!IsValid() || (rect.Empty() && (clip || erase)))
-        return height;
-    if (erase)
-        EraseRect(rect);
-    mLayout.Place(rect, justification, ellipsis);
-    DrawPlaced(clip ? ToCanvas(rect) : kNoLimit);
-    return height;
-}
-
-void QLX_PainterCairo::DrawSingleLineTextBox(const Cmn_Rect<int>& rect, const std::string& text,
-                                             bool ellipsis, const Ptr& second) {
-    if (IsValid() && !rect.Empty()) {
-        const std::string_view line = ellipsis
-                                          ? mLayout.CutToWidth(text, mFont, float(rect.GetWidth()))
-                                          : std::string_view(text);
-        const QLX_FontMetrics metrics = mFont.GetMetrics();
-        const std::int64_t top =
-            rect.top + (std::int64_t{rect.GetHeight()} - metrics.GetLineHeight()) / 2;
-        const Cmn_Rect<int> box = ToCanvas(rect);
-        const int baseline = Cmn_ClampTo<int>(
-            std::int64_t{EdgeYToDevice(top + metrics.GetBaseline(), kResolution_Logical)} -
-            mDeviceCorner.y);
-        (void)DrawLine(line, box.left, baseline, box);
-    }
-    if (second)
-        second->DrawSingleLineTextBox(rect, text, ellipsis, nullptr);
 }

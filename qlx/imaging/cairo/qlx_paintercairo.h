@@ -5,9 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "qlx/imaging/qlx_canvaspainter.h"
 #include "qlx/imaging/qlx_painterfactory.h"
-#include "qlx/imaging/qlx_painterstate.h"
-#include "qlx/imaging/qlx_spans.h"
 
 class QLX_FontAtSize;
 struct QLX_GlyphMask;
@@ -35,7 +34,7 @@ class QLX_API QLX_CairoCanvas : public Cmn_RefCountObject {
 
 /// A painter on a QLX_CairoCanvas. Its pixels depend on nothing but the calls, the fonts and the
 /// scale.
-class QLX_API QLX_PainterCairo final : public QLX_PainterState {
+class QLX_API QLX_PainterCairo final : public QLX_CanvasPainter {
   public:
     /// Logical size on a canvas of its own, opaque white or transparent. Null when it cannot be
     /// had.
@@ -46,18 +45,11 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
     ~QLX_PainterCairo() override;
 
     [[nodiscard]] QLX_CairoCanvas& GetCanvas() const noexcept { return *mCanvas; }
-    /// The canvas's pixels as an image of as many pixels. Null when the canvas is gone.
-    [[nodiscard]] ImagePtr GetPixels() const;
 
     Ptr Clone() override;
     void* GetRawNativeDrawingPort() override;
-    /// A PNG of the canvas's pixels. A file that cannot be written is asserted.
-    void SaveToFile(const std::wstring& path) override;
     void Flush() override;
     bool IsValid() override;
-
-    void LineTo(float x, float y, bool includeEnd, EResolution resolution,
-                float thickness) override;
 
     void OptimizedWaveformFill(int x, int count, const int* minima, const int* maxima, int yOffset,
                                int top, int bottom, const CRGBColor& color, const Ptr& second,
@@ -66,55 +58,19 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
     void OptimizedFillRect(const Cmn_Rect<int>& rect, const CRGBColor& color, EAlphaBlendType blend,
                            EResolution resolution, const Ptr& second, const CRGBColor& secondColor,
                            EAlphaBlendType secondBlend) override;
-    void OptimizedVerticalLine(int x, int top, int bottom, const CRGBColor& color,
-                               EResolution resolution) override;
-    void OptimizedHorizontalLine(int left, int right, int y, const CRGBColor& color,
-                                 EResolution resolution) override;
-    void OptimizedVerticalLines(int count, const int* xs, const int* tops, const int* bottoms,
-                                const int* widths, const Cmn_PolyVector<CRGBColor>& colors,
-                                EAlphaBlendType blend, EResolution resolution) override;
-    void OptimizedHorizontalLines(int count, const int* ys, const int* lefts, const int* rights,
-                                  const int* heights, const Cmn_PolyVector<CRGBColor>& colors,
-                                  EAlphaBlendType blend, EResolution resolution) override;
-    void OptimizedDrawImage(const ImagePtr& image, const Cmn_Rect<int>& source,
-                            const Cmn_Rect<int>& destination, const Cmn_Rect<int>* clip,
-                            EResolution resolution) override;
-    using QLX_Painter::OptimizedDrawImage;
-    void OptimizedCopyPixelsFromOffscreen(const Cmn_Rect<int>& bufferBounds, void* pixels,
-                                          const Cmn_Rect<int>& source,
-                                          const Cmn_Rect<int>& destination, bool opaque) override;
 
-    void DrawRect(const Cmn_Rect<int>& rect) override;
     void DrawRoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool antialias,
                        bool topOnly) override;
     void DrawOval(const Cmn_Rect<int>& rect) override;
     void DrawArc(const Cmn_Rect<int>& rect, int startDegrees, int sweepDegrees,
                  bool antialias) override;
     void DrawPolygon(const Cmn_Polygon<int>& polygon, bool closed, bool antialias) override;
-    void DrawRegion(const QLX_Region& region) override;
-    void DrawChar(char character) override;
-    void DrawString(const std::string& text) override;
-    void DrawStringJustified(const Cmn_Rect<int>& rect, const std::string& text,
-                             EJustification justification, EVerticalJustification vertical,
-                             EResolution resolution) override;
-    int DrawTextBox(const Cmn_Rect<int>& rect, const std::string& text,
-                    EJustification justification, bool wrap, bool ellipsis, bool clip,
-                    bool erase) override;
-    void DrawSingleLineTextBox(const Cmn_Rect<int>& rect, const std::string& text, bool ellipsis,
-                               const Ptr& second) override;
-    void DrawImage(const ImagePtr& image, const Cmn_Rect<int>& rect, EPenMode mode) override;
-    void DrawImagePortion(const ImagePtr& image, const Cmn_Rect<int>& source,
-                          const Cmn_Rect<int>& destination, EPenMode mode,
-                          EResolution resolution) override;
-    void DrawIcon(const QLX_Icon& icon, const Cmn_Rect<int>& rect) override;
-    void ScrollCanvas(const Cmn_Rect<int>& rect, int dx, int dy, QLX_Region& toRepaint) override;
     void FillRect(const Cmn_Rect<int>& rect) override;
     void FillRoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool antialias,
                        bool topOnly) override;
     void FillOval(const Cmn_Rect<int>& rect, bool antialias) override;
     void FillPolygon(const Cmn_Polygon<int>& polygon) override;
     void FillRegion(const QLX_Region& region) override;
-    void EraseRect(const Cmn_Rect<int>& rect) override;
     void EraseRoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY,
                         bool antialias) override;
     void EraseRegion(const QLX_Region& region) override;
@@ -126,28 +82,32 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
     void HighlightRegion(const QLX_Region& region, const CRGBColor* color) override;
     Ptr CreateOffscreenPainter(const Cmn_Rect<int>& area, bool withAlpha,
                                bool copyContents) override;
-    bool IsOffscreen() override;
     void DrawPath(const PathPtr& path, bool antialias, ELineJoin join) override;
     void FillPath(const PathPtr& path) override;
-    void CopyCanvas(Ptr source, const Cmn_Rect<int>& sourceRect,
-                    const Cmn_Rect<int>& destinationRect, EPenMode mode, const QLX_Region* mask,
-                    Cmn_Point<int> maskOffset) override;
-    void SaveIntoImage(ImagePtr image, int variant) override;
-    ImagePtr CreateImage(Ptr painter) override;
     bool GetOffscreenBuffer(void** bits, int* width, int* height, int* rowBytes,
                             Cmn_Rect<int>* bounds, void** nativeCanvas,
                             void** nativeContext) override;
 
-  protected:
-    bool OffscreenWillBeOverlayed() override;
+    // The primitives
+
+    Cmn_Rect<int> GetCanvasBounds() const noexcept override;
+    bool CanvasHasAlpha() const noexcept override;
+    bool BeginPixels(const Cmn_Rect<int>& area, QLX_Surface& surface,
+                     Cmn_Point<int>& corner) override;
+    void EndPixels(bool changed) override;
+    const QLX_Surface* GetMemory() override;
+    void FillPixels(const Cmn_Rect<int>* rects, std::size_t count,
+                    const QLX_SpanPaint& paint) override;
+    void DrawSlantedLine(Cmn_Point<double> from, Cmn_Point<double> to, int width,
+                         bool includeEnd) override;
+    double DrawTextLine(std::string_view text, double x, int baseline,
+                        const Cmn_Rect<int>& limit) override;
+    void DrawPicture(const QLX_CanvasPicture& picture, const Cmn_Rect<int>& part,
+                     const Cmn_Rect<int>& destination, EPenMode mode,
+                     const Cmn_Rect<int>* limit) override;
 
   private:
     enum class ELook { Fill, Stroke };
-    struct Picture { // premultiplied pixels to copy from
-        const std::uint32_t* pixels;
-        int row;
-        bool opaque;
-    };
     struct ShapeStyle {
         ELook look = ELook::Fill;
         bool antialias = true;
@@ -160,28 +120,17 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
     QLX_PainterCairo(const QLX_PainterCairo& parent, const Cmn_RefCountPtr<QLX_CairoCanvas>& canvas,
                      const Cmn_Rect<int>& windowArea);
 
-    // Coordinates and clip: canvas pixels
+    // The clip, in canvas pixels
 
-    [[nodiscard]] Cmn_Rect<int>
-    ToCanvas(const Cmn_Rect<int>& local,
-             EResolution resolution = kResolution_Logical) const noexcept;
-    [[nodiscard]] Cmn_Rect<int> CanvasBounds() const noexcept;
-    [[nodiscard]] const std::vector<Cmn_Rect<int>>& DeviceClip();
-    void RebuildClip();
+    [[nodiscard]] const QLX_CanvasClip& Clip();
     /// Calls operation(rect) for every part of a canvas rectangle that the clip lets through.
     template <class Operation>
     void ForClipped(const Cmn_Rect<int>& rect, Operation operation);
     template <class Operation>
     void ForClippedRegion(const QLX_Region& region, Operation operation);
 
-    // Paints
-
-    [[nodiscard]] QLX_SpanPaint PenPaint() const noexcept;
-    [[nodiscard]] QLX_SpanPaint PlainPaint(const CRGBColor& color,
-                                           EAlphaBlendType blend = kAlphaBlend_Over) const noexcept;
-    [[nodiscard]] QLX_SpanPaint TextPaint() const noexcept;
+    /// Hides the base's: what most drawing is made of needs no detour over a primitive.
     void Fill(const Cmn_Rect<int>& canvasRect, const QLX_SpanPaint& paint);
-    [[nodiscard]] unsigned AlphaOf(const CRGBColor& color) const noexcept;
 
     // Curved shapes
 
@@ -191,14 +140,10 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
                    const QLX_SpanPaint& paint);
     void RoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool topOnly,
                    bool antialias, ELook look, const QLX_SpanPaint& paint);
-    void DiagonalLine(Cmn_Point<double> from, Cmn_Point<double> to, double width, bool includeEnd);
 
     // Text
 
     void PrepareFont();
-    /// One line from a canvas x (in 1/64ths of a pixel) on a canvas baseline, within limit; returns
-    /// its advance in pixels.
-    double DrawLine(std::string_view text, double x, int baseline, const Cmn_Rect<int>& limit);
     [[nodiscard]] bool DrawAsciiLine(std::string_view text, double& x, int baseline,
                                      const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint);
     [[nodiscard]] bool DrawSimpleLine(std::string_view text, double& x, int baseline,
@@ -207,21 +152,9 @@ class QLX_API QLX_PainterCairo final : public QLX_PainterState {
                     const QLX_SpanPaint& paint);
     void DrawGlyph(const QLX_GlyphMask& mask, int x, int y, const Cmn_Rect<int>& limit,
                    const QLX_SpanPaint& paint);
-    void DrawPlaced(const Cmn_Rect<int>& limit);
-
-    // Images
-
-    void DrawPixels(const Picture& picture, const Cmn_Rect<int>& part,
-                    const Cmn_Rect<int>& destination, EPenMode mode, const Cmn_Rect<int>* clip);
-    void CopyTo(const Picture& source, const Cmn_Rect<int>& part, const Cmn_Rect<int>& to,
-                EPenMode mode, const QLX_Region* mask);
 
     Cmn_RefCountPtr<QLX_CairoCanvas> mCanvas; // counted
-    Cmn_Point<int> mDeviceCorner; // the window's device pixel that the canvas's first pixel is
-    bool mOffscreen = false;
-
-    std::vector<Cmn_Rect<int>> mDeviceClip; // disjoint, canvas pixels
-    Cmn_Rect<int> mClipBounds;
+    QLX_CanvasClip mClip;
     unsigned mClipSeen = 0;
     std::vector<int> mColumns; // scratch of waveforms
 

@@ -508,7 +508,7 @@ bool QLX_D2DCanvas::DrawTextLine(const QLX_WinClip& clip, const QLX_WinText& tex
 }
 
 // The picture at the size it is drawn: sampled as everywhere else, so that it looks the same.
-ID2D1Bitmap* QLX_D2DCanvas::PictureFor(const QLX_WinPicture& picture, const Cmn_Rect<int>& part,
+ID2D1Bitmap* QLX_D2DCanvas::PictureFor(const QLX_CanvasPicture& picture, const Cmn_Rect<int>& part,
                                        const Cmn_Rect<int>& destination) {
     const Cmn_Point<int> size(destination.GetWidth(), destination.GetHeight());
     if (picture.image)
@@ -539,7 +539,7 @@ ID2D1Bitmap* QLX_D2DCanvas::PictureFor(const QLX_WinPicture& picture, const Cmn_
     return mPictures.front().bitmap.Get();
 }
 
-bool QLX_D2DCanvas::DrawPicture(const QLX_WinClip& clip, const QLX_WinPicture& picture,
+bool QLX_D2DCanvas::DrawPicture(const QLX_WinClip& clip, const QLX_CanvasPicture& picture,
                                 const Cmn_Rect<int>& part, const Cmn_Rect<int>& destination,
                                 const Cmn_Rect<int>& limit, EPenMode mode, unsigned alpha) {
     // Pictures that reach far beyond the canvas are cut by the pixels' way.

@@ -33,7 +33,7 @@ class QLX_API QLX_D2DCanvas final : public QLX_WinCanvas {
                    const QLX_SpanPaint& paint) override;
     bool DrawTextLine(const QLX_WinClip& clip, const QLX_WinText& text,
                       const QLX_SpanPaint& paint) override;
-    bool DrawPicture(const QLX_WinClip& clip, const QLX_WinPicture& picture,
+    bool DrawPicture(const QLX_WinClip& clip, const QLX_CanvasPicture& picture,
                      const Cmn_Rect<int>& part, const Cmn_Rect<int>& destination,
                      const Cmn_Rect<int>& limit, EPenMode mode, unsigned alpha) override;
 
@@ -60,7 +60,8 @@ class QLX_API QLX_D2DCanvas final : public QLX_WinCanvas {
     void End();
     [[nodiscard]] ID2D1SolidColorBrush* SolidBrush(std::uint32_t color, unsigned alpha);
     [[nodiscard]] QLX_ComPtr<ID2D1BitmapBrush> PatternBrush(const QLX_SpanPaint& paint);
-    [[nodiscard]] ID2D1Bitmap* PictureFor(const QLX_WinPicture& picture, const Cmn_Rect<int>& part,
+    [[nodiscard]] ID2D1Bitmap* PictureFor(const QLX_CanvasPicture& picture,
+                                          const Cmn_Rect<int>& part,
                                           const Cmn_Rect<int>& destination);
     [[nodiscard]] QLX_ComPtr<ID2D1Bitmap> Upload(const std::uint32_t* pixels, int row, int width,
                                                  int height, bool opaque);

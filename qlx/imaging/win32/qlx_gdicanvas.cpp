@@ -381,7 +381,7 @@ bool QLX_GDICanvas::DrawTextLine(const QLX_WinClip& clip, const QLX_WinText& tex
 }
 
 // On a bitmap of one's own the pixels' way is as good; a context is spared reading them back.
-bool QLX_GDICanvas::DrawPicture(const QLX_WinClip& clip, const QLX_WinPicture& picture,
+bool QLX_GDICanvas::DrawPicture(const QLX_WinClip& clip, const QLX_CanvasPicture& picture,
                                 const Cmn_Rect<int>& part, const Cmn_Rect<int>& destination,
                                 const Cmn_Rect<int>& limit, EPenMode mode, unsigned alpha) {
     if (mSurface.pixels || !mContext || mode != kPenMode_Copy)

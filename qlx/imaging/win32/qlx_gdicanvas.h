@@ -39,7 +39,7 @@ class QLX_API QLX_GDICanvas final : public QLX_WinCanvas {
                    const QLX_SpanPaint& paint) override;
     bool DrawTextLine(const QLX_WinClip& clip, const QLX_WinText& text,
                       const QLX_SpanPaint& paint) override;
-    bool DrawPicture(const QLX_WinClip& clip, const QLX_WinPicture& picture,
+    bool DrawPicture(const QLX_WinClip& clip, const QLX_CanvasPicture& picture,
                      const Cmn_Rect<int>& part, const Cmn_Rect<int>& destination,
                      const Cmn_Rect<int>& limit, EPenMode mode, unsigned alpha) override;
     bool Invert(const QLX_WinClip& clip, const Cmn_Rect<int>& rect) override;

@@ -4,21 +4,19 @@
 
 #include <vector>
 
-#include "qlx/imaging/qlx_painterstate.h"
+#include "qlx/imaging/qlx_canvaspainter.h"
 #include "qlx/imaging/win32/qlx_wincanvas.h"
 
 /// The shared base of the Windows painters. What a canvas cannot do by the system's means (the
 /// arithmetic pen modes, drawing into transparent bitmaps) is done on its pixels, so every
 /// operation gives the same picture on both, up to the smoothing of slanted edges.
-class QLX_API QLX_PainterWindows : public QLX_PainterState {
+class QLX_API QLX_PainterWindows : public QLX_CanvasPainter {
   public:
     enum ePainterKind : int { kPainterKind_GDI = 0, kPainterKind_Direct2D };
 
     ~QLX_PainterWindows() override;
 
     [[nodiscard]] QLX_WinCanvas& GetCanvas() const noexcept { return *mCanvas; }
-    /// The canvas's pixels as an image of as many pixels. Null when the canvas is gone.
-    [[nodiscard]] ImagePtr GetPixels();
     /// Device pixels of a window for 120 logical ones: QLX_SCALE, else what the system says of the
     /// monitor that the window is on.
     [[nodiscard]] static QLX_DeviceScale GetWindowScale(HWND window);
@@ -26,66 +24,23 @@ class QLX_API QLX_PainterWindows : public QLX_PainterState {
     // Slot order is part of the binary interface: append, never move.
 
     void* GetRawNativeDrawingPort() override;
-    void SaveToFile(const std::wstring& path) override;
     void Flush() override;
     bool IsValid() override;
-    void LineTo(float x, float y, bool includeEnd, EResolution resolution,
-                float thickness) override;
-    void OptimizedVerticalLine(int x, int top, int bottom, const CRGBColor& color,
-                               EResolution resolution) override;
-    void OptimizedHorizontalLine(int left, int right, int y, const CRGBColor& color,
-                                 EResolution resolution) override;
     void OptimizedWaveformFill(int x, int count, const int* minima, const int* maxima, int yOffset,
                                int top, int bottom, const CRGBColor& color, const Ptr& second,
                                const CRGBColor& secondColor, int columnWidth,
                                EResolution resolution) override;
-    void OptimizedVerticalLines(int count, const int* xs, const int* tops, const int* bottoms,
-                                const int* widths, const Cmn_PolyVector<CRGBColor>& colors,
-                                EAlphaBlendType blend, EResolution resolution) override;
-    void OptimizedHorizontalLines(int count, const int* ys, const int* lefts, const int* rights,
-                                  const int* heights, const Cmn_PolyVector<CRGBColor>& colors,
-                                  EAlphaBlendType blend, EResolution resolution) override;
-    void OptimizedDrawImage(const ImagePtr& image, const Cmn_Rect<int>& source,
-                            const Cmn_Rect<int>& destination, const Cmn_Rect<int>* clip,
-                            EResolution resolution) override;
-    using QLX_Painter::OptimizedDrawImage;
-    void OptimizedFillRect(const Cmn_Rect<int>& rect, const CRGBColor& color, EAlphaBlendType blend,
-                           EResolution resolution, const Ptr& second, const CRGBColor& secondColor,
-                           EAlphaBlendType secondBlend) override;
-    void OptimizedCopyPixelsFromOffscreen(const Cmn_Rect<int>& bufferBounds, void* pixels,
-                                          const Cmn_Rect<int>& source,
-                                          const Cmn_Rect<int>& destination, bool opaque) override;
-    void DrawRect(const Cmn_Rect<int>& rect) override;
     void DrawRoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool antialias,
                        bool topOnly) override;
     void DrawOval(const Cmn_Rect<int>& rect) override;
     void DrawArc(const Cmn_Rect<int>& rect, int startDegrees, int sweepDegrees,
                  bool antialias) override;
     void DrawPolygon(const Cmn_Polygon<int>& polygon, bool closed, bool antialias) override;
-    void DrawRegion(const QLX_Region& region) override;
-    void DrawChar(char character) override;
-    void DrawString(const std::string& text) override;
-    void DrawStringJustified(const Cmn_Rect<int>& rect, const std::string& text,
-                             EJustification justification, EVerticalJustification vertical,
-                             EResolution resolution) override;
-    int DrawTextBox(const Cmn_Rect<int>& rect, const std::string& text,
-                    EJustification justification, bool wrap, bool ellipsis, bool clip,
-                    bool erase) override;
-    void DrawSingleLineTextBox(const Cmn_Rect<int>& rect, const std::string& text, bool ellipsis,
-                               const Ptr& second) override;
-    void DrawImage(const ImagePtr& image, const Cmn_Rect<int>& rect, EPenMode mode) override;
-    void DrawImagePortion(const ImagePtr& image, const Cmn_Rect<int>& source,
-                          const Cmn_Rect<int>& destination, EPenMode mode,
-                          EResolution resolution) override;
-    void DrawIcon(const QLX_Icon& icon, const Cmn_Rect<int>& rect) override;
-    void ScrollCanvas(const Cmn_Rect<int>& rect, int dx, int dy, QLX_Region& toRepaint) override;
-    void FillRect(const Cmn_Rect<int>& rect) override;
     void FillRoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool antialias,
                        bool topOnly) override;
     void FillOval(const Cmn_Rect<int>& rect, bool antialias) override;
     void FillPolygon(const Cmn_Polygon<int>& polygon) override;
     void FillRegion(const QLX_Region& region) override;
-    void EraseRect(const Cmn_Rect<int>& rect) override;
     void EraseRoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY,
                         bool antialias) override;
     void EraseRegion(const QLX_Region& region) override;
@@ -97,14 +52,8 @@ class QLX_API QLX_PainterWindows : public QLX_PainterState {
     void HighlightRegion(const QLX_Region& region, const CRGBColor* color) override;
     Ptr CreateOffscreenPainter(const Cmn_Rect<int>& area, bool withAlpha,
                                bool copyContents) override;
-    bool IsOffscreen() override;
     void DrawPath(const PathPtr& path, bool antialias, ELineJoin join) override;
     void FillPath(const PathPtr& path) override;
-    void CopyCanvas(Ptr source, const Cmn_Rect<int>& sourceRect,
-                    const Cmn_Rect<int>& destinationRect, EPenMode mode, const QLX_Region* mask,
-                    Cmn_Point<int> maskOffset) override;
-    void SaveIntoImage(ImagePtr image, int variant) override;
-    ImagePtr CreateImage(Ptr painter) override;
     bool GetOffscreenBuffer(void** bits, int* width, int* height, int* rowBytes,
                             Cmn_Rect<int>* bounds, void** nativeCanvas,
                             void** nativeContext) override;
@@ -132,9 +81,25 @@ class QLX_API QLX_PainterWindows : public QLX_PainterState {
     /// Takes the drawing state of the painter that this one replaces.
     void Replace(const QLX_PainterWindows& replaced) { AdoptPaintState(replaced); }
 
-  protected:
-    bool OffscreenWillBeOverlayed() override;
+    // The primitives
 
+    Cmn_Rect<int> GetCanvasBounds() const noexcept override;
+    bool CanvasHasAlpha() const noexcept override;
+    bool BeginPixels(const Cmn_Rect<int>& area, QLX_Surface& surface,
+                     Cmn_Point<int>& corner) override;
+    void EndPixels(bool changed) override;
+    const QLX_Surface* GetMemory() override;
+    void FillPixels(const Cmn_Rect<int>* rects, std::size_t count,
+                    const QLX_SpanPaint& paint) override;
+    void DrawSlantedLine(Cmn_Point<double> from, Cmn_Point<double> to, int width,
+                         bool includeEnd) override;
+    double DrawTextLine(std::string_view text, double x, int baseline,
+                        const Cmn_Rect<int>& limit) override;
+    void DrawPicture(const QLX_CanvasPicture& picture, const Cmn_Rect<int>& part,
+                     const Cmn_Rect<int>& destination, EPenMode mode,
+                     const Cmn_Rect<int>* limit) override;
+
+  protected:
     QLX_PainterWindows(const Cmn_RefCountPtr<QLX_WinCanvas>& canvas,
                        const Cmn_Rect<int>& windowBounds, QLX_DeviceScale scale);
     QLX_PainterWindows(const QLX_PainterWindows& other);
@@ -149,40 +114,19 @@ class QLX_API QLX_PainterWindows : public QLX_PainterState {
                                                             const Cmn_Rect<int>& windowArea) = 0;
 
   private:
-    // Coordinates and clip: canvas pixels
-
-    [[nodiscard]] Cmn_Rect<int>
-    ToCanvas(const Cmn_Rect<int>& local,
-             EResolution resolution = kResolution_Logical) const noexcept;
     [[nodiscard]] const QLX_WinClip& Clip();
     void RebuildClip();
-    void AddToClip(const Cmn_Rect<int>& window);
 
-    // Paints
+    // By the canvas's own means, else on its pixels
 
-    [[nodiscard]] QLX_SpanPaint PenPaint() const noexcept;
-    [[nodiscard]] QLX_SpanPaint PlainPaint(const CRGBColor& color,
-                                           EAlphaBlendType blend = kAlphaBlend_Over) const noexcept;
-    [[nodiscard]] QLX_SpanPaint TextPaint() const noexcept;
-    [[nodiscard]] unsigned AlphaOf(const CRGBColor& color) const noexcept;
-
-    // Primitives: by the canvas's own means, else on its pixels
-
-    void Fill(const Cmn_Rect<int>& canvasRect, const QLX_SpanPaint& paint);
-    void FillMany(const Cmn_Rect<int>* rects, std::size_t count, const QLX_SpanPaint& paint);
     void FillRegionWith(const QLX_Region& region, const QLX_SpanPaint& paint);
     void Lay(const QLX_WinShape& shape, const QLX_SpanPaint& paint);
-    void DrawLineOfText(std::string_view text, double x, int baseline, const Cmn_Rect<int>& limit);
-    void DrawPixels(const QLX_WinPicture& picture, const Cmn_Rect<int>& part,
-                    const Cmn_Rect<int>& destination, EPenMode mode, const Cmn_Rect<int>* limit);
     /// Calls operation(surface, rect in the surface) for every clipped part of rectangles, in one
     /// access to the pixels.
     template <class Operation>
     void EditClipped(const Cmn_Rect<int>* rects, std::size_t count, Operation operation);
     template <class Operation>
     void EditRegion(const QLX_Region& region, Operation operation);
-    /// Copies an area within the canvas out; false when it cannot be read.
-    [[nodiscard]] bool ReadPixels(const Cmn_Rect<int>& area, std::vector<std::uint32_t>& pixels);
 
     void RoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool topOnly,
                    bool antialias, bool stroke, const QLX_SpanPaint& paint);
@@ -191,8 +135,6 @@ class QLX_API QLX_PainterWindows : public QLX_PainterState {
     // Data members keep their order.
 
     Cmn_RefCountPtr<QLX_WinCanvas> mCanvas; // counted
-    Cmn_Point<int> mDeviceCorner; // the window's device pixel that the canvas's first pixel is
-    bool mOffscreen = false;
     QLX_WinClip mClip;
     unsigned mClipSeen = 0;
     std::vector<Cmn_Rect<int>> mDirty; // device pixels

@@ -78,8 +78,6 @@ constexpr std::int64_t kMostMaskPixels = std::int64_t{1} << 21;
     return shape;
 }
 
-constexpr Cmn_Rect<int> kNoLimit(-(1 << 30), -(1 << 30), 1 << 30, 1 << 30);
-
 } // namespace
 
 // Shapes
@@ -246,46 +244,11 @@ void QLX_PainterWindows::FillPath(const PathPtr& path) {
 
 // Lines
 
-void QLX_PainterWindows::LineTo(float x, float y, bool includeEnd, EResolution resolution,
-                                float thickness) {
-    const Cmn_Point<double> from = mPenPlace;
-    const Cmn_Point<double> to = PointToDevice(x, y, resolution);
-    mPenPlace = to;
-    int across = ThicknessToDevice(mPenSize.x, resolution);
-    int down = ThicknessToDevice(mPenSize.y, resolution);
-    if (thickness > 0) {
-        const double unit = resolution == kResolution_Logical ? mScale.GetFactor() : 1;
-        across = down = std::max(1, int(std::lround(std::min<double>(thickness * unit, 1e6))));
-    }
-    if (across == 0 || down == 0)
-        return;
-    const auto round = [](double value, int corner) {
-        return int(std::floor(value + 0.5)) - corner;
-    };
-    const int x0 = round(from.x, mDeviceCorner.x), y0 = round(from.y, mDeviceCorner.y);
-    const int x1 = round(to.x, mDeviceCorner.x), y1 = round(to.y, mDeviceCorner.y);
-    if (x0 == x1 && y0 == y1) {
-        if (includeEnd)
-            Fill({x0, y0, x0 + across, y0 + down}, PenPaint());
-        return;
-    }
-    if (y0 == y1) {
-        const int end = includeEnd ? across : 0;
-        Fill(x1 > x0 ? Cmn_Rect<int>(x0, y0, x1 + end, y0 + down)
-                     : Cmn_Rect<int>(x1 + across - end, y0, x0 + across, y0 + down),
-             PenPaint());
-        return;
-    }
-    if (x0 == x1) {
-        const int end = includeEnd ? down : 0;
-        Fill(y1 > y0 ? Cmn_Rect<int>(x0, y0, x0 + across, y1 + end)
-                     : Cmn_Rect<int>(x0, y1 + down - end, x0 + across, y0 + down),
-             PenPaint());
-        return;
-    }
+void QLX_PainterWindows::DrawSlantedLine(Cmn_Point<double> from, Cmn_Point<double> to, int width,
+                                         bool includeEnd) {
     QLX_WinShape shape;
     shape.stroke = true;
-    shape.width = std::max(across, down);
+    shape.width = width;
     shape.squareCap = includeEnd;
     const double shiftX = shape.width / 2 - mDeviceCorner.x;
     const double shiftY = shape.width / 2 - mDeviceCorner.y;
@@ -297,7 +260,7 @@ void QLX_PainterWindows::LineTo(float x, float y, bool includeEnd, EResolution r
 
 // Text
 
-void QLX_PainterWindows::DrawLineOfText(std::string_view text, double x, int baseline,
+double QLX_PainterWindows::DrawTextLine(std::string_view text, double x, int baseline,
                                         const Cmn_Rect<int>& limit) {
     const QLX_WinClip& clip = Clip();
     const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
@@ -318,11 +281,11 @@ void QLX_PainterWindows::DrawLineOfText(std::string_view text, double x, int bas
     const QLX_SpanPaint paint = TextPaint();
     if (text.empty() || line.limit.Empty() || !IsValid() ||
         mCanvas->DrawTextLine(clip, line, paint))
-        return;
+        return width;
     const Cmn_Rect<int> area = line.limit;
     const QLX_WinMask mask = QLX_RenderText(line, area);
     if (!mask.bytes)
-        return;
+        return width;
     EditClipped(&area, 1,
                 [&](const QLX_Surface& surface, const Cmn_Rect<int>& part, Cmn_Point<int> corner) {
                     QLX_MaskSpans(surface, part,
@@ -331,76 +294,5 @@ void QLX_PainterWindows::DrawLineOfText(std::string_view text, double x, int bas
                                       (part.left + corner.x - area.left),
                                   mask.row, paint, /*paddedMask*/ false);
                 });
-}
-
-void QLX_PainterWindows::DrawChar(char character) { DrawString(std::string(1, character)); }
-
-void QLX_PainterWindows::DrawString(const std::string& text) {
-    const int baseline = int(std::floor(mPenPlace.y + 0.5)) - mDeviceCorner.y;
-    DrawLineOfText(text, mPenPlace.x - mDeviceCorner.x, baseline, kNoLimit);
-    mPenPlace.x += double(QLX_TextMeasure::Get().MeasureWidth(mFont, text)) * mScale.GetFactor();
-}
-
-void QLX_PainterWindows::DrawStringJustified(const Cmn_Rect<int>& rect, const std::string& text,
-                                             EJustification justification,
-                                             EVerticalJustification vertical,
-                                             EResolution resolution) {
-    const Cmn_Rect<int> box = ToCanvas(rect, resolution);
-    const double factor = mScale.GetFactor();
-    const double width = double(QLX_TextMeasure::Get().MeasureWidth(mFont, text)) * factor;
-    double x = box.left;
-    if (justification == kJustify_Center)
-        x += (double(box.GetWidth()) - width) / 2;
-    else if (justification == kJustify_Right)
-        x += double(box.GetWidth()) - width;
-    const QLX_FontMetrics metrics = mFont.GetMetrics();
-    const int height = int(std::lround(metrics.GetLineHeight() * factor));
-    std::int64_t top = box.top;
-    if (vertical == kJustify_Middle)
-        top += (std::int64_t{box.GetHeight()} - height) >> 1;
-    else if (vertical == kJustify_Bottom)
-        top += std::int64_t{box.GetHeight()} - height;
-    DrawLineOfText(text, x,
-                   Cmn_ClampTo<int>(top + int(std::lround(metrics.GetBaseline() * factor))),
-                   kNoLimit);
-}
-
-int QLX_PainterWindows::DrawTextBox(const Cmn_Rect<int>& rect, const std::string& text,
-                                    EJustification justification, bool wrap, bool ellipsis,
-                                    bool clip, bool erase) {
-    mLayout.LayOut(text, mFont, float(rect.GetWidth()), wrap ? kWrap_Word : kWrap_None);
-    const int height = mLayout.GetHeight();
-    if (!IsValid() || (rect.Empty() && (clip || erase)))
-        return height;
-    if (erase)
-        EraseRect(rect);
-    mLayout.Place(rect, justification, ellipsis);
-    const Cmn_Rect<int> limit = clip ? ToCanvas(rect) : kNoLimit;
-    for (const QLX_TextLayout::Placed& line : mLayout.GetPlaced())
-        DrawLineOfText(
-            line.text, (double(line.x) - mWindowOrigin.x) * mScale.GetFactor() - mDeviceCorner.x,
-            Cmn_ClampTo<int>(std::int64_t{EdgeYToDevice(line.baseline, kResolution_Logical)} -
-                             mDeviceCorner.y),
-            limit);
-    return height;
-}
-
-void QLX_PainterWindows::DrawSingleLineTextBox(const Cmn_Rect<int>& rect, const std::string& text,
-                                               bool ellipsis, const Ptr& second) {
-    if (IsValid() && !rect.Empty()) {
-        const std::string_view line = ellipsis
-                                          ? mLayout.CutToWidth(text, mFont, float(rect.GetWidth()))
-                                          : std::string_view(text);
-        const QLX_FontMetrics metrics = mFont.GetMetrics();
-        const int top = rect.top + (rect.GetHeight() - metrics.GetLineHeight()) / 2;
-        const Cmn_Rect<int> box = ToCanvas(rect);
-        DrawLineOfText(
-            line, box.left,
-            Cmn_ClampTo<int>(std::int64_t{EdgeYToDevice(std::int64_t{top} + metrics.GetBaseline(),
-                                                        kResolution_Logical)} -
-                             mDeviceCorner.y),
-            box);
-    }
-    if (second)
-        second->DrawSingleLineTextBox(rect, text, ellipsis, nullptr);
+    return width;
 }

@@ -29,7 +29,7 @@ bool QLX_WinCanvas::DrawTextLine(const QLX_WinClip&, const QLX_WinText&, const Q
     return false;
 }
 
-bool QLX_WinCanvas::DrawPicture(const QLX_WinClip&, const QLX_WinPicture&, const Cmn_Rect<int>&,
+bool QLX_WinCanvas::DrawPicture(const QLX_WinClip&, const QLX_CanvasPicture&, const Cmn_Rect<int>&,
                                 const Cmn_Rect<int>&, const Cmn_Rect<int>&, EPenMode, unsigned) {
     return false;
 }

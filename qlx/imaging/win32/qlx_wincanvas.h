@@ -6,16 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "qlx/imaging/qlx_canvaspainter.h"
 #include "qlx/imaging/qlx_font.h"
-#include "qlx/imaging/qlx_image.h"
 #include "qlx/imaging/qlx_path.h"
-#include "qlx/imaging/qlx_spans.h"
 #include "qlx/imaging/win32/qlx_hdcwrap.h"
 
-/// A clip in canvas pixels.
-struct QLX_WinClip {
-    std::vector<Cmn_Rect<int>> rects; ///< disjoint, within the canvas
-    Cmn_Rect<int> bounds;
+/// A clip with what tells it from others.
+struct QLX_WinClip : QLX_CanvasClip {
     /// Another number for every other clip of the process, so that a canvas sees at a glance
     /// whether the one it has selected is still right.
     unsigned stamp = 0;
@@ -45,14 +42,6 @@ struct QLX_WinText {
     double x = 0;       ///< canvas pixels
     int baseline = 0;
     Cmn_Rect<int> limit; ///< nothing is drawn outside
-};
-
-/// Premultiplied pixels to copy from.
-struct QLX_WinPicture {
-    const std::uint32_t* pixels = nullptr;
-    int rowPixels = 0;
-    bool opaque = false;
-    const QLX_Image* image = nullptr; ///< whose pixels these are, if they are an image's
 };
 
 /// Pixels shared by a painter and its clones. User-interface thread.
@@ -100,11 +89,10 @@ class QLX_API QLX_WinCanvas : public Cmn_RefCountObject {
     [[nodiscard]] virtual bool DrawTextLine(const QLX_WinClip& clip, const QLX_WinText& text,
                                             const QLX_SpanPaint& paint);
     /// part lies within the picture; limit, within the clip's bounds, narrows it further.
-    [[nodiscard]] virtual bool DrawPicture(const QLX_WinClip& clip, const QLX_WinPicture& picture,
-                                           const Cmn_Rect<int>& part,
-                                           const Cmn_Rect<int>& destination,
-                                           const Cmn_Rect<int>& limit, EPenMode mode,
-                                           unsigned alpha);
+    [[nodiscard]] virtual bool
+    DrawPicture(const QLX_WinClip& clip, const QLX_CanvasPicture& picture,
+                const Cmn_Rect<int>& part, const Cmn_Rect<int>& destination,
+                const Cmn_Rect<int>& limit, EPenMode mode, unsigned alpha);
     [[nodiscard]] virtual bool Invert(const QLX_WinClip& clip, const Cmn_Rect<int>& rect);
 
   protected:

@@ -3,13 +3,6 @@
 
 #include "qlx/imaging/win32/qlx_painterwindows.h"
 
-[[nodiscard]] inline Cmn_Rect<int> QLX_MovedBack(const Cmn_Rect<int>& rect,
-                                                 Cmn_Point<int> by) noexcept {
-    const auto minus = [](int a, int b) { return Cmn_ClampTo<int>(std::int64_t{a} - b); };
-    return {minus(rect.left, by.x), minus(rect.top, by.y), minus(rect.right, by.x),
-            minus(rect.bottom, by.y)};
-}
-
 /// A paint whose pattern keeps its place on a surface that begins at a corner of the canvas.
 [[nodiscard]] inline QLX_SpanPaint QLX_Phased(const QLX_SpanPaint& paint,
                                               Cmn_Point<int> corner) noexcept {
@@ -36,7 +29,7 @@ void QLX_PainterWindows::EditClipped(const Cmn_Rect<int>* rects, std::size_t cou
     for (std::size_t i = 0; i < count; ++i)
         for (const Cmn_Rect<int>& window : clip.rects)
             if (rects[i].Overlaps(window))
-                operation(surface, QLX_MovedBack(rects[i] & window, corner), corner);
+                operation(surface, MovedBack(rects[i] & window, corner), corner);
     mCanvas->EndEdit(true);
 }
 
