@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "basekit/sys/sys_processor.h"
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -302,8 +304,9 @@ class WideCover {
 };
 
 // Glyphs are 4 to 16 pixels wide, so rows are short and many: what they share is made once.
-void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
-               int maskRow, int taken, const QLX_SpanPaint& paint) noexcept {
+void CoverRowsNarrow(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                     const std::uint8_t* mask, int maskRow, int taken,
+                     const QLX_SpanPaint& paint) noexcept {
     const WideCover cover(paint, surface.hasAlpha);
     std::uint32_t* row = surface.At(rect.left, rect.top);
     const std::ptrdiff_t next = surface.rowPixels;
@@ -327,14 +330,61 @@ void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std:
     }
 }
 #else
-void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
-               int maskRow, int taken, const QLX_SpanPaint& paint) noexcept {
+void CoverRowsNarrow(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
+                     const std::uint8_t* mask, int maskRow, int taken,
+                     const QLX_SpanPaint& paint) noexcept {
     for (int y = rect.top; y < rect.bottom; ++y, mask += maskRow)
         CoverRow(surface.At(rect.left, y), mask, taken, paint, surface.hasAlpha);
 }
 #endif
 
+#if defined(QLX_AVX2_ROWS)
+bool sWide = Sys_HasAVX2();
+
+void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
+               int maskRow, int taken, const QLX_SpanPaint& paint) noexcept {
+    if (!sWide) {
+        CoverRowsNarrow(surface, rect, mask, maskRow, taken, paint);
+        return;
+    }
+    const int fours = taken & ~3;
+    if (fours != 0)
+        QLX_LayMaskRowsAVX2({surface.At(rect.left, rect.top), surface.rowPixels, mask, maskRow,
+                             fours, rect.bottom - rect.top, paint.color, paint.alpha,
+                             surface.hasAlpha});
+    if (fours != taken)
+        CoverRowsNarrow(surface, {rect.left + fours, rect.top, rect.right, rect.bottom},
+                        mask + fours, maskRow, taken - fours, paint);
+}
+#else
+void CoverRows(const QLX_Surface& surface, const Cmn_Rect<int>& rect, const std::uint8_t* mask,
+               int maskRow, int taken, const QLX_SpanPaint& paint) noexcept {
+    CoverRowsNarrow(surface, rect, mask, maskRow, taken, paint);
+}
+#endif
+
 } // namespace
+
+QLX_MaskLayer::QLX_MaskLayer(const QLX_Surface& surface, const QLX_SpanPaint& paint) noexcept
+    : mSurface(surface),
+      mPaint(paint), mRows{nullptr,     surface.rowPixels, nullptr,         0, 0, 0,
+                           paint.color, paint.alpha,       surface.hasAlpha} {
+#if defined(QLX_AVX2_ROWS)
+    if (sWide && !paint.pattern &&
+        (paint.mode == kPenMode_Copy || paint.mode == kPenMode_Transparent))
+        mLayRows = QLX_LayMaskRowsAVX2;
+#endif
+}
+
+bool QLX_UseWideSpans([[maybe_unused]] bool use) noexcept {
+#if defined(QLX_AVX2_ROWS)
+    const bool before = sWide;
+    sWide = use && Sys_HasAVX2();
+    return before;
+#else
+    return false;
+#endif
+}
 
 const QLX_PatternCell* QLX_GetPatternCell(EPenPattern pattern) noexcept {
     static constexpr QLX_PatternCell kCells[kPenPattern_Count] = {
@@ -357,49 +407,6 @@ const QLX_PatternCell* QLX_GetPatternCell(EPenPattern pattern) noexcept {
 
 namespace {
 
-// Opaque rectangles are what most drawing is made of, and many are narrow: bars and the sides of
-// frames. Rows of up to 16 pixels are stored without a loop, overlapping in the middle.
-void FillOpaque(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
-                std::uint32_t color) noexcept {
-    const int count = rect.right - rect.left;
-    std::uint32_t* row = surface.At(rect.left, rect.top);
-    const std::ptrdiff_t next = surface.rowPixels;
-    int rows = rect.bottom - rect.top;
-    if (count == 1) {
-        for (; rows > 0; --rows, row += next)
-            *row = color;
-        return;
-    }
-#if defined(__SSE2__)
-    const __m128i wide = _mm_set1_epi32(int(color));
-    const auto store = [&](std::uint32_t* place) {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(place), wide);
-    };
-    if (count >= 4 && count <= 8) {
-        for (; rows > 0; --rows, row += next) {
-            store(row);
-            store(row + count - 4);
-        }
-        return;
-    }
-    if (count > 8 && count <= 16) {
-        for (; rows > 0; --rows, row += next) {
-            store(row);
-            store(row + 4);
-            store(row + count - 8);
-            store(row + count - 4);
-        }
-        return;
-    }
-#endif
-    for (; rows > 0; --rows, row += next)
-        StoreRow(row, count, color);
-}
-
-} // namespace
-
-namespace {
-
 void FillGeneral(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
                  const QLX_SpanPaint& paint) noexcept {
     const int count = rect.right - rect.left;
@@ -416,10 +423,64 @@ void FillGeneral(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
 
 } // namespace
 
+// Opaque rectangles are what most drawing is made of, and many are narrow: bars and the sides of
+// frames. The last pixels of a row are stored together with some that were stored already, so that
+// no row has a loop for what is left over.
+void QLX_FillOpaque(std::uint32_t* row, std::ptrdiff_t rowPixels, int count, int rows,
+                    std::uint32_t color) noexcept {
+#if defined(__SSE2__)
+    const __m128i wide = _mm_set1_epi32(int(color));
+    const auto store = [&](std::uint32_t* place) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(place), wide);
+    };
+    if (count > 16) {
+        for (; rows > 0; --rows, row += rowPixels) {
+            std::uint32_t* const last = row + count - 16;
+            for (std::uint32_t* p = row; p < last; p += 16) {
+                store(p);
+                store(p + 4);
+                store(p + 8);
+                store(p + 12);
+            }
+            store(last);
+            store(last + 4);
+            store(last + 8);
+            store(last + 12);
+        }
+        return;
+    }
+    if (count > 8) {
+        for (; rows > 0; --rows, row += rowPixels) {
+            store(row);
+            store(row + 4);
+            store(row + count - 8);
+            store(row + count - 4);
+        }
+        return;
+    }
+    if (count >= 4) {
+        for (; rows > 0; --rows, row += rowPixels) {
+            store(row);
+            store(row + count - 4);
+        }
+        return;
+    }
+    if (count == 1) {
+        for (; rows > 0; --rows, row += rowPixels)
+            *row = color;
+        return;
+    }
+#endif
+    for (; rows > 0; --rows, row += rowPixels)
+        for (int i = 0; i < count; ++i)
+            row[i] = color;
+}
+
 void QLX_FillSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rect,
                    const QLX_SpanPaint& paint) noexcept {
     if (paint.mode == kPenMode_Copy && paint.alpha == 255 && !paint.pattern)
-        FillOpaque(surface, rect, paint.color);
+        QLX_FillOpaque(surface.At(rect.left, rect.top), surface.rowPixels, rect.right - rect.left,
+                       rect.bottom - rect.top, paint.color);
     else
         FillGeneral(surface, rect, paint);
 }

@@ -61,20 +61,19 @@ void QLX_PainterCairo::DrawGlyph(const QLX_GlyphMask& mask, int x, int y,
 // nothing, for others.
 bool QLX_PainterCairo::DrawAsciiLine(std::string_view text, double& x, int baseline,
                                      const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint) {
-    for (const char character : text)
-        if (static_cast<unsigned char>(character) >= 0x80 ||
-            !mAtSize->GetAscii(static_cast<unsigned char>(character)).simple)
-            return false;
+    if (!mAtSize->IsAsciiLine(text))
+        return false;
     const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
-    const QLX_Surface& surface = mCanvas->GetSurface();
+    QLX_MaskLayer layer(mCanvas->GetSurface(), paint);
     // Glyphs wholly inside are laid down as they are; empty where there is more than one rectangle.
     const Cmn_Rect<int> inside = mClip.rects.size() == 1 ? limit & mClip.bounds : Cmn_Rect<int>();
+    double place = x;
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
-        const PenPlace pen(x);
+        const PenPlace pen(place);
         if (pen.pixel > mClip.bounds.right + 4096)
             break;
-        x += double(mAtSize->GetAscii(byte).advance) * pixels;
+        place += double(mAtSize->GetAscii(byte).advance) * pixels;
         const QLX_GlyphMask& mask = mAtSize->GetAsciiMask(byte, pen.quarter);
         if (!mask.bytes)
             continue;
@@ -82,10 +81,11 @@ bool QLX_PainterCairo::DrawAsciiLine(std::string_view text, double& x, int basel
         const Cmn_Rect<int> box(left, top, left + mask.width, top + mask.height);
         if (box.left >= inside.left && box.top >= inside.top && box.right <= inside.right &&
             box.bottom <= inside.bottom)
-            QLX_MaskSpans(surface, box, mask.bytes, mask.pitch, paint, /*paddedMask*/ true);
+            layer.Lay(box, mask.bytes, mask.pitch);
         else
             DrawGlyph(mask, pen.pixel, baseline, limit, paint);
     }
+    x = place;
     return true;
 }
 

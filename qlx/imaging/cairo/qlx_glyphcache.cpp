@@ -292,7 +292,6 @@ const QLX_FontAtSize::Ascii& QLX_FontAtSize::MakeAscii(unsigned char character) 
     const QLX_FontCharacter& found = mFaces.GetCharacter(character);
     mAscii[character].advance = found.advance;
     mAscii[character].simple = found.simple;
-    mMade[character] = true;
     return mAscii[character];
 }
 

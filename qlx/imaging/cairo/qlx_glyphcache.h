@@ -98,14 +98,24 @@ class QLX_FontAtSize {
     [[nodiscard]] QLX_FontFaces& GetFaces() const noexcept { return mFaces; }
     [[nodiscard]] QLX_SizedFont& GetSized() const noexcept { return mSized; }
 
+    /// A character below 128.
     struct Ascii {
         const QLX_GlyphMask* masks[QLX_SizedFont::kQuarters]; ///< null: not rendered yet
         float advance;                                        ///< share of the em
         bool simple;
     };
-    /// Of a character below 128, looked up when first asked for.
-    [[nodiscard]] const Ascii& GetAscii(unsigned char character) {
-        return mMade[character] ? mAscii[character] : MakeAscii(character);
+    /// Whether all of a text is ASCII that is set one after the other.
+    [[nodiscard]] bool IsAsciiLine(std::string_view text) {
+        for (const char character : text) {
+            const auto byte = static_cast<unsigned char>(character);
+            if (byte >= 128 || (!mAscii[byte].simple && !MakeAscii(byte).simple))
+                return false;
+        }
+        return true;
+    }
+    /// Of a character that IsAsciiLine saw.
+    [[nodiscard]] const Ascii& GetAscii(unsigned char character) const noexcept {
+        return mAscii[character];
     }
     [[nodiscard]] const QLX_GlyphMask& GetAsciiMask(unsigned char character, int quarter) {
         const QLX_GlyphMask* mask = mAscii[character].masks[quarter];
@@ -116,10 +126,9 @@ class QLX_FontAtSize {
     const Ascii& MakeAscii(unsigned char character);
     const QLX_GlyphMask& RenderAscii(unsigned char character, int quarter);
 
-    QLX_FontFaces& mFaces; // the cache's
-    QLX_SizedFont& mSized; // the cache's
-    Ascii mAscii[128] = {};
-    bool mMade[128] = {};
+    QLX_FontFaces& mFaces;  // the cache's
+    QLX_SizedFont& mSized;  // the cache's
+    Ascii mAscii[128] = {}; // all zero until it is asked for
 };
 
 /// The process's glyphs. User-interface thread. Also the QLX_TextMeasure of the desktop, installed

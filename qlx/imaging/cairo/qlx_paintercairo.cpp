@@ -171,6 +171,7 @@ const QLX_CanvasClip& QLX_PainterCairo::Clip() {
     if (mClipSeen != mClipGeneration || mCanvas->IsGone()) {
         mClipSeen = mClipGeneration;
         MakeClip(mClip);
+        mIsDirect = mClip.rects.size() == 1 && mScale.IsOne();
     }
     return mClip;
 }
@@ -195,9 +196,35 @@ void QLX_PainterCairo::FillPixels(const Cmn_Rect<int>* rects, std::size_t count,
         Fill(rects[i], paint);
 }
 
+// Interfaces are drawn by thousands of small fills, of which looking up the clip, converting
+// coordinates with their overflows and describing the paint would be the larger part.
+inline bool QLX_PainterCairo::FillDirectly(const Cmn_Rect<int>& local,
+                                           std::uint32_t color) noexcept {
+    const QLX_Surface& surface = mCanvas->GetSurface();
+    if (!mIsDirect || mClipSeen != mClipGeneration || !surface.pixels)
+        return false;
+    const std::int64_t x = std::int64_t{mWindowOrigin.x} + mDeviceCorner.x;
+    const std::int64_t y = std::int64_t{mWindowOrigin.y} + mDeviceCorner.y;
+    const std::int64_t left = std::max<std::int64_t>(local.left - x, mClip.bounds.left);
+    const std::int64_t top = std::max<std::int64_t>(local.top - y, mClip.bounds.top);
+    const std::int64_t right = std::min<std::int64_t>(local.right - x, mClip.bounds.right);
+    const std::int64_t bottom = std::min<std::int64_t>(local.bottom - y, mClip.bounds.bottom);
+    if (left < right && top < bottom) // not of empty and inverted rectangles
+        QLX_FillOpaque(surface.At(int(left), int(top)), surface.rowPixels, int(right - left),
+                       int(bottom - top), color | 0xFF000000);
+    return true;
+}
+
+inline bool QLX_PainterCairo::PenIsPlain() const noexcept {
+    return mPenMode == kPenMode_Copy && mPenPattern == kPenPattern_Solid && mAlpha == 1 &&
+           mForegroundColor.IsOpaque();
+}
+
 // Fills
 
 void QLX_PainterCairo::FillRect(const Cmn_Rect<int>& rect) {
+    if (PenIsPlain() && FillDirectly(rect, mForegroundColor.AsInt32()))
+        return;
     if (!rect.Empty())
         Fill(ToCanvas(rect), PenPaint());
 }
@@ -268,7 +295,9 @@ void QLX_PainterCairo::OptimizedFillRect(const Cmn_Rect<int>& rect, const CRGBCo
                                          EAlphaBlendType blend, EResolution resolution,
                                          const Ptr& second, const CRGBColor& secondColor,
                                          EAlphaBlendType secondBlend) {
-    if (!rect.Empty())
+    const bool covers = mAlpha == 1 && blend != kAlphaBlend_Add &&
+                        (blend == kAlphaBlend_Ignore || color.IsOpaque());
+    if (!(covers && FillDirectly(rect, color.AsInt32())) && !rect.Empty())
         Fill(ToCanvas(rect, resolution), PlainPaint(color, blend));
     if (second)
         second->OptimizedFillRect(rect, secondColor, secondBlend, resolution, nullptr, secondColor,

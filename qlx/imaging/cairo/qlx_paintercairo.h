@@ -131,6 +131,10 @@ class QLX_API QLX_PainterCairo final : public QLX_CanvasPainter {
 
     /// Hides the base's: what most drawing is made of needs no detour over a primitive.
     void Fill(const Cmn_Rect<int>& canvasRect, const QLX_SpanPaint& paint);
+    /// The usual case: one colour, one rectangle of the clip, scale 1. False: it is not that case.
+    [[nodiscard]] bool FillDirectly(const Cmn_Rect<int>& local, std::uint32_t color) noexcept;
+    /// Whether the pen covers what it draws on with its colour.
+    [[nodiscard]] bool PenIsPlain() const noexcept;
 
     // Curved shapes
 
@@ -156,6 +160,7 @@ class QLX_API QLX_PainterCairo final : public QLX_CanvasPainter {
     Cmn_RefCountPtr<QLX_CairoCanvas> mCanvas; // counted
     QLX_CanvasClip mClip;
     unsigned mClipSeen = 0;
+    bool mIsDirect = false;    // mClip is one rectangle, and the scale is 1
     std::vector<int> mColumns; // scratch of waveforms
 
     QLX_FontAtSize* mAtSize = nullptr; // the glyph cache's
