@@ -68,6 +68,11 @@ if(MINGW)
     install(TARGETS session_host session_views sndfile RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
     install(DIRECTORY host/data DESTINATION ${CMAKE_INSTALL_DATADIR}/qlx/host COMPONENT tools)
 endif()
+# What the library looks for at run time, and themes to start one's own from.
+install(DIRECTORY data/themes DESTINATION ${CMAKE_INSTALL_DATADIR}/qlx COMPONENT runtime)
+if(NOT WIN32)
+    install(FILES data/fonts.conf DESTINATION ${CMAKE_INSTALL_DATADIR}/qlx COMPONENT runtime)
+endif()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qlx COMPONENT runtime)
 
 # What must be built before `cmake --install`.

@@ -357,9 +357,13 @@ void QLX_Theme::LoadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw std::runtime_error(path + ": cannot open the file");
+    (void)file.peek();
+    if (file.bad()) // a folder opens, but has no bytes
+        throw std::runtime_error(path + ": cannot read the file");
     const std::string text((std::istreambuf_iterator<char>(file)),
                            std::istreambuf_iterator<char>());
-    LoadText(text, path);
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    LoadText(std::string_view(text).substr(text.starts_with(kByteOrderMark) ? 3 : 0), path);
 }
 
 std::string QLX_Theme::AsText() {

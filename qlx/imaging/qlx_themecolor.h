@@ -69,6 +69,8 @@ enum EThemeVariant : int {
 /// thread: the library has a CColorTable present from its loading on, and the theme's and the
 /// user's colours are layers of it. Colours that views fetched stay as they are when the theme
 /// changes: the window invalidates everything and the views ask again.
+/// The built-in theme is also there as files, to start one's own from: light.theme, dark.theme and
+/// high-contrast.theme, in share/qlx/themes of an installed library.
 class QLX_API QLX_Theme {
   public:
     /// The colour in the current variant; out of range: opaque black, asserted.
@@ -95,7 +97,8 @@ class QLX_API QLX_Theme {
     /// for named colours. Throws std::runtime_error "source:line:column: reason" and then changes
     /// nothing.
     static void LoadText(std::string_view text, const std::string& source);
-    /// LoadText of a file's bytes.
+    /// LoadText of a file's bytes, whose byte order mark is skipped. A file that cannot be read
+    /// throws "path: reason".
     static void LoadFile(const std::string& path);
     /// The theme in the form that LoadText reads: all variants, colours in their order.
     [[nodiscard]] static std::string AsText();

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <limits>
 #include <stdexcept>
+#include <vector>
 
 #include "qlx/views/ucolortable.h"
 #include "tests/support/assertion_catcher.h"
@@ -68,6 +71,53 @@ TEST_F(Theme, TextReadsBackAndChangesOnlyWhatItNames) {
     EXPECT_EQ(QLX_Theme::AsText(), changed);
     QLX_Theme::LoadText("", "nothing");
     EXPECT_EQ(QLX_Theme::AsText(), builtIn) << "a theme lies over the built-in one";
+}
+
+std::string BytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// From a section's heading to the empty line behind it.
+std::string SectionOf(const std::string& theme, const std::string& name) {
+    const std::size_t begin = theme.find("[" + name + "]\n");
+    return begin == std::string::npos ? "" : theme.substr(begin, theme.find("\n\n", begin) - begin);
+}
+
+TEST_F(Theme, TheShippedFilesAreTheBuiltInThemes) {
+    const std::string folder = QLX_SOURCE_DIR "/data/themes/";
+    const std::string builtIn = QLX_Theme::AsText();
+    const struct {
+        const char* file;
+        std::vector<std::string> sections;
+    } rows[] = {{"light.theme", {"light"}},
+                {"dark.theme", {"dark"}},
+                {"high-contrast.theme", {"light high contrast", "dark high contrast"}}};
+    for (const auto& row : rows) {
+        const std::string theme = BytesOf(folder + row.file) + "\n";
+        for (const std::string& section : row.sections) {
+            EXPECT_NE(SectionOf(theme, section), "") << row.file;
+            EXPECT_EQ(SectionOf(theme, section), SectionOf(builtIn + "\n", section)) << row.file;
+        }
+        QLX_Theme::LoadFile(folder + row.file);
+        EXPECT_EQ(QLX_Theme::AsText(), builtIn) << row.file;
+    }
+}
+
+TEST_F(Theme, FilesAreReadWithAByteOrderMarkAndToldWhenTheyCannotBe) {
+    const std::string path = ::testing::TempDir() + "qlx_marked.theme";
+    std::ofstream(path, std::ios::binary) << "\xEF\xBB\xBF[light]\r\nText = #102030\r\n";
+    QLX_Theme::LoadFile(path);
+    EXPECT_EQ(QLX_Theme::GetColor(kThemeColor_Text), CRGBColor(0x1010, 0x2020, 0x3030));
+    std::remove(path.c_str());
+    for (const std::string& gone : {path, ::testing::TempDir()})
+        try {
+            QLX_Theme::LoadFile(gone);
+            ADD_FAILURE() << gone << " was read";
+        } catch (const std::runtime_error& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with(gone + ": cannot ")) << error.what();
+        }
+    EXPECT_EQ(QLX_Theme::GetColor(kThemeColor_Text), CRGBColor(0x1010, 0x2020, 0x3030));
 }
 
 TEST_F(Theme, WhatIsNoThemeIsToldWithItsPlace) {
