@@ -26,7 +26,16 @@ struct PenPlace {
 };
 static_assert(QLX_SizedFont::kQuarters == 4);
 
+// No glyph reaches as many pixels from its place: the largest that are rendered are of half the
+// size. Those that are farther off the clip are not even rendered, or a long text of many
+// characters would fill the memory with what nobody sees.
+constexpr int kFar = 4096;
+
 } // namespace
+
+bool QLX_PainterCairo::IsFarAcross(int x) const noexcept {
+    return x < mClip.bounds.left - kFar || x > mClip.bounds.right + kFar;
+}
 
 void QLX_PainterCairo::PrepareFont() {
     const unsigned generation = QLX_GlyphCache::GetGeneration();
@@ -71,9 +80,9 @@ bool QLX_PainterCairo::DrawAsciiLine(std::string_view text, double& x, int basel
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         const PenPlace pen(place);
-        if (pen.pixel > mClip.bounds.right + 4096)
-            break;
         place += double(mAtSize->GetAscii(byte).advance) * pixels;
+        if (IsFarAcross(pen.pixel))
+            continue;
         const QLX_GlyphMask& mask = mAtSize->GetAsciiMask(byte, pen.quarter);
         if (!mask.bytes)
             continue;
@@ -101,7 +110,7 @@ bool QLX_PainterCairo::DrawSimpleLine(std::string_view text, double& x, int base
         const QLX_FontCharacter& character = faces.GetCharacter(QLX_NextCodePoint(text, place));
         const PenPlace pen(x);
         x += double(character.advance) * pixels;
-        if (pen.pixel > mClip.bounds.right + 4096 || character.source.face < 0)
+        if (IsFarAcross(pen.pixel) || character.source.face < 0)
             continue;
         DrawGlyph(mAtSize->GetSized().GetGlyph(character.source, pen.quarter), pen.pixel, baseline,
                   limit, paint);
@@ -115,6 +124,8 @@ void QLX_PainterCairo::DrawShaped(const QLX_ShapedText& text, double x, int base
     for (const QLX_ShapedText::Glyph& glyph : text.glyphs) {
         const PenPlace pen(x + double(glyph.x) * factor);
         const int down = int(std::lround(double(glyph.y) * factor));
+        if (IsFarAcross(pen.pixel))
+            continue;
         DrawGlyph(mAtSize->GetSized().GetGlyph(glyph.source, pen.quarter), pen.pixel,
                   baseline + down, limit, paint);
     }
@@ -131,13 +142,16 @@ double QLX_PainterCairo::DrawTextLine(std::string_view text, double x, int basel
     x = std::clamp(x, -double(1 << 24), double(1 << 24));
     const QLX_SpanPaint paint = TextPaint();
     const double begin = x;
-    if (!DrawAsciiLine(text, x, baseline, limit, paint) &&
-        !DrawSimpleLine(text, x, baseline, limit, paint)) {
+    const bool isFar = baseline < mClip.bounds.top - kFar || baseline > mClip.bounds.bottom + kFar;
+    if (isFar)
+        x += double(QLX_TextMeasure::Get().MeasureWidth(mFont, text)) * mScale.GetFactor();
+    else if (!DrawAsciiLine(text, x, baseline, limit, paint) &&
+             !DrawSimpleLine(text, x, baseline, limit, paint)) {
         const QLX_ShapedText& shaped = QLX_ShapeText(mFont, text);
         DrawShaped(shaped, x, baseline, limit, paint);
         x += double(shaped.width) * mScale.GetFactor();
     }
-    if (mFont.IsUnderlined()) {
+    if (mFont.IsUnderlined() && !isFar) {
         const double pixels = double(mFont.GetSize()) * mScale.GetFactor();
         const int top =
             baseline +

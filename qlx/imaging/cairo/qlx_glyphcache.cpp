@@ -199,34 +199,39 @@ const QLX_GlyphMask& QLX_SizedFont::GetGlyph(const QLX_GlyphSource& source, int 
                     bitmap.buffer + std::ptrdiff_t(y) * bitmap.pitch, std::size_t(mask.width));
     mask.bytes = bytes;
     cache.maskBytes += size;
+    if (cache.maskBytes > kMostMaskBytes)
+        ++cache.generation; // painters fetch their size anew with the next line, which clears
     return mask;
 }
 
 QLX_FontFaces::QLX_FontFaces(const QLX_Font& font) : mSlant(font.IsItalic()) {
+    // The standard family has the characters that another lacks, and stands in for one whose file
+    // cannot be used.
     const std::string own = QLX_GlyphCache::GetFontFile(font.GetFamily(), font.IsBold());
-    const int number = QLX_GlyphCache::OpenFace(own, 0);
-    if (number >= 0) {
-        mIsThere = true;
-        mFaces.push_back({std::int16_t(number), false});
-        const FT_Face face = TheCache().faces[std::size_t(number)];
-        const float em = face->units_per_EM;
-        mMetrics.ascent = float(face->ascender) / em;
-        mMetrics.descent = float(-face->descender) / em;
-        mMetrics.leading =
-            std::max(0.0F, float(face->height - face->ascender + face->descender) / em);
-        mUnderlineOffset = float(-face->underline_position) / em;
-        mUnderlineThickness = float(face->underline_thickness) / em;
-    } else {
+    const std::string standard = QLX_GlyphCache::GetFontFile("DejaVu Sans", font.IsBold());
+    if (!AddFace(own))
         Cmn_TraceWrite("font file \"%s\" of \"%s\" cannot be opened", own.c_str(),
                        font.GetFamily().c_str());
-    }
-    // Characters that the family lacks may be in the standard family.
-    const std::string standard = QLX_GlyphCache::GetFontFile("DejaVu Sans", font.IsBold());
-    if (standard != own) {
-        const int second = QLX_GlyphCache::OpenFace(standard, 0);
-        if (second >= 0)
-            mFaces.push_back({std::int16_t(second), false});
-    }
+    if (standard != own)
+        (void)AddFace(standard);
+}
+
+bool QLX_FontFaces::AddFace(const std::string& path) {
+    const int number = QLX_GlyphCache::OpenFace(path, 0);
+    if (number < 0)
+        return false;
+    mFaces.push_back({std::int16_t(number), false});
+    if (mIsThere)
+        return true;
+    mIsThere = true; // the first face says how high lines are
+    const FT_Face face = TheCache().faces[std::size_t(number)];
+    const float em = face->units_per_EM;
+    mMetrics.ascent = float(face->ascender) / em;
+    mMetrics.descent = float(-face->descender) / em;
+    mMetrics.leading = std::max(0.0F, float(face->height - face->ascender + face->descender) / em);
+    mUnderlineOffset = float(-face->underline_position) / em;
+    mUnderlineThickness = float(face->underline_thickness) / em;
+    return true;
 }
 
 const QLX_FontCharacter& QLX_FontFaces::FindCharacter(char32_t code) {

@@ -69,12 +69,14 @@ class QLX_FontFaces {
     [[nodiscard]] const QLX_FontMetrics& GetMetrics() const noexcept { return mMetrics; }
     [[nodiscard]] float GetUnderlineOffset() const noexcept { return mUnderlineOffset; }
     [[nodiscard]] float GetUnderlineThickness() const noexcept { return mUnderlineThickness; }
-    /// Whether the family's own face could be opened.
+    /// Whether a face could be opened: the family's own, or the standard one in its place.
     [[nodiscard]] bool IsThere() const noexcept { return mIsThere; }
 
   private:
     static constexpr char32_t kDirect = 0x250;
     const QLX_FontCharacter& FindCharacter(char32_t code);
+    /// False when the file cannot be used.
+    [[nodiscard]] bool AddFace(const std::string& path);
 
     struct Face {
         std::int16_t number;

@@ -148,6 +148,8 @@ class QLX_API QLX_PainterCairo final : public QLX_CanvasPainter {
     // Text
 
     void PrepareFont();
+    /// Whether nothing of a glyph at an x can show.
+    [[nodiscard]] bool IsFarAcross(int x) const noexcept;
     [[nodiscard]] bool DrawAsciiLine(std::string_view text, double& x, int baseline,
                                      const Cmn_Rect<int>& limit, const QLX_SpanPaint& paint);
     [[nodiscard]] bool DrawSimpleLine(std::string_view text, double& x, int baseline,

@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <random>
 #include <stdexcept>
 
+#include "basekit/cmn/cmn_string.h"
 #include "qlx/foundation/qlx_region.h"
+#include "qlx/imaging/cairo/qlx_glyphcache.h"
 #include "qlx/imaging/cairo/qlx_paintercairo.h"
 #include "qlx/imaging/qlx_font.h"
 #include "qlx/imaging/qlx_image.h"
@@ -166,6 +170,53 @@ TEST(PainterLimits, GiganticRectanglesCoverTheCanvas) {
             }
 }
 
+// A clip of one rectangle is drawn in without a detour, one of two is not: the pixels are the same,
+// and they are those that the rectangles say.
+TEST(PainterLimits, FillsTakeTheSamePixelsOnEitherRoad) {
+    for (unsigned seed = 1; seed <= 500; ++seed) {
+        std::mt19937 random(seed);
+        const auto place = [&](int most) {
+            const unsigned kind = random() % 20;
+            return kind == 0 ? kLowest : kind == 1 ? kHighest : int(random() % unsigned(most)) - 10;
+        };
+        const Cmn_Point<int> origin(int(random() % 30) - 15, int(random() % 30) - 15);
+        const Rect clip(int(random() % 20), int(random() % 15), 20 + int(random() % 20),
+                        15 + int(random() % 15));
+        const Rect left(clip.left, clip.top, 20, clip.bottom), right(20, clip.top, clip.right, 15);
+        const Rect below(20, 15, clip.right, clip.bottom);
+        const Painter direct = NewCanvas(), general = NewCanvas();
+        direct->SetClip(clip);
+        QLX_Region pieces(left); // together the clip, kept apart by a rectangle off the canvas
+        pieces.UniteWith(right);
+        pieces.UniteWith(below);
+        pieces.UniteWith(Rect(100, 100, 101, 101));
+        general->SetClip(pieces);
+        std::vector<std::uint32_t> should(40 * 30, 0xFFFFFFFF);
+        for (int call = 0; call < 6; ++call) {
+            const Rect rect(place(50), place(40), place(50), place(40));
+            const CRGBColor color(static_cast<unsigned short>(random() % 256 * 257), 0, 65535);
+            for (const Painter& p : {direct, general}) {
+                p->SetWindowOrigin(origin);
+                p->SetForegroundColor(color);
+                if (call % 2 == 0)
+                    p->FillRect(rect);
+                else
+                    p->OptimizedFillRect(rect, color, QLX_Painter::kAlphaBlend_Over,
+                                         QLX_Painter::kResolution_Logical, nullptr, color,
+                                         QLX_Painter::kAlphaBlend_Over);
+            }
+            for (int y = clip.top; y < clip.bottom; ++y)
+                for (int x = clip.left; x < clip.right; ++x)
+                    if (x + origin.x >= rect.left && x + origin.x < rect.right &&
+                        y + origin.y >= rect.top && y + origin.y < rect.bottom)
+                        should[std::size_t(y * 40 + x)] = color.AsInt32();
+        }
+        const QLX_Image::Ptr pixels = PixelsOf(direct);
+        ASSERT_TRUE(pixels->IsEqual(*QLX_Image::Create(40, 30, should))) << "seed " << seed;
+        ASSERT_TRUE(pixels->IsEqual(*PixelsOf(general))) << "seed " << seed;
+    }
+}
+
 TEST(PainterLimits, OriginsAndClipsFromAnywhere) {
     const Cmn_Point<int> origins[] = {
         {kLowest, kLowest}, {kHighest, kHighest}, {kLowest, kHighest}};
@@ -256,6 +307,85 @@ TEST(PainterLimits, MalformedTextShowsTheReplacementCharacter) {
         EXPECT_TRUE(SamePictures(*PixelsOf(a), *PixelsOf(b), "malformed")) << row.why;
         EXPECT_EQ(a->MeasureStringWidthF(row.text), b->MeasureStringWidthF(well)) << row.why;
     }
+}
+
+TEST(PainterLimits, AFontWhoseFileCannotBeUsedIsTheStandardOne) {
+    const std::string folder = ::testing::TempDir();
+    const std::string cut = folder + "qlx_cut.ttf", empty = folder + "qlx_empty.ttf";
+    {
+        std::ifstream whole(QLX_GlyphCache::GetFontFile("DejaVu Sans", false), std::ios::binary);
+        std::string begin(5000, '\0');
+        whole.read(begin.data(), 5000);
+        std::ofstream(cut, std::ios::binary) << begin;
+        std::ofstream(empty, std::ios::binary) << "";
+    }
+    const struct {
+        const char* why;
+        std::string path;
+    } rows[] = {{"not there", folder + "nobody.ttf"},
+                {"empty", empty},
+                {"cut after its tables' list", cut},
+                {"a folder", folder},
+                {"no path", ""}};
+    for (const auto& row : rows) {
+        QLX_GlyphCache::AddFontFile("Broken", false, row.path);
+        const Painter a = NewCanvas(), b = NewCanvas();
+        a->SetFont(QLX_Font("Broken", 12));
+        b->SetFont(QLX_Font("DejaVu Sans", 12));
+        for (const Painter& p : {a, b}) {
+            p->MoveTo(2, 20, QLX_Painter::kResolution_Logical);
+            p->DrawString("Ag");
+        }
+        EXPECT_GT(CountChanged(*PixelsOf(a)), 0) << row.why;
+        EXPECT_TRUE(SamePictures(*PixelsOf(a), *PixelsOf(b), "broken-font")) << row.why;
+        EXPECT_EQ(a->MeasureStringWidthF("Ag"), b->MeasureStringWidthF("Ag")) << row.why;
+        EXPECT_EQ(a->MeasureStringHeight(50, "Ag", QLX_Painter::kWrap_None),
+                  b->MeasureStringHeight(50, "Ag", QLX_Painter::kWrap_None))
+            << row.why;
+    }
+    std::remove(cut.c_str());
+    std::remove(empty.c_str());
+}
+
+// Many different characters in a gigantic size, most of them off the canvas.
+std::string ManyCharacters(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        Cmn_AppendUTF8(text, char32_t(0x4E00 + i));
+    return text;
+}
+
+TEST(PainterLimits, GiganticTextsRenderOnlyWhatCanShow) {
+    const std::string text = ManyCharacters(500);
+    const Painter p = NewCanvas();
+    p->SetFont(QLX_Font("DejaVu Sans", 1000));
+    const float width = p->MeasureStringWidthF(text);
+    const std::uint64_t before = QLX_GlyphCache::GetRenderedCount();
+    p->MoveTo(-250000, 20, QLX_Painter::kResolution_Logical);
+    p->DrawString(text);
+    EXPECT_LT(QLX_GlyphCache::GetRenderedCount() - before, 20U);
+    p->MoveTo(0, 100000, QLX_Painter::kResolution_Logical);
+    p->DrawString(text);
+    EXPECT_LT(QLX_GlyphCache::GetRenderedCount() - before, 20U);
+    // The pen moves by the whole width all the same, back into the picture here.
+    p->SetFont(QLX_Font("DejaVu Sans", 1000));
+    p->MoveTo(5 - width, 20000, QLX_Painter::kResolution_Logical);
+    p->DrawString(text);
+    p->LineTo(5, -20000, true, QLX_Painter::kResolution_Logical, 0);
+    EXPECT_EQ(PixelsOf(p)->GetPixel(5, 10), 0xFFFF0000U);
+}
+
+TEST(PainterLimits, GlyphsAreThrownAwayWhileOneFontStays) {
+    const Painter p = NewCanvas();
+    p->SetFont(QLX_Font("DejaVu Sans", 900));
+    const unsigned before = QLX_GlyphCache::GetGeneration();
+    const std::string text = ManyCharacters(400);
+    for (std::size_t at = 0; at < text.size(); at += 3) {
+        p->MoveTo(0, 20, QLX_Painter::kResolution_Logical);
+        p->DrawString(text.substr(at, 3));
+    }
+    EXPECT_GT(QLX_GlyphCache::GetGeneration(), before);
+    QLX_GlyphCache::Clear();
 }
 
 TEST(PainterLimits, NothingIsDrawnFromNull) {
