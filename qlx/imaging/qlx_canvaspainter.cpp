@@ -100,23 +100,10 @@ void QLX_CanvasPainter::DrawRect(const Cmn_Rect<int>& rect) {
     FillPixels(sides, 4, paint);
 }
 
-// The pixels of a region with a pixel outside it within reach of the pen: those that the
-// complement, every rectangle of it grown by the pen's size, runs into.
 void QLX_CanvasPainter::DrawRegion(const QLX_Region& region) {
-    if (region.IsEmpty() || mPenSize.x == 0 || mPenSize.y == 0)
-        return;
-    const Cmn_Rect<int> bounds = region.GetBounds();
-    const auto grown = [&](const Cmn_Rect<int>& rect) {
-        return Cmn_Rect<int>(Cmn_SaturatingAdd(rect.left, -int{mPenSize.x}),
-                             Cmn_SaturatingAdd(rect.top, -int{mPenSize.y}),
-                             Cmn_SaturatingAdd(rect.right, int{mPenSize.x}),
-                             Cmn_SaturatingAdd(rect.bottom, int{mPenSize.y}));
-    };
-    const QLX_Region outside(QLX_Region(grown(bounds)).Difference(region));
-    QLX_Region reached;
-    for (const Cmn_Rect<int>& rect : outside.GetRectList())
-        reached.UniteWith(grown(rect));
-    FillRegion(QLX_Region(region.Intersection(reached)));
+    const QLX_Region frame = GetFrame(region, mPenSize);
+    if (!frame.IsEmpty())
+        FillRegion(frame);
 }
 
 void QLX_CanvasPainter::LineTo(float x, float y, bool includeEnd, EResolution resolution,

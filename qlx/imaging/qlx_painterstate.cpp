@@ -132,6 +132,22 @@ void QLX_PainterState::ClearSystemClip() noexcept {
     ++mClipGeneration;
 }
 
+// Those that the complement, every rectangle of it grown by the pen's size, runs into.
+QLX_Region QLX_PainterState::GetFrame(const QLX_Region& region, Cmn_Point<short> pen) {
+    if (region.IsEmpty() || pen.x <= 0 || pen.y <= 0)
+        return {};
+    const auto grown = [&](const Cmn_Rect<int>& rect) {
+        return Cmn_Rect<int>(
+            Cmn_SaturatingAdd(rect.left, -int{pen.x}), Cmn_SaturatingAdd(rect.top, -int{pen.y}),
+            Cmn_SaturatingAdd(rect.right, int{pen.x}), Cmn_SaturatingAdd(rect.bottom, int{pen.y}));
+    };
+    const QLX_Region outside(QLX_Region(grown(region.GetBounds())).Difference(region));
+    QLX_Region reached;
+    for (const Cmn_Rect<int>& rect : outside.GetRectList())
+        reached.UniteWith(grown(rect));
+    return QLX_Region(region.Intersection(reached));
+}
+
 void QLX_PainterState::SetAlpha(float alpha) {
     mAlpha = std::isnan(alpha) ? 1 : std::clamp(alpha, 0.0F, 1.0F);
 }

@@ -67,6 +67,9 @@ class QLX_API QLX_PainterState : public QLX_Painter {
     /// window systems do while a window is repainted. It stays in force under every SetClip.
     void SetSystemClip(const QLX_Region& regionInWindow);
     void ClearSystemClip() noexcept;
+    /// The pixels of a region that have a pixel outside it within a pen's size: what DrawRegion
+    /// draws.
+    [[nodiscard]] static QLX_Region GetFrame(const QLX_Region& region, Cmn_Point<short> pen);
 
   protected:
     /// Canvas in window coordinates, logical units.

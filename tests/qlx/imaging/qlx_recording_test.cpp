@@ -1,9 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <sstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "newfilelibs/cmn/cmn_polygon.h"
 #include "qlx/imaging/qlx_image.h"
+#include "qlx/imaging/qlx_painterfactory.h"
 #include "qlx/imaging/qlx_recordingpainter.h"
 #include "qlx/imaging/qlx_statesavers.h"
 #include "tests/support/painter_sheet.h"
@@ -134,6 +140,76 @@ TEST(Recording, WhatIsNoRecordingIsToldWithItsPlace) {
             EXPECT_STREQ(error.what(), row.message);
         }
     }
+}
+
+// Damages a text here and there: bytes changed, lines left out, doubled, exchanged or cut, numbers
+// replaced by those at the limits.
+std::string Damaged(const std::string& text, std::mt19937& random) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    for (unsigned i = 1 + random() % 4; i > 0 && lines.size() > 1; --i) {
+        const std::size_t at = random() % lines.size();
+        std::string& line = lines[at];
+        switch (random() % 7) {
+        case 0:
+            lines.erase(lines.begin() + std::ptrdiff_t(at));
+            break;
+        case 1:
+            lines.insert(lines.begin() + std::ptrdiff_t(at), lines[random() % lines.size()]);
+            break;
+        case 2:
+            std::swap(line, lines[random() % lines.size()]);
+            break;
+        case 3:
+            line.resize(random() % (line.size() + 1));
+            break;
+        case 4:
+            if (!line.empty())
+                line[random() % line.size()] = char(random());
+            break;
+        default: {
+            const std::size_t digit =
+                line.find_first_of("0123456789", random() % (line.size() + 1));
+            if (digit == std::string::npos)
+                break;
+            const std::size_t end =
+                std::min(line.find_first_not_of("0123456789.", digit), line.size());
+            constexpr const char* kNumbers[] = {"2147483647", "-2147483648", "0",   "-1",
+                                                "99",         "1e30",        "nan", "8"};
+            line.replace(digit, end - digit, kNumbers[random() % std::size(kNumbers)]);
+            break;
+        }
+        }
+    }
+    std::string out;
+    for (const std::string& line : lines)
+        out += line + '\n';
+    return out;
+}
+
+TEST(Recording, DamagedRecordingsAreReadOrTold) {
+    const auto p = NewRecorder(kPainterSheetWidth, kPainterSheetHeight);
+    DrawPainterSheet(p);
+    const std::string text = Complete(RecordingOf(p));
+    int read = 0;
+    for (unsigned seed = 1; seed <= 150; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const std::string damaged = Damaged(text, random);
+        try {
+            const auto recording = QLX_Recording::Parse(damaged, "d");
+            ++read;
+            EXPECT_FALSE(recording->AsSVG().empty());
+            recording->Replay(NewRecorder());
+            if (QLX_PainterMaker* maker = QLX_PainterFactory::Find("cairo"))
+                recording->Replay(maker->MakeOffscreen(40, 30, QLX_DeviceScale(), true));
+        } catch (const std::runtime_error& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with("d:")) << error.what();
+        }
+    }
+    EXPECT_GT(read, 20) << "most damage should be harmless enough to be read";
 }
 
 TEST(Recording, AnSVGHoldsNothingThatXMLRefuses) {
