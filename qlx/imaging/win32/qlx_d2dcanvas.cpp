@@ -30,114 +30,6 @@ void Report(const char* what, HRESULT result) {
     Cmn_TraceWrite("%s (0x%08lX)", what, static_cast<unsigned long>(result));
 }
 
-struct Figure {
-    std::vector<D2D1_POINT_2F> points;
-    bool closed = false;
-};
-
-// A cubic curve as short lines: implementations differ in how well they follow a long curve, and
-// pieces of a few pixels look the same on all of them.
-void AddCurve(std::vector<D2D1_POINT_2F>& points, const Cmn_Point<float>* control) {
-    const D2D1_POINT_2F from = points.back();
-    const auto distance = [](float ax, float ay, float bx, float by) {
-        return std::hypot(double(ax) - bx, double(ay) - by);
-    };
-    const double length = distance(from.x, from.y, control[0].x, control[0].y) +
-                          distance(control[0].x, control[0].y, control[1].x, control[1].y) +
-                          distance(control[1].x, control[1].y, control[2].x, control[2].y);
-    const int pieces = std::clamp(int(std::sqrt(length) * 1.5) + 2, 4, 96);
-    for (int i = 1; i <= pieces; ++i) {
-        const double t = double(i) / pieces, u = 1 - t;
-        const double a = u * u * u, b = 3 * u * u * t, c = 3 * u * t * t, d = t * t * t;
-        points.push_back(
-            {float(a * from.x + b * control[0].x + c * control[1].x + d * control[2].x),
-             float(a * from.y + b * control[0].y + c * control[1].y + d * control[2].y)});
-    }
-}
-
-[[nodiscard]] std::vector<Figure> FiguresOf(const QLX_WinShape& shape) {
-    std::vector<Figure> figures;
-    bool fresh = true;
-    Cmn_Point<float> start;
-    for (const QLX_Path::Element& element : shape.path.GetElements()) {
-        const auto& p = element.points;
-        if (element.verb == QLX_Path::EVerb::Move) {
-            start = p[0];
-            fresh = true;
-            continue;
-        }
-        if (element.verb == QLX_Path::EVerb::Close) {
-            if (!fresh)
-                figures.back().closed = true;
-            fresh = true;
-            continue;
-        }
-        if (fresh) {
-            figures.emplace_back();
-            figures.back().points.push_back({start.x, start.y});
-            fresh = false;
-        }
-        if (element.verb == QLX_Path::EVerb::Line)
-            figures.back().points.push_back({p[0].x, p[0].y});
-        else
-            AddCurve(figures.back().points, p);
-    }
-    return figures;
-}
-
-// Moves a point away from its neighbour: what a square cap does, which not every implementation
-// knows.
-void Lengthen(D2D1_POINT_2F& end, const D2D1_POINT_2F& neighbour, double by) {
-    const double dx = double(end.x) - neighbour.x, dy = double(end.y) - neighbour.y;
-    const double length = std::hypot(dx, dy);
-    if (length > 0) {
-        end.x += float(dx / length * by);
-        end.y += float(dy / length * by);
-    }
-}
-
-[[nodiscard]] QLX_ComPtr<ID2D1PathGeometry> GeometryOf(const QLX_WinShape& shape) {
-    QLX_ComPtr<ID2D1PathGeometry> geometry;
-    ID2D1PathGeometry* made = nullptr;
-    ID2D1GeometrySink* opened = nullptr;
-    if (FAILED(QLX_D2DManager::GetFactory()->CreatePathGeometry(&made)))
-        return geometry;
-    geometry.Adopt(made);
-    if (FAILED(made->Open(&opened)))
-        return {};
-    QLX_ComPtr<ID2D1GeometrySink> sink;
-    sink.Adopt(opened);
-    sink->SetFillMode(shape.evenOdd ? D2D1_FILL_MODE_ALTERNATE : D2D1_FILL_MODE_WINDING);
-    for (Figure& figure : FiguresOf(shape)) {
-        std::vector<D2D1_POINT_2F>& points = figure.points;
-        if (shape.squareCap && !figure.closed && points.size() > 1) {
-            Lengthen(points.front(), points[1], shape.width / 2);
-            Lengthen(points.back(), points[points.size() - 2], shape.width / 2);
-        }
-        sink->BeginFigure(points[0],
-                          shape.stroke ? D2D1_FIGURE_BEGIN_HOLLOW : D2D1_FIGURE_BEGIN_FILLED);
-        sink->AddLines(points.data() + 1, UINT32(points.size() - 1));
-        sink->EndFigure(figure.closed ? D2D1_FIGURE_END_CLOSED : D2D1_FIGURE_END_OPEN);
-    }
-    if (FAILED(sink->Close()))
-        return {};
-    return geometry;
-}
-
-[[nodiscard]] QLX_ComPtr<ID2D1StrokeStyle> StrokeOf(const QLX_WinShape& shape) {
-    const D2D1_CAP_STYLE cap = D2D1_CAP_STYLE_FLAT; // square ones are in the geometry
-    const D2D1_LINE_JOIN join = shape.join == QLX_Painter::kLineJoin_Round   ? D2D1_LINE_JOIN_ROUND
-                                : shape.join == QLX_Painter::kLineJoin_Bevel ? D2D1_LINE_JOIN_BEVEL
-                                                                             : D2D1_LINE_JOIN_MITER;
-    const D2D1_STROKE_STYLE_PROPERTIES properties{cap, cap, cap, join, 10, D2D1_DASH_STYLE_SOLID,
-                                                  0};
-    QLX_ComPtr<ID2D1StrokeStyle> style;
-    ID2D1StrokeStyle* made = nullptr;
-    if (SUCCEEDED(QLX_D2DManager::GetFactory()->CreateStrokeStyle(&properties, nullptr, 0, &made)))
-        style.Adopt(made);
-    return style;
-}
-
 } // namespace
 
 // A device context on the target, open until its wrap goes.
@@ -254,6 +146,7 @@ bool QLX_D2DCanvas::MakeTarget() {
 void QLX_D2DCanvas::DropTarget() noexcept {
     mBrush.Reset();
     mPictures.clear();
+    mShapes.Clear();
     mPassing.Reset();
     mWindowTarget.Reset();
     mTarget.Reset();
@@ -388,21 +281,6 @@ ID2D1SolidColorBrush* QLX_D2DCanvas::SolidBrush(std::uint32_t color, unsigned al
     return mBrush.Get();
 }
 
-QLX_ComPtr<ID2D1Bitmap> QLX_D2DCanvas::Upload(const std::uint32_t* pixels, int row, int width,
-                                              int height, bool opaque) {
-    const D2D1_BITMAP_PROPERTIES properties{
-        {DXGI_FORMAT_B8G8R8A8_UNORM,
-         opaque ? D2D1_ALPHA_MODE_IGNORE : D2D1_ALPHA_MODE_PREMULTIPLIED},
-        96,
-        96};
-    QLX_ComPtr<ID2D1Bitmap> bitmap;
-    ID2D1Bitmap* made = nullptr;
-    if (SUCCEEDED(mTarget->CreateBitmap({UINT32(width), UINT32(height)}, pixels, UINT32(row) * 4,
-                                        &properties, &made)))
-        bitmap.Adopt(made);
-    return bitmap;
-}
-
 QLX_ComPtr<ID2D1BitmapBrush> QLX_D2DCanvas::PatternBrush(const QLX_SpanPaint& paint) {
     const int side = 8 * paint.cell;
     std::vector<std::uint32_t> pixels(std::size_t(side) * std::size_t(side));
@@ -413,7 +291,8 @@ QLX_ComPtr<ID2D1BitmapBrush> QLX_D2DCanvas::PatternBrush(const QLX_SpanPaint& pa
                     ? paint.color
                     : paint.background;
     QLX_ComPtr<ID2D1BitmapBrush> brush;
-    const QLX_ComPtr<ID2D1Bitmap> bitmap = Upload(pixels.data(), side, side, side, true);
+    const QLX_ComPtr<ID2D1Bitmap> bitmap =
+        QLX_MakeD2DBitmap(*mTarget.Get(), pixels.data(), side, side, side, true);
     const D2D1_BITMAP_BRUSH_PROPERTIES tiled{D2D1_EXTEND_MODE_WRAP, D2D1_EXTEND_MODE_WRAP,
                                              D2D1_BITMAP_INTERPOLATION_MODE_NEAREST_NEIGHBOR};
     const D2D1_BRUSH_PROPERTIES placed{
@@ -426,11 +305,16 @@ QLX_ComPtr<ID2D1BitmapBrush> QLX_D2DCanvas::PatternBrush(const QLX_SpanPaint& pa
 
 // Clips are axis-aligned rectangles; a shape under several is drawn once for each.
 template <class Draw>
-void QLX_D2DCanvas::ForClips(const QLX_WinClip& clip, const Cmn_Rect<int>& bounds, Draw draw) {
+void QLX_D2DCanvas::ForClips(const QLX_WinClip& clip, const Cmn_Rect<int>& bounds,
+                             const Cmn_Rect<int>* drawn, Draw draw) {
     for (const Cmn_Rect<int>& rect : clip.rects) {
         const Cmn_Rect<int> shown = rect & bounds;
         if (shown.Empty())
             continue;
+        if (drawn && shown.Contains(*drawn)) { // nothing to cut
+            draw();
+            return;
+        }
         const D2D1_RECT_F window = RectOf(shown);
         mTarget->PushAxisAlignedClip(&window, D2D1_ANTIALIAS_MODE_ALIASED);
         draw();
@@ -455,18 +339,49 @@ bool QLX_D2DCanvas::FillRects(const QLX_WinClip& clip, const Cmn_Rect<int>* rect
     }
     if (!brush)
         return false;
+    mRects.clear();
+    for (std::size_t i = 0; i < count; ++i)
+        if (rects[i].Overlaps(clip.bounds))
+            for (const Cmn_Rect<int>& window : clip.rects)
+                if (rects[i].Overlaps(window))
+                    mRects.push_back(rects[i] & window);
+    if (!paint.pattern && FillAsPicture(paint))
+        return true;
     mTarget->SetAntialiasMode(D2D1_ANTIALIAS_MODE_ALIASED);
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!rects[i].Overlaps(clip.bounds))
-            continue;
-        for (const Cmn_Rect<int>& window : clip.rects) {
-            const Cmn_Rect<int> shown = rects[i] & window;
-            if (shown.Empty())
-                continue;
-            const D2D1_RECT_F rect = RectOf(shown);
-            mTarget->FillRectangle(&rect, brush);
-        }
+    for (const Cmn_Rect<int>& shown : mRects) {
+        const D2D1_RECT_F rect = RectOf(shown);
+        mTarget->FillRectangle(&rect, brush);
     }
+    return true;
+}
+
+// Every rectangle is a draw of its own for the device. A waveform's hundreds of columns are cheaper
+// as one bitmap, as long as they lie close together.
+bool QLX_D2DCanvas::FillAsPicture(const QLX_SpanPaint& paint) {
+    constexpr std::size_t kFewRects = 8;
+    constexpr std::int64_t kPixelsForARect = 2048, kMostPixels = 1 << 22;
+    if (mRects.size() < kFewRects)
+        return false;
+    Cmn_Rect<int> area = mRects.front();
+    for (const Cmn_Rect<int>& rect : mRects)
+        area = area | rect;
+    const int width = area.GetWidth(), height = area.GetHeight();
+    const std::int64_t pixels = std::int64_t{width} * height;
+    if (pixels > kMostPixels || pixels > kPixelsForARect * std::int64_t(mRects.size()))
+        return false;
+    mScratch.assign(std::size_t(pixels), 0);
+    const QLX_Surface surface{mScratch.data(), width, height, width, /*hasAlpha*/ true};
+    for (const Cmn_Rect<int>& rect : mRects)
+        QLX_FillSpans(surface,
+                      {rect.left - area.left, rect.top - area.top, rect.right - area.left,
+                       rect.bottom - area.top},
+                      paint);
+    mPassing = QLX_MakeD2DBitmap(*mTarget.Get(), mScratch.data(), width, width, height, false);
+    if (!mPassing)
+        return false;
+    const D2D1_RECT_F to = RectOf(area);
+    mTarget->DrawBitmap(mPassing.Get(), &to, 1, D2D1_BITMAP_INTERPOLATION_MODE_NEAREST_NEIGHBOR,
+                        nullptr);
     return true;
 }
 
@@ -474,20 +389,38 @@ bool QLX_D2DCanvas::FillShape(const QLX_WinClip& clip, const QLX_WinShape& shape
                               const QLX_SpanPaint& paint) {
     if (paint.mode != kPenMode_Copy || paint.pattern || !Begin())
         return false;
+    if (shape.antialias && !QLX_D2DManager::SmoothsShapes())
+        return FillShapeAsPicture(clip, shape, paint);
     ID2D1SolidColorBrush* brush = SolidBrush(paint.color, paint.alpha);
-    const QLX_ComPtr<ID2D1PathGeometry> geometry = GeometryOf(shape);
+    const QLX_ComPtr<ID2D1PathGeometry> geometry = QLX_MakeD2DGeometry(shape);
     if (!brush || !geometry)
         return false;
     const QLX_ComPtr<ID2D1StrokeStyle> style =
-        shape.stroke ? StrokeOf(shape) : QLX_ComPtr<ID2D1StrokeStyle>();
+        shape.stroke ? QLX_MakeD2DStrokeStyle(shape) : QLX_ComPtr<ID2D1StrokeStyle>();
     mTarget->SetAntialiasMode(shape.antialias ? D2D1_ANTIALIAS_MODE_PER_PRIMITIVE
                                               : D2D1_ANTIALIAS_MODE_ALIASED);
-    ForClips(clip, shape.bounds, [&] {
+    ForClips(clip, shape.bounds, &shape.bounds, [&] {
         if (shape.stroke)
             mTarget->DrawGeometry(geometry.Get(), brush, float(shape.width), style.Get());
         else
             mTarget->FillGeometry(geometry.Get(), brush, nullptr);
     });
+    return true;
+}
+
+bool QLX_D2DCanvas::FillShapeAsPicture(const QLX_WinClip& clip, const QLX_WinShape& shape,
+                                       const QLX_SpanPaint& paint) {
+    const Cmn_Rect<int> area = QLX_RenderedArea(shape.bounds, clip.bounds);
+    std::vector<QLX_D2DShapePictures::Piece> pieces;
+    if (!mShapes.Get(*mTarget.Get(), shape, area, paint.color, paint.alpha, pieces))
+        return false;
+    for (const QLX_D2DShapePictures::Piece& piece : pieces) {
+        const D2D1_RECT_F to = RectOf(piece.place);
+        ForClips(clip, piece.place, &piece.place, [&] {
+            mTarget->DrawBitmap(piece.bitmap, &to, 1,
+                                D2D1_BITMAP_INTERPOLATION_MODE_NEAREST_NEIGHBOR, nullptr);
+        });
+    }
     return true;
 }
 
@@ -501,7 +434,7 @@ bool QLX_D2DCanvas::DrawTextLine(const QLX_WinClip& clip, const QLX_WinText& tex
         return false;
     mTarget->SetAntialiasMode(D2D1_ANTIALIAS_MODE_PER_PRIMITIVE);
     const D2D1_POINT_2F origin{float(text.x), float(text.baseline) - line.baseline};
-    ForClips(clip, text.limit, [&] {
+    ForClips(clip, text.limit, nullptr, [&] {
         mTarget->DrawTextLayout(origin, line.layout, brush, D2D1_DRAW_TEXT_OPTIONS_NONE);
     });
     return true;
@@ -520,13 +453,16 @@ ID2D1Bitmap* QLX_D2DCanvas::PictureFor(const QLX_CanvasPicture& picture, const C
             }
     QLX_ComPtr<ID2D1Bitmap> bitmap;
     if (size.x == part.GetWidth() && size.y == part.GetHeight()) {
-        bitmap = Upload(picture.pixels + std::ptrdiff_t(part.top) * picture.rowPixels + part.left,
-                        picture.rowPixels, size.x, size.y, picture.opaque);
+        bitmap = QLX_MakeD2DBitmap(*mTarget.Get(),
+                                   picture.pixels + std::ptrdiff_t(part.top) * picture.rowPixels +
+                                       part.left,
+                                   picture.rowPixels, size.x, size.y, picture.opaque);
     } else {
         std::vector<std::uint32_t> pixels(std::size_t(size.x) * std::size_t(size.y));
         const Cmn_Rect<int> all(0, 0, size.x, size.y);
         QLX_ScalePixels(picture.pixels, picture.rowPixels, part, all, all, pixels.data(), size.x);
-        bitmap = Upload(pixels.data(), size.x, size.x, size.y, picture.opaque);
+        bitmap = QLX_MakeD2DBitmap(*mTarget.Get(), pixels.data(), size.x, size.x, size.y,
+                                   picture.opaque);
     }
     if (!picture.image) {
         mPassing = std::move(bitmap);
@@ -551,7 +487,7 @@ bool QLX_D2DCanvas::DrawPicture(const QLX_WinClip& clip, const QLX_CanvasPicture
     if (!bitmap)
         return false;
     const D2D1_RECT_F to = RectOf(destination);
-    ForClips(clip, limit, [&] {
+    ForClips(clip, limit, &destination, [&] {
         mTarget->DrawBitmap(bitmap, &to, float(alpha) / 255,
                             D2D1_BITMAP_INTERPOLATION_MODE_NEAREST_NEIGHBOR, nullptr);
     });

@@ -3,7 +3,7 @@
 
 #include <list>
 
-#include "qlx/imaging/win32/qlx_d2dmanager.h"
+#include "qlx/imaging/win32/qlx_d2dshapes.h"
 #include "qlx/imaging/win32/qlx_wincanvas.h"
 
 /// A Direct2D render target. Drawing collects until Flush, or until somebody needs the pixels. When
@@ -63,10 +63,14 @@ class QLX_API QLX_D2DCanvas final : public QLX_WinCanvas {
     [[nodiscard]] ID2D1Bitmap* PictureFor(const QLX_CanvasPicture& picture,
                                           const Cmn_Rect<int>& part,
                                           const Cmn_Rect<int>& destination);
-    [[nodiscard]] QLX_ComPtr<ID2D1Bitmap> Upload(const std::uint32_t* pixels, int row, int width,
-                                                 int height, bool opaque);
+    [[nodiscard]] bool FillAsPicture(const QLX_SpanPaint& paint);
+    [[nodiscard]] bool FillShapeAsPicture(const QLX_WinClip& clip, const QLX_WinShape& shape,
+                                          const QLX_SpanPaint& paint);
+    /// Calls draw under every rectangle of the clip that meets bounds; drawn, when known, is where
+    /// it draws.
     template <class Draw>
-    void ForClips(const QLX_WinClip& clip, const Cmn_Rect<int>& bounds, Draw draw);
+    void ForClips(const QLX_WinClip& clip, const Cmn_Rect<int>& bounds, const Cmn_Rect<int>* drawn,
+                  Draw draw);
 
     HWND mWindow = nullptr; // not owned
     QLX_ComPtr<ID2D1RenderTarget> mTarget;
@@ -74,7 +78,10 @@ class QLX_API QLX_D2DCanvas final : public QLX_WinCanvas {
     QLX_ComPtr<IWICBitmap> mPixels;                  // behind the target, for a bitmap
     QLX_ComPtr<ID2D1SolidColorBrush> mBrush;
     std::list<KeptPicture> mPictures; // the last used first
-    QLX_ComPtr<ID2D1Bitmap> mPassing; // of pixels that are no image's
+    QLX_D2DShapePictures mShapes;
+    QLX_ComPtr<ID2D1Bitmap> mPassing;  // of pixels that are no image's
+    std::vector<Cmn_Rect<int>> mRects; // scratch
+    std::vector<std::uint32_t> mScratch;
     bool mDrawing = false;
     bool mLost = false;
     unsigned mTargetCount = 0;

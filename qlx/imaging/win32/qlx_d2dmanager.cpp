@@ -1,8 +1,11 @@
 #include "qlx/imaging/win32/qlx_d2dmanager.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "basekit/cmn/cmn_trace.h"
+#include "qlx/imaging/win32/qlx_d2dshapes.h"
 #include "qlx/imaging/win32/qlx_d2dtext.h"
 
 namespace {
@@ -18,6 +21,8 @@ constexpr GUID kImagingFactory = {
 struct D2DState {
     bool tried = false;
     bool triedImaging = false;
+    bool triedSmoothing = false;
+    bool smooths = true;
     std::string failure;
     QLX_ComPtr<ID2D1Factory> factory;
     QLX_ComPtr<IDWriteFactory> textFactory;
@@ -85,6 +90,52 @@ std::string LoadDirectWrite() {
     return {};
 }
 
+// Draws half a square, cut along its diagonal, and looks for pixels between black and white.
+bool TrySmoothing(ID2D1Factory& factory, IWICImagingFactory& imaging) {
+    constexpr int kSide = 8;
+    QLX_ComPtr<IWICBitmap> bitmap;
+    IWICBitmap* made = nullptr;
+    if (FAILED(imaging.CreateBitmap(kSide, kSide, GUID_WICPixelFormat32bppPBGRA,
+                                    WICBitmapCacheOnLoad, &made)))
+        return true;
+    bitmap.Adopt(made);
+    const D2D1_RENDER_TARGET_PROPERTIES properties{
+        D2D1_RENDER_TARGET_TYPE_DEFAULT,
+        {DXGI_FORMAT_B8G8R8A8_UNORM, D2D1_ALPHA_MODE_PREMULTIPLIED},
+        96,
+        96,
+        D2D1_RENDER_TARGET_USAGE_NONE,
+        D2D1_FEATURE_LEVEL_DEFAULT};
+    QLX_ComPtr<ID2D1RenderTarget> target;
+    ID2D1RenderTarget* madeTarget = nullptr;
+    if (FAILED(factory.CreateWicBitmapRenderTarget(made, &properties, &madeTarget)))
+        return true;
+    target.Adopt(madeTarget);
+    QLX_WinShape half;
+    half.path.MoveTo(0, 0);
+    half.path.LineTo(kSide, kSide - 1);
+    half.path.LineTo(0, kSide - 1);
+    half.path.Close();
+    const QLX_ComPtr<ID2D1PathGeometry> geometry = QLX_MakeD2DGeometry(half);
+    QLX_ComPtr<ID2D1SolidColorBrush> brush;
+    ID2D1SolidColorBrush* madeBrush = nullptr;
+    const D2D1_COLOR_F black{0, 0, 0, 0}, white{1, 1, 1, 1};
+    if (!geometry || FAILED(target->CreateSolidColorBrush(&white, nullptr, &madeBrush)))
+        return true;
+    brush.Adopt(madeBrush);
+    target->BeginDraw();
+    target->Clear(&black);
+    target->SetAntialiasMode(D2D1_ANTIALIAS_MODE_PER_PRIMITIVE);
+    target->FillGeometry(geometry.Get(), brush.Get(), nullptr);
+    std::uint8_t pixels[kSide * kSide * 4] = {};
+    const WICRect all{0, 0, kSide, kSide};
+    if (FAILED(target->EndDraw(nullptr, nullptr)) ||
+        FAILED(bitmap->CopyPixels(&all, kSide * 4, sizeof pixels, pixels)))
+        return true;
+    return std::any_of(std::begin(pixels), std::end(pixels),
+                       [](std::uint8_t value) { return value > 16 && value < 240; });
+}
+
 } // namespace
 
 bool QLX_D2DManager::InitD2D() {
@@ -129,6 +180,22 @@ IWICImagingFactory* QLX_D2DManager::GetImagingFactory() {
     return state.imagingFactory.Get();
 }
 
+bool QLX_D2DManager::SmoothsShapes() {
+    D2DState& state = State();
+    if (state.triedSmoothing || !state.factory || !state.imagingFactory)
+        return state.smooths;
+    state.triedSmoothing = true;
+    state.smooths = TrySmoothing(*state.factory.Get(), *state.imagingFactory.Get());
+    Cmn_Trace(kTrace_Drawing, "Direct2D %s",
+              state.smooths ? "smooths edges" : "leaves edges rough: coverage is drawn instead");
+    return state.smooths;
+}
+
+void QLX_D2DManager::SimulateSmoothing(bool smooths) noexcept {
+    State().triedSmoothing = true;
+    State().smooths = smooths;
+}
+
 void QLX_D2DManager::Shutdown() {
     QLX_D2DText::Clear();
     D2DState& state = State();
@@ -136,7 +203,8 @@ void QLX_D2DManager::Shutdown() {
     state.textFactory.Reset();
     state.imagingFactory.Reset();
     state.failure.clear();
-    state.tried = state.triedImaging = false;
+    state.tried = state.triedImaging = state.triedSmoothing = false;
+    state.smooths = true;
 }
 
 void QLX_D2DManager::SimulateMissing(unsigned missing) {

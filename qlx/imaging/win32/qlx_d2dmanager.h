@@ -25,6 +25,10 @@ class QLX_API QLX_D2DManager {
     /// For images; also made without Direct2D. Null when the component is missing.
     [[nodiscard]] static IWICImagingFactory* GetImagingFactory();
 
+    /// Whether this Direct2D smooths the edges of shapes, tried out once: some implementations draw
+    /// them rough whatever they are asked for. True before InitD2D.
+    [[nodiscard]] static bool SmoothsShapes();
+
     /// Gives the factories and the kept text layouts back; the next use begins anew.
     static void Shutdown();
 
@@ -41,6 +45,8 @@ class QLX_API QLX_D2DManager {
     };
     /// Bits of EMissing; shuts down, so that the next use finds them missing.
     static void SimulateMissing(unsigned missing);
+    /// Answers SmoothsShapes for the system until the next Shutdown.
+    static void SimulateSmoothing(bool smooths) noexcept;
     /// The next frames that are completed report that the device was lost.
     static void SimulateDeviceLoss(int frames) noexcept;
     /// Asked at the end of every frame.

@@ -66,25 +66,13 @@ void AddRoundRect(QLX_Path& path, const FloatRect& r, double rx, double ry, bool
     path.Close();
 }
 
-// The area to render of a shape. Cutting a shape changes how its edges are rounded, by a little, so
-// it is rendered whole wherever that is affordable: a picture drawn in pieces is then the same as
-// in one go.
-constexpr std::int64_t kMostMaskPixels = std::int64_t{1} << 21;
-[[nodiscard]] Cmn_Rect<int> RenderedArea(const Cmn_Rect<int>& shape,
-                                         const Cmn_Rect<int>& clip) noexcept {
-    const Cmn_Rect<int> shown = shape & clip;
-    if (shown.Empty() || std::int64_t{shape.GetWidth()} * shape.GetHeight() > kMostMaskPixels)
-        return shown;
-    return shape;
-}
-
 } // namespace
 
 // Shapes
 
 void QLX_PainterWindows::Lay(const QLX_WinShape& shape, const QLX_SpanPaint& paint) {
     const QLX_WinClip& clip = Clip();
-    const Cmn_Rect<int> area = RenderedArea(shape.bounds, clip.bounds);
+    const Cmn_Rect<int> area = QLX_RenderedArea(shape.bounds, clip.bounds);
     if (area.Empty() || !IsValid() || mCanvas->FillShape(clip, shape, paint))
         return;
     const QLX_WinMask mask = QLX_RenderShape(shape, area);

@@ -127,6 +127,11 @@ struct QLX_WinMask {
     const std::uint8_t* bytes = nullptr; ///< null when it could not be made
     int row = 0;
 };
+/// The area to render of a shape. Cutting a shape changes how its edges are rounded, by a little,
+/// so it is rendered whole wherever that is affordable: a picture drawn in pieces is then the same
+/// as in one go.
+[[nodiscard]] Cmn_Rect<int> QLX_RenderedArea(const Cmn_Rect<int>& shape,
+                                             const Cmn_Rect<int>& clip) noexcept;
 [[nodiscard]] QLX_WinMask QLX_RenderShape(const QLX_WinShape& shape, const Cmn_Rect<int>& area);
 [[nodiscard]] QLX_WinMask QLX_RenderText(const QLX_WinText& text, const Cmn_Rect<int>& area);
 /// Hands the masks' memory and contexts back.

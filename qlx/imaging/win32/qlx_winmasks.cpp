@@ -169,6 +169,14 @@ HPEN QLX_MakeGDIPen(const QLX_WinShape& shape, int factor, COLORREF color) {
                         DWORD(std::max(1.0, std::round(shape.width * factor))), &brush, 0, nullptr);
 }
 
+Cmn_Rect<int> QLX_RenderedArea(const Cmn_Rect<int>& shape, const Cmn_Rect<int>& clip) noexcept {
+    constexpr std::int64_t kMostMaskPixels = std::int64_t{1} << 21;
+    const Cmn_Rect<int> shown = shape & clip;
+    if (shown.Empty() || std::int64_t{shape.GetWidth()} * shape.GetHeight() > kMostMaskPixels)
+        return shown;
+    return shape;
+}
+
 QLX_WinMask QLX_RenderShape(const QLX_WinShape& shape, const Cmn_Rect<int>& area) {
     Masks& masks = TheMasks();
     const int width = area.GetWidth(), height = area.GetHeight();

@@ -27,14 +27,29 @@ using Rect = Cmn_Rect<int>;
 struct Kind {
     const char* name;
     QLX_Painter::Ptr (*make)(int, int, QLX_DeviceScale, bool);
-    // How far the smoothing of an edge may differ from Cairo's: GDI's edges are sixteen shades, and
-    // wine's Direct2D draws thin lines without any.
+    // How far the smoothing of an edge may differ from Cairo's: edges rendered here have sixteen
+    // shades, and wine's Direct2D leaves its own rough.
     int edge;
+    // A handful of pixels in half a million: corners of patterns under a smooth edge.
+    int mostOdd;
+    bool systemsEdges;
 };
-constexpr Kind kKinds[] = {{"gdi", &QLX_PainterGDI::New, 64},
-                           {"direct2d", &QLX_PainterDirect2D::New, 200}};
+constexpr Kind kKinds[] = {
+    {"gdi", &QLX_PainterGDI::New, 64, 10, false},
+    {"direct2d", &QLX_PainterDirect2D::New, 64, 10, false},
+    {"direct2d with the system's edges", &QLX_PainterDirect2D::New, 200, 40, true}};
 
-constexpr int kMostOdd = 40;
+// Forces how Direct2D draws edges, for a scope.
+class StEdges {
+  public:
+    explicit StEdges(const Kind& kind) {
+        if (kind.systemsEdges)
+            QLX_D2DManager::SimulateSmoothing(true);
+    }
+    StEdges(const StEdges&) = delete;
+    StEdges& operator=(const StEdges&) = delete;
+    ~StEdges() { QLX_D2DManager::Shutdown(); } // asked again
+};
 
 QLX_Image::Ptr PixelsOf(const QLX_Painter::Ptr& painter) {
     return static_cast<QLX_PainterWindows&>(*painter).GetPixels();
@@ -126,15 +141,15 @@ TEST_F(PainterWindows, TheSheetIsCairosWithinOnePixelAlongEdges) {
         ContactSheet contact;
         contact.Add(reference.GetPicture());
         for (const Kind& kind : kKinds) {
+            const StEdges edges(kind);
             const QLX_Painter::Ptr painter = reference.Draw(kind, scale);
             ASSERT_TRUE(painter) << kind.name;
             const QLX_Image::Ptr picture = PixelsOf(painter);
             const QLX_Image::Ptr differences =
                 QLX_Image::Create(picture->GetWidth(), picture->GetHeight());
-            // A handful of pixels in half a million: corners of patterns under a smooth edge.
             EXPECT_LE(CountBeyondOnePixel(*picture, reference.GetPicture(), 2, kind.edge,
                                           differences.Get()),
-                      kMostOdd)
+                      kind.mostOdd)
                 << kind.name << " at " << name;
             contact.Add(*picture);
             contact.Add(*differences);
@@ -266,6 +281,58 @@ TEST_F(PainterWindows, PiecesOfTheSheetGiveTheWholeSheetInGDI) {
         DrawPainterSheet(pieces, parts);
     }
     EXPECT_TRUE(SamePictures(*PixelsOf(pieces), *PixelsOf(whole), "gdi-pieces"));
+}
+
+// Direct2D lays many rectangles down as one bitmap: they must look as when drawn one by one.
+TEST_F(PainterWindows, ManyColumnsLookAlikeInBoth) {
+    std::vector<int> low(300), high(300);
+    for (int i = 0; i < 300; ++i) {
+        low[std::size_t(i)] = -(i * 7 % 40);
+        high[std::size_t(i)] = i % 11 == 0 ? -50 : i * 13 % 45;
+    }
+    for (const bool transparent : {false, true})
+        for (const double scale : {1.0, 1.25}) {
+            QLX_Image::Ptr pictures[2];
+            for (int i = 0; i < 2; ++i) {
+                const QLX_Painter::Ptr p = kKinds[i].make(320, 100, QLX_DeviceScale(scale), false);
+                p->SetForegroundColor(CRGBColor(0xC000, 0x8000, 0));
+                p->FillRect({0, 45, 320, 60});
+                p->SetClip(QLX_Region(Rect(0, 0, 90, 100)).Union(Rect(95, 20, 310, 90)));
+                p->OptimizedWaveformFill(4, 300, low.data(), high.data(), 50, 5, 95,
+                                         CRGBColor(0, 0, 0x8000, transparent ? 0x6000 : 0xFFFF),
+                                         nullptr, CRGBColor(), 1, QLX_Painter::kResolution_Logical);
+                pictures[i] = PixelsOf(p);
+            }
+            EXPECT_TRUE(SamePictures(*pictures[1], *pictures[0], "many-columns", 1))
+                << transparent << ", " << scale;
+        }
+}
+
+// The dials of a mixer are one picture; another colour, size or join is another.
+TEST_F(PainterWindows, ShapesAreRenderedOnceWhereverTheyLie) {
+    const StEdges ask(kKinds[1]);
+    const QLX_Painter::Ptr p = QLX_PainterDirect2D::New(400, 60, QLX_DeviceScale(), false);
+    ASSERT_TRUE(p);
+    if (QLX_D2DManager::SmoothsShapes())
+        GTEST_SKIP() << "this Direct2D smooths edges itself";
+    const unsigned before = QLX_D2DShapePictures::GetRenderedCount();
+    for (int i = 0; i < 10; ++i)
+        p->FillOval({i * 40, 10, i * 40 + 30, 40}, true);
+    EXPECT_EQ(QLX_D2DShapePictures::GetRenderedCount() - before, 1U);
+    const QLX_Image::Ptr picture = PixelsOf(p);
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 40; ++x)
+            ASSERT_EQ(picture->GetPixel(x, y), picture->GetPixel(x + 320, y)) << x << ", " << y;
+    p->SetForegroundColor(CRGBColor(0xFFFF, 0, 0));
+    p->FillOval({0, 10, 30, 40}, true);
+    p->FillOval({0, 10, 31, 40}, true);
+    p->DrawOval({0, 10, 31, 40});
+    EXPECT_EQ(QLX_D2DShapePictures::GetRenderedCount() - before, 4U);
+    QLX_D2DManager::SimulateDeviceLoss(1);
+    p->Flush();
+    p->FillOval({0, 10, 30, 40}, true); // what was kept went with the device
+    EXPECT_EQ(QLX_D2DShapePictures::GetRenderedCount() - before, 5U);
+    EXPECT_EQ(PixelsOf(p)->GetPixel(15, 25) & 0xFFFFFF, 0xFF0000U);
 }
 
 TEST_F(PainterWindows, TransparentOffscreensKeepTheirAlpha) {
