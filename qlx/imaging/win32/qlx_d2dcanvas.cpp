@@ -126,14 +126,18 @@ bool QLX_D2DCanvas::MakeTarget() {
         return true;
     if (mGone || !QLX_D2DManager::InitD2D())
         return false;
-    const HRESULT result = mWindow ? MakeWindowTarget() : MakeBitmapTarget();
+    const HRESULT result = QLX_D2DManager::RefusesTargets() ? D2DERR_NO_HARDWARE_DEVICE
+                           : mWindow                        ? MakeWindowTarget()
+                                                            : MakeBitmapTarget();
     if (FAILED(result)) {
-        Report(mWindow ? "ID2D1Factory::CreateHwndRenderTarget"
-                       : "ID2D1Factory::CreateWicBitmapRenderTarget",
-               result);
+        if (!std::exchange(mRefused, true)) // once, not with every operation that asks
+            Report(mWindow ? "ID2D1Factory::CreateHwndRenderTarget"
+                           : "ID2D1Factory::CreateWicBitmapRenderTarget",
+                   result);
         DropTarget();
         return false;
     }
+    mRefused = false;
     ++mTargetCount;
     mTarget->SetTextAntialiasMode(D2D1_TEXT_ANTIALIAS_MODE_GRAYSCALE);
     if (Begin()) {
@@ -193,6 +197,8 @@ void QLX_D2DCanvas::End() {
 }
 
 bool QLX_D2DCanvas::TakeLoss() { return std::exchange(mLost, false); }
+
+bool QLX_D2DCanvas::Restore() { return mTarget || MakeTarget(); }
 
 void QLX_D2DCanvas::Flush(const std::vector<Cmn_Rect<int>>& dirty) {
     if (!dirty.empty() && mWindow)

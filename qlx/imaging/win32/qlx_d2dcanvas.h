@@ -26,6 +26,7 @@ class QLX_API QLX_D2DCanvas final : public QLX_WinCanvas {
     void Flush(const std::vector<Cmn_Rect<int>>& dirty) override;
     bool Resize(int width, int height) override;
     bool TakeLoss() override;
+    bool Restore() override;
 
     bool FillRects(const QLX_WinClip& clip, const Cmn_Rect<int>* rects, std::size_t count,
                    const QLX_SpanPaint& paint) override;
@@ -84,6 +85,7 @@ class QLX_API QLX_D2DCanvas final : public QLX_WinCanvas {
     std::vector<std::uint32_t> mScratch;
     bool mDrawing = false;
     bool mLost = false;
+    bool mRefused = false;
     unsigned mTargetCount = 0;
     Cmn_Rect<int> mEditArea;
     Cmn_RefCountPtr<QLX_HDCWrap> mEditContext;  // between BeginEdit and EndEdit

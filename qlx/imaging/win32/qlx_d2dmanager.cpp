@@ -29,6 +29,7 @@ struct D2DState {
     QLX_ComPtr<IWICImagingFactory> imagingFactory;
     unsigned missing = 0;
     int losses = 0;
+    bool noTargets = false;
 };
 
 // Deliberate: never deleted. When the process ends, the libraries' own threads are gone already,
@@ -213,6 +214,10 @@ void QLX_D2DManager::SimulateMissing(unsigned missing) {
 }
 
 void QLX_D2DManager::SimulateDeviceLoss(int frames) noexcept { State().losses = frames; }
+
+void QLX_D2DManager::SimulateNoTargets(bool refused) noexcept { State().noTargets = refused; }
+
+bool QLX_D2DManager::RefusesTargets() noexcept { return State().noTargets; }
 
 bool QLX_D2DManager::TakeSimulatedLoss() noexcept {
     if (State().losses == 0)

@@ -49,6 +49,9 @@ class QLX_API QLX_D2DManager {
     static void SimulateSmoothing(bool smooths) noexcept;
     /// The next frames that are completed report that the device was lost.
     static void SimulateDeviceLoss(int frames) noexcept;
+    /// Makes every new render target fail, as when no device is left.
+    static void SimulateNoTargets(bool refused) noexcept;
+    [[nodiscard]] static bool RefusesTargets() noexcept;
     /// Asked at the end of every frame.
     [[nodiscard]] static bool TakeSimulatedLoss() noexcept;
 };

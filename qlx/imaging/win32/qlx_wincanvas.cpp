@@ -14,6 +14,8 @@ bool QLX_WinCanvas::Resize(int width, int height) { return width == mWidth && he
 
 bool QLX_WinCanvas::TakeLoss() { return false; }
 
+bool QLX_WinCanvas::Restore() { return !mGone; }
+
 const QLX_Surface* QLX_WinCanvas::GetMemory() { return nullptr; }
 
 bool QLX_WinCanvas::FillRects(const QLX_WinClip&, const Cmn_Rect<int>*, std::size_t,

@@ -78,6 +78,9 @@ class QLX_API QLX_WinCanvas : public Cmn_RefCountObject {
     /// Whether the pixels were lost since the last call (the device went away): all of it is to be
     /// drawn again.
     [[nodiscard]] virtual bool TakeLoss();
+    /// Whether there is something to draw on; a lost device is asked for again. False means that
+    /// another kind of canvas is needed.
+    [[nodiscard]] virtual bool Restore();
     /// The memory, where the canvas is memory.
     [[nodiscard]] virtual const QLX_Surface* GetMemory();
     [[nodiscard]] virtual HBITMAP GetBitmap() const noexcept { return nullptr; }

@@ -166,7 +166,8 @@ const QLX_WindowPort::PainterPtr& QLX_Win32Window::GetPainter() {
     GetClientRect(mWindow, &client);
     auto* before = mPainter ? dynamic_cast<QLX_PainterWindows*>(mPainter.Get()) : nullptr;
     const bool empty = client.right < 1 || client.bottom < 1;
-    if (before && !empty && before->IsValid() && before->GetHWnd() == mWindow) {
+    if (before && !empty && before->IsValid() && before->GetHWnd() == mWindow &&
+        before->GetCanvas().Restore()) {
         before->CheckScaleFactor();
         if (before->GetCanvas().GetWidth() == client.right &&
             before->GetCanvas().GetHeight() == client.bottom && before->GetScale() == mScale) {

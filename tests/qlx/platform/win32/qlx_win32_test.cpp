@@ -419,4 +419,89 @@ TEST_F(Win32Platform, BothPaintersShowWhatIsDrawn) {
     QLX_D2DManager::Shutdown();
 }
 
+// A frameless window, drawn on by the painter of a maker's choice.
+class ShownWindow {
+  public:
+    ShownWindow(QLX_Win32Platform& platform, const char* maker) {
+        QLX_PainterFactory::Choose(maker);
+        QLX_WindowSettings settings;
+        settings.mSize = {80, 60};
+        settings.mFrame = false;
+        settings.mPlaced = true;
+        settings.mPlace = {300, 300};
+        listener.port = platform.GetWindowFactory().MakePort(settings, &listener);
+        listener.port->Show(true);
+    }
+    ~ShownWindow() {
+        listener.port.reset();
+        QLX_PainterFactory::Choose("windows");
+        QLX_D2DManager::Shutdown();
+    }
+    [[nodiscard]] QLX_PainterWindows* Painter() const {
+        const auto painter = listener.port->GetPainter();
+        return painter ? static_cast<QLX_PainterWindows*>(painter.Get()) : nullptr;
+    }
+    void Draw(const CRGBColor& color) const {
+        if (QLX_PainterWindows* painter = Painter()) {
+            painter->SetForegroundColor(color);
+            painter->FillRect(painter->GetBounds());
+        }
+        listener.port->Present({{0, 0, 200, 200}});
+    }
+    Listener listener;
+};
+
+TEST_F(Win32Platform, AWindowWithoutSizeIsNotDrawnAndComesBack) {
+    for (const char* maker : {"gdi", "direct2d"}) {
+        SCOPED_TRACE(maker);
+        const ShownWindow shown(*platform, maker);
+        Turn();
+        shown.Draw(CRGBColor(65535, 0, 0));
+        for (int i = 0; i < 3; ++i) {
+            shown.listener.port->SetSize({0, 0});
+            Turn();
+            shown.Draw(CRGBColor(0, 0, 65535));
+            EXPECT_FALSE(shown.Painter());
+            shown.listener.port->SetSize({50, 40});
+            Turn();
+            shown.Draw(CRGBColor(0, 65535, 0));
+            ASSERT_TRUE(shown.Painter());
+            EXPECT_EQ(shown.Painter()->GetPixels()->GetPixel(49, 39) & 0xFFFFFF, 0x00FF00U);
+        }
+    }
+}
+
+// The device goes away for good: what was Direct2D's window goes on with GDI.
+TEST_F(Win32Platform, ADeviceThatDoesNotComeBackLeavesTheWindowToGDI) {
+    const ShownWindow shown(*platform, "direct2d");
+    Turn();
+    shown.Draw(CRGBColor(65535, 0, 0));
+    ASSERT_EQ(shown.Painter()->GetPainterKind(), QLX_PainterWindows::kPainterKind_Direct2D);
+    QLX_D2DManager::SimulateDeviceLoss(1);
+    QLX_D2DManager::SimulateNoTargets(true);
+    shown.Draw(CRGBColor(0, 65535, 0));
+    shown.Draw(CRGBColor(0, 0, 65535));
+    ASSERT_TRUE(shown.Painter());
+    EXPECT_EQ(shown.Painter()->GetPainterKind(), QLX_PainterWindows::kPainterKind_GDI);
+    EXPECT_EQ(shown.Painter()->GetPixels()->GetPixel(79, 59) & 0xFFFFFF, 0x0000FFU);
+    QLX_D2DManager::SimulateNoTargets(false);
+    QLX_D2DManager::SimulateDeviceLoss(0);
+}
+
+// Losses in every frame are survived, and the first frame that is not lost shows.
+TEST_F(Win32Platform, ADeviceMayBeLostAgainAndAgain) {
+    const ShownWindow shown(*platform, "direct2d");
+    Turn();
+    QLX_D2DManager::SimulateDeviceLoss(5);
+    for (int i = 0; i < 8; ++i) {
+        shown.Draw(CRGBColor(0, std::uint16_t(0x1000 * i), 0));
+        Turn();
+    }
+    QLX_D2DManager::SimulateDeviceLoss(0);
+    shown.Draw(CRGBColor(0, 65535, 0));
+    ASSERT_TRUE(shown.Painter());
+    EXPECT_EQ(shown.Painter()->GetPainterKind(), QLX_PainterWindows::kPainterKind_Direct2D);
+    EXPECT_EQ(shown.Painter()->GetPixels()->GetPixel(0, 0) & 0xFFFFFF, 0x00FF00U);
+}
+
 } // namespace
