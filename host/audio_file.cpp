@@ -2,33 +2,115 @@
 
 #include <sndfile.h>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <mutex>
 #include <stdexcept>
 #include <vector>
 
+#include "basekit/sys/sys_file.h"
+
 namespace {
+
+// libsndfile's view of a file of the framework's, whose names are UTF-8 on every platform. Nothing
+// may be thrown through the library: what cannot be read ends the file.
+
+template <class Operation>
+sf_count_t Guarded(Operation operation) noexcept {
+    try {
+        return static_cast<sf_count_t>(operation());
+    } catch (const Sys_FileError&) {
+        return 0;
+    }
+}
+
+Sys_File& FileOf(void* data) { return *static_cast<Sys_File*>(data); }
+
+sf_count_t GetLength(void* data) {
+    return Guarded([data] { return FileOf(data).GetSize(); });
+}
+
+sf_count_t Seek(sf_count_t offset, int whence, void* data) {
+    return Guarded([=] {
+        Sys_File& file = FileOf(data);
+        const auto from = static_cast<sf_count_t>(whence == SEEK_SET   ? 0
+                                                  : whence == SEEK_CUR ? file.GetPosition()
+                                                                       : file.GetSize());
+        file.SetPosition(static_cast<std::uint64_t>(std::max<sf_count_t>(0, from + offset)));
+        return file.GetPosition();
+    });
+}
+
+sf_count_t ReadBytes(void* bytes, sf_count_t count, void* data) {
+    return Guarded([=] { return FileOf(data).Read(bytes, static_cast<std::size_t>(count)); });
+}
+
+sf_count_t GetPosition(void* data) { return static_cast<sf_count_t>(FileOf(data).GetPosition()); }
+
+SF_VIRTUAL_IO gFileAccess = {GetLength, Seek, ReadBytes, nullptr, GetPosition};
+
+bool IsKnown(int majorFormat) {
+    int count = 0;
+    sf_command(nullptr, SFC_GET_FORMAT_MAJOR_COUNT, &count, sizeof count);
+    for (int i = 0; i < count; ++i) {
+        SF_FORMAT_INFO format{};
+        format.format = i;
+        sf_command(nullptr, SFC_GET_FORMAT_MAJOR, &format, sizeof format);
+        if (format.format == majorFormat)
+            return true;
+    }
+    return false;
+}
+
+/// Why libsndfile did not open a file. Of a format that it was built without it only says that
+/// something is not implemented.
+std::string GetReason(Sys_File& file) {
+    constexpr struct {
+        const char* mBegins;
+        int mFormat;
+        const char* mName;
+    } kCodecs[] = {{"fLaC", SF_FORMAT_FLAC, "FLAC"},
+                   {"OggS", SF_FORMAT_OGG, "Ogg"},
+                   {"ID3", SF_FORMAT_MPEG, "MPEG"}};
+    std::string reason = sf_strerror(nullptr);
+    char begin[4] = {};
+    file.SetPosition(0);
+    if (file.Read(begin, sizeof begin) == sizeof begin)
+        for (const auto& codec : kCodecs)
+            if (std::strncmp(begin, codec.mBegins, std::strlen(codec.mBegins)) == 0 &&
+                !IsKnown(codec.mFormat))
+                reason = std::string(codec.mName) + " is not supported by this build";
+    return reason;
+}
 
 /// One file handle, shared by the peaks' builder and close zooms: each read is a seek of its own.
 class FileReader : public Audio_SampleReader {
   public:
-    FileReader(SNDFILE* file, const SF_INFO& info) : mFile(file), mInfo(info) {}
-    ~FileReader() override { sf_close(mFile); }
+    explicit FileReader(const std::string& path) : mFile(Sys_FileLoc(path), Sys_FileMode::Read) {
+        mSound = sf_open_virtual(&gFileAccess, SFM_READ, &mInfo, &mFile);
+        if (!mSound)
+            throw std::runtime_error(path + ": " + GetReason(mFile));
+    }
+    ~FileReader() override { sf_close(mSound); }
 
+    [[nodiscard]] const SF_INFO& GetInfo() const { return mInfo; }
     std::int64_t GetFrameCount() const override { return mInfo.frames; }
     int GetChannelCount() const override { return mInfo.channels; }
     bool Read(std::int64_t start, std::int32_t frames, float* interleaved) override {
         const std::lock_guard<std::mutex> lock(mMutex);
-        if (sf_seek(mFile, start, SEEK_SET) != start)
+        if (sf_seek(mSound, start, SEEK_SET) != start)
             return false;
-        return sf_readf_float(mFile, interleaved, frames) == frames;
+        return sf_readf_float(mSound, interleaved, frames) == frames;
     }
 
   private:
-    SNDFILE* mFile; // owned
-    SF_INFO mInfo;
+    Sys_File mFile;
+    SNDFILE* mSound = nullptr; // owned
+    SF_INFO mInfo{};
     std::mutex mMutex;
 };
 
@@ -83,20 +165,19 @@ class GeneratedReader : public Audio_SampleReader {
 } // namespace
 
 SessionAudio OpenAudioFile(const std::string& path) {
-    SF_INFO info{};
-    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-    if (!file)
-        throw std::runtime_error(path + ": " + sf_strerror(nullptr));
     SessionAudio audio;
-    audio.mReader = std::make_shared<FileReader>(file, info);
+    const auto reader = std::make_shared<FileReader>(path);
+    audio.mReader = reader;
+    const SF_INFO& info = reader->GetInfo();
     if (info.frames < 1 || info.channels < 1 || info.samplerate < 1 || !info.seekable)
         throw std::runtime_error(path + ": holds no audio that can be shown");
     audio.mSamplesPerSecond = info.samplerate;
-    audio.mName = std::filesystem::path(path).stem().string();
+    audio.mName = Sys_FileLoc(path).GetStem();
     audio.mCachePath = path + ".qlxpeaks";
     std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
-    const auto changed = std::filesystem::last_write_time(path, error).time_since_epoch().count();
+    const std::filesystem::path place(std::u8string(path.begin(), path.end()));
+    const auto size = std::filesystem::file_size(place, error);
+    const auto changed = std::filesystem::last_write_time(place, error).time_since_epoch().count();
     audio.mFingerprint = static_cast<std::uint64_t>(size) * 0x9E3779B97F4A7C15u ^
                          static_cast<std::uint64_t>(changed);
     return audio;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "host/session_api.h"
 #include "mediakit/audio/peak_pyramid.h"
 
 /// Audio with its rate and an identity for caches.
@@ -16,7 +17,7 @@ struct SessionAudio {
 };
 
 /// Opens a WAV, FLAC or other file of libsndfile's. Throws std::runtime_error "path: reason".
-[[nodiscard]] SessionAudio OpenAudioFile(const std::string& path);
+[[nodiscard]] SESSION_API SessionAudio OpenAudioFile(const std::string& path);
 
 /// Two minutes of stereo: bursts, a sweep and pauses, the same every time.
-[[nodiscard]] SessionAudio MakeGeneratedAudio();
+[[nodiscard]] SESSION_API SessionAudio MakeGeneratedAudio();

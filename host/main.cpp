@@ -10,6 +10,8 @@
 #include <string>
 
 #include "app/misc/qlx_init.h"
+#include "basekit/sys/sys_arguments.h"
+#include "basekit/sys/sys_file.h"
 #include "host/audio_file.h"
 #include "host/session_window.h"
 #include "qlx/imaging/qlx_painterfactory.h"
@@ -82,8 +84,14 @@ SessionLook LookOf(const Options& options) {
 std::string DataFolder(const Options& options) {
     if (!options.mDataFolder.empty())
         return options.mDataFolder;
-    const Sys_FileLoc beside = Sys_FileLoc::ApplicationFolder().GetChild("session_data");
-    return beside.IsFolder() ? beside.GetPath() : HOST_DATA_FOLDER;
+    // Beside the program, where packages put it, or in the sources.
+    const Sys_FileLoc programs = Sys_FileLoc::ApplicationFolder();
+    for (const Sys_FileLoc& folder :
+         {programs.GetChild("session_data"),
+          programs.GetParent().GetChild("share").GetChild("qlx").GetChild("host").GetChild("data")})
+        if (folder.IsFolder())
+            return folder.GetPath();
+    return HOST_DATA_FOLDER;
 }
 
 using MementoPtr = Cmn_AliasedRefCountPtr<QLX_ViewMemento>;
@@ -190,7 +198,8 @@ int main(int argc, char** argv) {
     program.add_option("--painter", options.mPainter,
                        "what draws: cairo; gdi or direct2d on Windows");
     program.add_option("--data", options.mDataFolder, "folder of session.xml and its tables");
-    CLI11_PARSE(program, argc, argv);
+    Sys_Arguments arguments(argc, argv);
+    CLI11_PARSE(program, arguments.GetCount(), arguments.GetValues());
     try {
         QLX_Init::Init();
         if (!options.mPicture.empty() || !options.mPlay.empty())

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "host/session_api.h"
 #include "qlx/foundation/uobject.h"
 
 /// Change codes of SessionModel::Changed.
@@ -24,7 +25,7 @@ struct SessionState {
 };
 
 /// The document. Its dependents hear of every change (ESessionChange).
-class SessionModel : public TObject {
+class SESSION_API SessionModel : public TObject {
   public:
     static constexpr std::int32_t kLeastGain = -1200; ///< shown as "-inf"
     static constexpr std::int32_t kMostGain = 120;

@@ -143,7 +143,7 @@ void TSessionWindow::WireViews() {
         ruler->SetSamplesPerSecond(mAudio.mSamplesPerSecond);
         ruler->Follow(
             waveform, [this](std::int64_t frame) { return LabelOf(frame); },
-            [this](std::int64_t frame) { Locate(frame); });
+            [this](std::int64_t frame) { LocateFrame(frame); });
     }
     if (TMeterView* meter = FindAs<TMeterView>(Cmn_FourChar("metr")))
         meter->SetChannels(mAudio.mReader->GetChannelCount(), /*redraw*/ false);
@@ -255,7 +255,7 @@ std::string TSessionWindow::LabelOf(std::int64_t frame) {
 
 void TSessionWindow::ShowModel() {
     const SessionState& state = mModel.GetState();
-    const auto showTime = [this](TNumericEntryText* field, std::int64_t samples) {
+    const auto showTime = [](TNumericEntryText* field, std::int64_t samples) {
         if (field)
             field->SetTextFromSample(Time_Sample(samples), /*redraw*/ true);
     };
@@ -337,7 +337,7 @@ void TSessionWindow::FieldChanged(CNumericEntryCallbackInfo& info) {
     switch (info.GetField()->GetIdentifier()) {
     case Cmn_FourChar("main"):
     case Cmn_FourChar("scnd"):
-        return Locate(value);
+        return LocateFrame(value);
     case Cmn_FourChar("star"):
         return Do<SetSelectionCommand>(kSessionCommand_SetSelection, mModel.WithStart(value),
                                        kSession_Selection, "setselection");
@@ -411,7 +411,7 @@ void TSessionWindow::WaveformSelected(int phase, std::int64_t from, std::int64_t
     Do<SetSelectionCommand>(kSessionCommand_SetSelection, state, kSession_Selection,
                             "setselection");
     if (!mTransport.IsPlaying())
-        Locate(state.mStart);
+        LocateFrame(state.mStart);
 }
 
 void TSessionWindow::ControlChanged(std::int32_t number, TView* source) {
@@ -525,7 +525,7 @@ void TSessionWindow::Stop() {
     ShowPosition();
 }
 
-void TSessionWindow::Locate(std::int64_t frame) {
+void TSessionWindow::LocateFrame(std::int64_t frame) {
     mTransport.Locate(std::min(frame, mModel.GetFrameCount()));
     mMeteredTo = mTransport.GetPosition();
     ShowPosition();
@@ -566,7 +566,7 @@ void TSessionWindow::DoMenuCommand(std::int32_t command) {
     case kSessionCommand_Stop:
         return Stop();
     case kSessionCommand_ToStart:
-        return Locate(0);
+        return LocateFrame(0);
     case kSessionCommand_SelectAll:
         return Do<SetSelectionCommand>(kSessionCommand_SetSelection,
                                        mModel.WithSelection(0, mModel.GetFrameCount()),

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/audio_file.h"
+#include "host/session_api.h"
 #include "host/session_commands.h"
 #include "host/session_model.h"
 #include "host/transport.h"
@@ -30,7 +31,7 @@ struct SessionLook {
 /// Made by the description. It owns the session's model and wires the views, found by identifier,
 /// to it: fields and controls announce, commands change the model, the model's changes come back
 /// and are shown.
-class TSessionWindow : public TWindow {
+class SESSION_API TSessionWindow : public TWindow {
   public:
     QLX_DECLARE_CLASS(TSessionWindow);
     TSessionWindow();
@@ -53,7 +54,7 @@ class TSessionWindow : public TWindow {
 
     void Play();
     void Stop();
-    void Locate(std::int64_t frame);
+    void LocateFrame(std::int64_t frame);
     /// By the nudge value, or by the grid.
     void Nudge(int direction, bool byGrid);
 
@@ -111,7 +112,7 @@ class TSessionWindow : public TWindow {
 };
 
 /// The session's named commands and key bindings; owned by the program.
-class SessionKeys {
+class SESSION_API SessionKeys {
   public:
     explicit SessionKeys(TSessionWindow& window);
     ~SessionKeys();

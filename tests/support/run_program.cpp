@@ -1,5 +1,7 @@
 #include "tests/support/run_program.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -28,8 +30,17 @@ ProgramRun RunProgram(const std::string& name, const std::string& arguments) {
 #ifdef _WIN32
     std::replace(program.begin(), program.end(), '/', '\\');
 #endif
-    const std::string out = QLX_TEST_OUTPUT "/" + name + ".out";
-    const std::string err = QLX_TEST_OUTPUT "/" + name + ".err";
+    // Files of their own for every run: programs of other tests run at the same time, and wine
+    // starts its desktop with the first window, which keeps the files open that the window's
+    // program had.
+    static int run = 0;
+    std::string said = "program-" + std::to_string(++run);
+    if (const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info())
+        said = std::string(test->test_suite_name()) + "-" + test->name() + "-" + said;
+    std::replace(said.begin(), said.end(), '/', '-'); // of tests with parameters
+    said = QLX_TEST_OUTPUT "/" + said;
+    const std::string out = said + ".out";
+    const std::string err = said + ".err";
     std::filesystem::remove(out);
     std::filesystem::remove(err);
     int status = std::system((program + " " + arguments + " >" + out + " 2>" + err).c_str());

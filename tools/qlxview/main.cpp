@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/sys/sys_arguments.h"
 #include "basekit/sys/sys_library.h"
 #include "command.h"
 
@@ -31,8 +32,9 @@ void ToolCommand::AddAll(CLI::App& app) {
 }
 
 int main(int argc, char** argv) {
-    if (argc > 0)
-        gProgramPath = argv[0];
+    Sys_Arguments arguments(argc, argv);
+    if (arguments.GetCount() > 0)
+        gProgramPath = arguments.GetValues()[0];
     // What the library says by assertion about a file, the tool says with its place.
     Cmn_SetAssertionHandler([](const char*, const char*, int) {});
     CLI::App app("Checks, formats, shows, translates, compares and packs view descriptions.",
@@ -54,7 +56,7 @@ int main(int argc, char** argv) {
         ->trigger_on_parse();
     ToolCommand::AddAll(app);
     try {
-        app.parse(argc, argv);
+        app.parse(arguments.GetCount(), arguments.GetValues());
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kExitWell : kExitFailed;
     } catch (const std::exception& error) {
