@@ -69,6 +69,19 @@ if(MINGW)
     set_tests_properties(wine_up PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)
     add_test(NAME wine_down COMMAND ${PROJECT_SOURCE_DIR}/scripts/wine-down)
     set_tests_properties(wine_down PROPERTIES FIXTURES_CLEANUP wine TIMEOUT 60)
+
+    # What only a user sees: the host driven at its window, and the zip unpacked elsewhere.
+    foreach(painter gdi direct2d)
+        add_test(NAME host_window_${painter}
+                 COMMAND ${PROJECT_SOURCE_DIR}/tests/win64/window.sh ${CMAKE_BINARY_DIR}
+                         ${CMAKE_BINARY_DIR}/test-output/window-${painter} ${painter})
+        # Alone: other windows of the display would take the keys.
+        set_tests_properties(host_window_${painter} PROPERTIES FIXTURES_REQUIRED wine RUN_SERIAL TRUE
+                             TIMEOUT 300 SKIP_RETURN_CODE 77)
+    endforeach()
+    add_test(NAME zip_package COMMAND ${PROJECT_SOURCE_DIR}/tests/win64/package.sh ${CMAKE_BINARY_DIR}
+                                      ${CMAKE_BINARY_DIR}/test-output/package)
+    set_tests_properties(zip_package PROPERTIES FIXTURES_REQUIRED wine TIMEOUT 300)
 elseif(NOT WIN32)
     include(qlx_checks)
 endif()
