@@ -7,7 +7,7 @@ BUILD_FOLDER/results/PROGRAM.json is Google Benchmark's output. A benchmark's na
 variant and numbers behind slashes; bench/peers.txt says which variants are peers. Every cell below a peer is our time
 divided by the peer's in the same run: below 1 we are faster. The section of a program opens with the comment at the
 head of its source; bench/PROGRAM.md, where there is one, closes it. Programs without results keep the section that the
-page has.
+page has, or are named as not measured.
 """
 
 import json
@@ -181,6 +181,9 @@ def main():
         try:
             data = json.loads((build / f"results/{program}.json").read_text())
         except (OSError, ValueError):
+            # Nothing is left out in silence.
+            sections.setdefault(program, f"## {title_of(program)}\n\n" + textwrap.fill(
+                heading_comment(source.read_text()), 120) + "\n\nNot measured on this machine.\n\n")
             continue
         context = data["context"]
         lines, notes = table_of(program, data, peers)
