@@ -29,6 +29,16 @@ class StBlock {
     char* mBytes = nullptr; // owned
 };
 
+/// The bytes that are asked of the allocator for a storage of so many. The capacity follows the
+/// growth increment to the element, but a long array that grows by small chunks would move at each
+/// of them: its block has room up to the next quarter of a power of two, and moves when that is
+/// reached.
+std::size_t RoomFor(std::int64_t size) {
+    const auto bytes = static_cast<std::size_t>(size);
+    const std::size_t step = std::bit_floor(bytes) / 4;
+    return bytes <= 128 ? bytes : (bytes + step - 1) / step * step;
+}
+
 } // namespace
 
 QLX_DEFINE_CLASS(TDynamicArray, TObject)
@@ -84,15 +94,13 @@ void TDynamicArray::SetCapacity(int capacity) {
     if (capacity == 0) {
         Cmn_FreeBlock(mStorage);
         mStorage = nullptr;
-    } else if (capacity < mCapacity) {
+    } else if (const std::size_t room = RoomFor(size); !mStorage || room != RoomFor(mStorageSize)) {
         // Without memory to move to, the array keeps the room it has: giving room back cannot fail.
-        void* const smaller = Cmn_Reallocate(mStorage, static_cast<std::size_t>(size));
-        if (!smaller)
+        void* const moved = capacity < mCapacity ? Cmn_Reallocate(mStorage, room)
+                                                 : Cmn_ReallocateOrFail(mStorage, room);
+        if (!moved)
             return;
-        mStorage = static_cast<char*>(smaller);
-    } else {
-        mStorage =
-            static_cast<char*>(Cmn_ReallocateOrFail(mStorage, static_cast<std::size_t>(size)));
+        mStorage = static_cast<char*>(moved);
     }
     mCapacity = capacity;
     mStorageSize = size;
@@ -128,6 +136,16 @@ void TDynamicArray::ReplaceElementsAt(int index, const void* elements, int n) {
 }
 
 void TDynamicArray::InsertElementsBefore(int index, const void* elements, int n) {
+    // A list that is filled: one element at the end, where there is room.
+    if (n == 1 && index > mCount && mCount < mCapacity && !mIterators) {
+        char* const place = mStorage + (static_cast<std::size_t>(mCount) << mElementShift);
+        if (mElementSize == sizeof(void*))
+            std::memmove(place, elements, sizeof(void*));
+        else
+            std::memmove(place, elements, RunBytes(1));
+        ++mCount;
+        return;
+    }
     if (n <= 0)
         return;
     index = std::clamp(index, 1, mCount + 1);

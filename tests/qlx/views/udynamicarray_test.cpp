@@ -93,6 +93,32 @@ TEST(DynamicArray, CapacityGrowsByWholeChunks) {
     }
 }
 
+// The capacity says six more at a time; the memory behind it moves far more seldom, on the way up
+// and down, and never has much more room than is asked for.
+TEST(DynamicArray, AListThatGrowsInSmallChunksSeldomMoves) {
+    for (const short elementSize : {short{1}, short{8}, short{24}}) {
+        SCOPED_TRACE(elementSize);
+        constexpr int kCount = 5000;
+        const auto array = NewArray(0, elementSize);
+        std::vector<char> element(static_cast<std::size_t>(elementSize));
+        const auto expected = [](int count) { return (count / 6 + 1) * 6; };
+        Cmn_FailAllocationsAfter(60);
+        for (int i = 1; i <= kCount; ++i) {
+            element[0] = static_cast<char>(i % 100);
+            array->InsertElementsBefore(i, element.data(), 1);
+            // A chunk lasts until it is full.
+            ASSERT_EQ(array->GetCapacity(), expected(i % 6 == 0 ? i - 1 : i));
+        }
+        Cmn_FailAllocationsAfter(60);
+        for (int i = kCount; i > 1; --i) {
+            ASSERT_EQ(*static_cast<char*>(array->ComputeAddress(i)), i % 100);
+            array->DeleteElementsAt(i, 1);
+        }
+        Cmn_FailAllocationsAfter(-1);
+        EXPECT_EQ(array->GetCapacity(), 6);
+    }
+}
+
 TEST(DynamicArray, InsertingAndDeletingKeepsHalfAChunkOfPeace) {
     const auto array = NewArray(0, sizeof(int));
     std::vector<int> capacities;
