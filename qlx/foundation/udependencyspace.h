@@ -7,8 +7,8 @@
 #include "basekit/cmn/cmn_types.h"
 #include "qlx/foundation/qlx_fwd.h"
 
-/// Two relation tables, dependents by notifier and notifiers by dependent, always in step. Owns
-/// none of the objects. User-interface thread only.
+/// Relations between objects, found from either side: each object's dependents and each object's
+/// notifiers, always in step. Owns none of the objects. User-interface thread only.
 class QLX_API TDependencySpace {
   public:
     /// The tag of a relation made by TObject::AddDependent.
@@ -18,7 +18,7 @@ class QLX_API TDependencySpace {
     TDependencySpace(const TDependencySpace&) = delete;
     TDependencySpace& operator=(const TDependencySpace&) = delete;
     virtual ~TDependencySpace();
-    /// Records the pair once; a pair that is there already is left alone.
+    /// Records the pair once; a pair that is there already is left alone, and so are nulls.
     virtual void AddDependency(TObject* notifier, TObject* dependent, std::int32_t tag);
     virtual void RemoveDependency(TObject* notifier, TObject* dependent);
     /// Drops every pair in which the object stands on either side.
@@ -35,6 +35,10 @@ class QLX_API TDependencySpace {
 
   private:
     class Table;
-    std::unique_ptr<Table> mDependentsByNotifier;
-    std::unique_ptr<Table> mNotifiersByDependent;
+    void File(TObject* notifier, TObject* dependent, std::int32_t tag);
+    void FileNewest();
+    std::unique_ptr<Table> mTable;
+    TObject* mNewestNotifier = nullptr;  // not owned; null when the newest relation is in the table
+    TObject* mNewestDependent = nullptr; // not owned
+    std::int32_t mNewestTag = 0;
 };

@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "qlx/foundation/udependencyspace.h"
 
 void* operator new(std::size_t size, Cmn_AllocateOrFailTag) { return Cmn_AllocateOrFail(size); }
 
@@ -18,17 +17,7 @@ const ClassDesc* TObject::GetClassDescDynamic() const { return &fgClassDesc; }
 
 TObject::~TObject() = default;
 
-void TObject::Changed(int change, TObject* changedBy) {
-    if (TDependencySpace* space = GetDependencySpace())
-        space->Notify(change, this, changedBy);
-}
-
 void TObject::DoUpdate(int, TObject*, TObject*, TDependencySpace*) {}
-
-void TObject::RemoveAllDependencies() {
-    if (TDependencySpace* space = GetDependencySpace())
-        space->RemoveAllDependencies(this);
-}
 
 bool TObject::RemoveDependenciesOnFree() { return true; }
 
@@ -54,15 +43,3 @@ TObject* TObject::ShallowClone() {
     std::memcpy(copy, static_cast<const void*>(this), size);
     return static_cast<TObject*>(copy);
 }
-
-void TObject::AddDependent(TObject* dependent) {
-    if (TDependencySpace* space = GetDependencySpace())
-        space->AddDependency(this, dependent, TDependencySpace::kDefaultTag);
-}
-
-void TObject::RemoveDependent(TObject* dependent) {
-    if (TDependencySpace* space = GetDependencySpace())
-        space->RemoveDependency(this, dependent);
-}
-
-TDependencySpace* TObject::GetDependencySpace() const { return TDependencySpace::GetGlobal(); }

@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "qlx/foundation/uobject.h"
+#include "tests/support/allocation_counter.h"
 
 namespace {
 
@@ -40,6 +43,98 @@ TEST(DependencySpace, DependentFreedDuringNotificationIsNotCalled) {
     first->Free();
     notifier.Changed(8, nullptr);
     EXPECT_EQ(log, std::vector<int>{7});
+}
+
+// Each row's step happens while the first of two dependents hears of a change.
+TEST(DependencySpace, WhatADependentDoesMeanwhileCountsAtOnce) {
+    struct Doer : TObject {
+        std::vector<int>* mLog = nullptr;
+        int mNumber = 0;
+        std::function<void()> mThen;
+        void DoUpdate(int, TObject*, TObject*, TDependencySpace*) override {
+            mLog->push_back(mNumber);
+            if (mThen)
+                mThen();
+        }
+    };
+    std::vector<int> log;
+    Doer notifier, first, second, third;
+    notifier.mLog = first.mLog = second.mLog = third.mLog = &log;
+    first.mNumber = 1;
+    second.mNumber = 2;
+    third.mNumber = 3;
+    const struct {
+        const char* mWhy;
+        std::function<void()> mStep;
+        std::vector<int> mNow, mNext;
+    } rows[] = {
+        {"nothing", [] {}, {1, 2}, {1, 2}},
+        {"one more is not told yet", [&] { notifier.AddDependent(&third); }, {1, 2}, {1, 2, 3}},
+        {"one less is not told any more", [&] { notifier.RemoveDependent(&second); }, {1}, {1}},
+        {"removed and added again is still told",
+         [&] {
+             notifier.RemoveDependent(&second);
+             notifier.AddDependent(&second);
+         },
+         {1, 2},
+         {1, 2}},
+        {"the notifier leaves", [&] { notifier.RemoveAllDependencies(); }, {1}, {}},
+        {"added twice is told once",
+         [&] {
+             notifier.AddDependent(&third);
+             notifier.AddDependent(&third);
+             notifier.AddDependent(&first);
+         },
+         {1, 2},
+         {1, 2, 3}},
+        {"a dependent that goes at once is forgotten",
+         [&] {
+             auto* const brief = new Doer;
+             notifier.AddDependent(brief);
+             brief->Free();
+         },
+         {1, 2},
+         {1, 2}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mWhy);
+        notifier.AddDependent(&first);
+        notifier.AddDependent(&second);
+        first.mThen = row.mStep;
+        notifier.Changed(1, nullptr);
+        EXPECT_EQ(std::exchange(log, {}), row.mNow);
+        first.mThen = nullptr;
+        notifier.Changed(1, nullptr);
+        EXPECT_EQ(std::exchange(log, {}), row.mNext);
+        notifier.RemoveAllDependencies();
+        notifier.Changed(1, nullptr);
+        EXPECT_TRUE(log.empty());
+    }
+}
+
+// Objects that lose their relations without being freed leave nothing behind that would slow the
+// rest down or keep memory.
+TEST(DependencySpace, RelationsThatComeAndGoTakeNoMoreMemory) {
+    TObject notifiers[100];
+    TObject dependent, other;
+    const auto round = [&] {
+        for (TObject& notifier : notifiers) {
+            notifier.AddDependent(&dependent);
+            notifier.AddDependent(&other);
+            notifier.RemoveDependent(&dependent);
+            notifier.RemoveDependent(&other);
+        }
+    };
+    for (int i = 0; i < 5; ++i)
+        round();
+    const AllocationCounter counter;
+    round();
+    // The table may be swept once.
+    EXPECT_LE(counter.GetCount(), 4u);
+    dependent.RemoveAllDependencies();
+    other.RemoveAllDependencies();
+    for (TObject& notifier : notifiers)
+        notifier.RemoveAllDependencies();
 }
 
 // Random changes against two plain maps: what is told, and in which order, is what they say.
