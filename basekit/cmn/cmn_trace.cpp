@@ -1,9 +1,13 @@
 #include "basekit/cmn/cmn_trace.h"
 
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
+
+#include "basekit/cmn/cmn_traceswitch.h"
+
+// Any thread may trace; what reaches the sink from several at once is the sink's to order.
+constinit std::atomic<std::uint64_t> gEnabledTraceChannels{0};
 
 namespace {
 
@@ -12,8 +16,6 @@ void WriteToStandardError(const char* line) {
     std::fputc('\n', stderr);
 }
 
-// Any thread may trace; what reaches the sink from several at once is the sink's to order.
-constinit std::atomic<std::uint64_t> sEnabledChannels{0};
 constinit std::atomic<Cmn_TraceSink> sSink{&WriteToStandardError};
 
 bool IsChannel(int channel) { return channel >= 0 && channel < kTrace_ChannelCount; }
@@ -40,14 +42,13 @@ void Cmn_TraceEnable(int channel, bool on) {
         return;
     const std::uint64_t bit = std::uint64_t{1} << channel;
     if (on)
-        sEnabledChannels.fetch_or(bit, std::memory_order_relaxed);
+        gEnabledTraceChannels.fetch_or(bit, std::memory_order_relaxed);
     else
-        sEnabledChannels.fetch_and(~bit, std::memory_order_relaxed);
+        gEnabledTraceChannels.fetch_and(~bit, std::memory_order_relaxed);
 }
 
 bool Cmn_TraceIsEnabled(int channel) {
-    return IsChannel(channel) &&
-           (sEnabledChannels.load(std::memory_order_relaxed) >> channel & 1) != 0;
+    return IsChannel(channel) && Cmn_TraceIsOn(static_cast<ETraceChannel>(channel));
 }
 
 void Cmn_Trace(int channel, const char* format, ...) {

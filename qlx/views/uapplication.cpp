@@ -1,11 +1,10 @@
 #include "qlx/views/uapplication.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "basekit/cmn/cmn_string.h"
-#include "basekit/cmn/cmn_trace.h"
+#include "basekit/cmn/cmn_traceswitch.h"
 #include "newfilelibs/daw/daw_eventmodifiers.h"
 #include "newfilelibs/daw/daw_keyboardstate.h"
 #include "newfilelibs/daw/daw_keyevent.h"
@@ -17,6 +16,7 @@
 #include "qlx/views/uevent.h"
 #include "qlx/views/ueventdispatch.h"
 #include "qlx/views/ukeybindings.h"
+#include "qlx/views/uscratchtext.h"
 #include "qlx/views/ustguard.h"
 
 QLX_DEFINE_CLASS(TApplication, TCommandHandler)
@@ -143,7 +143,7 @@ bool TApplication::HandleKeyDownEvent(TToolboxEvent* event) {
         else
             GetTarget()->HandleKeyCommand(event);
         isHandled = sMacAppKeyDownHandled;
-        if (isCommandKey && isHandled && Cmn_TraceIsEnabled(kTrace_CommandKeys))
+        if (isCommandKey && isHandled && Cmn_TraceIsOn(kTrace_CommandKeys))
             LogCommandKey(*event);
     }
     if (self)
@@ -244,8 +244,8 @@ void TApplication::SetUndoText(bool done, TCommand* command) {
 
 // Activities
 
-void TApplication::ActivityStarted(const std::string&) {}
-void TApplication::ActivityEnded(const std::string&) {}
+void TApplication::ActivityStarted(const CActivity&) {}
+void TApplication::ActivityEnded(const CActivity&) {}
 
 std::int32_t TApplication::StCommandValidator::sValidateCount = 0;
 std::string TApplication::StCommandValidator::sCmdName;
@@ -254,74 +254,32 @@ TApplication::StCommandValidator::StCommandValidator(const std::string& commandN
     if (sValidateCount++ != 0)
         return;
     sCmdName = commandName;
-    if (gApplication)
-        gApplication->ActivityStarted("performing " + sCmdName);
+    if (!gApplication)
+        return;
+    // A copy: the hook may open a scope of its own.
+    StScratchText name;
+    *name = sCmdName;
+    gApplication->ActivityStarted(CActivity("performing ", *name));
 }
 
 TApplication::StCommandValidator::~StCommandValidator() {
     if (sValidateCount <= 0 || --sValidateCount != 0 || !gApplication)
         return;
     try {
-        gApplication->ActivityEnded("performing " + sCmdName);
+        StScratchText name;
+        *name = sCmdName;
+        gApplication->ActivityEnded(CActivity("performing ", *name));
     } catch (...) {
         ReportSafely("activity end");
     }
 }
 
-namespace {
-
-constexpr std::size_t kLargestScratchText = 4096;
-
-// Texts in use, then texts to be used again. Each has its own allocation, so that those in use stay
-// where they are. Never destroyed: commands may be freed by other static destructors.
-struct ScratchTexts {
-    std::vector<std::unique_ptr<std::string>> mTexts;
-    std::size_t mInUse = 0;
-};
-
-ScratchTexts& Scratch() {
-    static auto* const texts = new ScratchTexts;
-    return *texts;
-}
-
-} // namespace
-
-TApplication::StScratchText::StScratchText() {
-    ScratchTexts& scratch = Scratch();
-    if (scratch.mInUse == scratch.mTexts.size())
-        scratch.mTexts.push_back(std::make_unique<std::string>());
-    mText = scratch.mTexts[scratch.mInUse++].get();
-}
-
-TApplication::StScratchText::~StScratchText() {
-    --Scratch().mInUse;
-    if (mText->capacity() > kLargestScratchText)
-        *mText = std::string();
-    else
-        mText->clear();
-}
-
-TApplication::StActivity::StActivity(const char* verb, const std::string& name) {
-    if (!gApplication)
-        return;
-    mText->append(verb).append(name);
-    gApplication->ActivityStarted(*mText);
-    mIsOpen = true;
-}
-
-TApplication::StActivity::~StActivity() {
-    if (!mIsOpen)
-        return;
+void TApplication::StActivity::Abandon() noexcept {
     try {
         End();
     } catch (...) {
         ReportSafely("activity end");
     }
-}
-
-void TApplication::StActivity::End() {
-    if (std::exchange(mIsOpen, false) && gApplication)
-        gApplication->ActivityEnded(*mText);
 }
 
 // Exceptions that nobody above could do anything about

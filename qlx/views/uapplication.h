@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "qlx/views/uactivity.h"
 #include "qlx/views/ucommandhandler.h"
 
 class CKeyBindings;
@@ -127,8 +128,8 @@ class QLX_API TApplication : public TCommandHandler {
     // Slot order is part of the binary interface: append, never move.
 
     /// Something that takes its time begins or ends, as "performing Cut". Does nothing here.
-    virtual void ActivityStarted(const std::string& activity);
-    virtual void ActivityEnded(const std::string& activity);
+    virtual void ActivityStarted(const CActivity& activity);
+    virtual void ActivityEnded(const CActivity& activity);
     /// Names the Undo item after the command: "Undo Cut" for one that is done, "Redo Cut" else.
     virtual void SetUndoText(bool done, TCommand* command);
     /// An exception came out of something posted or out of idle time. Traces it here.
@@ -149,32 +150,20 @@ class QLX_API TApplication : public TCommandHandler {
         static std::string sCmdName;
     };
 
-    /// A text, empty at first, whose memory is used again by the next one. Lives in a scope.
-    class QLX_API StScratchText {
-      public:
-        StScratchText();
-        ~StScratchText();
-        StScratchText(const StScratchText&) = delete;
-        StScratchText& operator=(const StScratchText&) = delete;
-        [[nodiscard]] std::string& operator*() { return *mText; }
-        [[nodiscard]] std::string* operator->() { return mText; }
-
-      private:
-        std::string* mText; // owned by the stack of scratch texts
-    };
-
     /// An activity: started by the constructor, ended by End, or by the destructor when an
-    /// exception came between.
+    /// exception came between. Verb and name stay as they are meanwhile.
     class QLX_API StActivity {
       public:
         StActivity(const char* verb, const std::string& name);
+        StActivity(const char* verb, std::string&& name) = delete;
         ~StActivity();
         StActivity(const StActivity&) = delete;
         StActivity& operator=(const StActivity&) = delete;
         void End();
 
       private:
-        StScratchText mText;
+        void Abandon() noexcept;
+        CActivity mActivity;
         bool mIsOpen = false;
     };
 
@@ -216,3 +205,24 @@ class QLX_API TApplication : public TCommandHandler {
 
 /// The application object; null when there is none.
 extern QLX_API TApplication* gApplication;
+
+inline TApplication::StActivity::StActivity(const char* verb, const std::string& name)
+    : mActivity(verb, name) {
+    if (!gApplication)
+        return;
+    gApplication->ActivityStarted(mActivity);
+    mIsOpen = true;
+}
+
+inline TApplication::StActivity::~StActivity() {
+    if (mIsOpen)
+        Abandon();
+}
+
+inline void TApplication::StActivity::End() {
+    if (!mIsOpen)
+        return;
+    mIsOpen = false;
+    if (gApplication)
+        gApplication->ActivityEnded(mActivity);
+}

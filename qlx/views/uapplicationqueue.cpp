@@ -51,7 +51,7 @@ bool TApplication::IsPosted(const TEvent* event) const {
 
 void TApplication::Enqueue(TEvent* event, bool atFront) {
     // Deliberate: one that is in the queue already stays where it is. It would be freed twice.
-    if (IsPosted(event))
+    if (CountPosted() != 0 && IsPosted(event))
         return;
     if (!event->IsReadyToPost()) {
         DropEvent(event);
@@ -120,7 +120,7 @@ int TApplication::ProcessPosted() {
     const StGuard self(this);
     const std::uint64_t turn = ++mPostTurn;
     int processed = 0;
-    while (self) {
+    while (self && CountPosted() != 0) {
         TEvent* const event = TakeReady(turn);
         if (!event)
             break;

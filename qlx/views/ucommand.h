@@ -131,6 +131,10 @@ class QLX_API TCommand : public TEvent {
     [[nodiscard]] std::int64_t GetCommandSize() const { return mCommandSize; }
     void DetermineCommandSize() { mCommandSize = GetMemoryFootPrint(); }
 
+  private:
+    void NotifyAll();
+    [[nodiscard]] const std::string& FindName();
+
   protected:
     friend class TCommandHandler;
     friend class TUndoRedoCommand;

@@ -4,6 +4,8 @@
 
 #include "qlx/views/ueventhandler.h"
 
+class StGuard;
+
 /// A handler with one level of undo. Performing the next command that changes something commits the
 /// last one first. User-interface thread.
 class QLX_API TCommandHandler : public TEventHandler {
@@ -58,21 +60,14 @@ class QLX_API TCommandHandler : public TEventHandler {
     friend class TCommand;
     friend class TUndoRedoCommand;
     class StBusy;
-    struct Run;
-    static void RemoveAliveCommand(const TCommand* command);
-
-    [[nodiscard]] static bool CanBeUsed(const TCommand* command);
-    void PerformGuarded(TCommand* command);
-    void PerformNamed(Run& run);
-    void Perform(Run& run);
-    static void Finish(Run& run);
-    static void TakeFromKeeper(TCommand* command);
-    void KeepCommand(TCommand* command, const TCommand* committed);
-    static void Discard(Run& run, const char* text);
-    static void LetGo(TCommand* command);
+    class Run;
+    [[nodiscard]] static bool IsBusy(const TCommand* command);
+    static void ForgetContext(const TCommandHandler* context);
+    static void End(TCommand* command, const StGuard& alive);
+    static void LetGo(TCommand* command, bool frees);
     void UndoOrRedo();
     static void UndoOrRedoBusy(TCommand* command, bool wasDone);
-    static void EndDisplaced(TCommand* command);
+    static void EndDisplaced(TCommand* command, const StGuard& alive);
 
     // The order of the fields is part of the binary interface.
     TCommand* mLastCommand = nullptr; // owned

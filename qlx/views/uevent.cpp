@@ -66,15 +66,6 @@ Cmn_Point<int> TToolboxEvent::GetEventWhere() const {
 
 // TEvent
 
-TEvent::TEvent() = default;
-TEvent::~TEvent() = default;
-
-void TEvent::IEvent(std::int32_t number, TEventHandler* source, TEventHandler* handler) {
-    mEventNumber = number;
-    mSource = source;
-    mHandler = handler;
-}
-
 bool TEvent::ShouldFreeOnCompletion() { return true; }
 
 bool TEvent::IsReadyToPost() { return true; }

@@ -60,10 +60,14 @@ class QLX_API TToolboxEvent : public TObject {
 class QLX_API TEvent : public TObject {
   public:
     QLX_DECLARE_CLASS(TEvent);
-    TEvent();
-    ~TEvent() override;
+    TEvent() = default;
+    ~TEvent() override = default;
 
-    void IEvent(std::int32_t number, TEventHandler* source, TEventHandler* handler);
+    void IEvent(std::int32_t number, TEventHandler* source, TEventHandler* handler) {
+        mEventNumber = number;
+        mSource = source;
+        mHandler = handler;
+    }
 
     [[nodiscard]] std::int32_t GetEventNumber() const { return mEventNumber; }
     [[nodiscard]] TEventHandler* GetSource() const { return mSource; }

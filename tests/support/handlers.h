@@ -230,13 +230,13 @@ class LogCommand : public TCommand {
 class LogApplication : public TApplication {
   public:
     explicit LogApplication(CallLog& log) : mLog(log) {}
-    void ActivityStarted(const std::string& activity) override {
+    void ActivityStarted(const CActivity& activity) override {
         if (mLogsActivities)
-            mLog.push_back("start " + activity);
+            mLog.push_back("start " + activity.GetText());
     }
-    void ActivityEnded(const std::string& activity) override {
+    void ActivityEnded(const CActivity& activity) override {
         if (mLogsActivities)
-            mLog.push_back("end " + activity);
+            mLog.push_back("end " + activity.GetText());
     }
     void ReportException(const char* where, std::exception_ptr exception) override {
         try {

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <stdexcept>
+#include <vector>
 
 #include "basekit/cmn/cmn_trace.h"
 #include "newfilelibs/daw/daw_command.h"
@@ -596,18 +598,120 @@ TEST_F(Commands, CommandsOfAContextThatIsGoneDoNothing) {
     mHandler->CommitLastCommand();
 }
 
-TEST_F(Commands, PerformingAllocatesNothingOnceItHasBegun) {
-    class Plain : public TCommand {};
-    LogHandler handler(mLog);
-    const auto perform = [&] {
-        auto* const command = new Plain;
-        command->ICommand(500, &handler, false, true, nullptr);
-        handler.PerformCommand(command);
+// Behind the second round nothing but the commands themselves is allocated, however long their
+// names and whether or not somebody reads what the application is doing.
+TEST_F(Commands, PerformingAllocatesTheCommandsAndNothingElse) {
+    struct Plain : TCommand {
+        bool GetCommandName(std::string* name) override {
+            *name = "a name that does not fit into a string itself";
+            return true;
+        }
     };
-    perform();
-    const AllocationCounter counter;
-    perform();
-    EXPECT_EQ(counter.GetCount(), 1u) << "the command";
+    struct Reader : TApplication {
+        std::size_t mRead = 0;
+        bool mReads = false;
+        void ActivityStarted(const CActivity& activity) override {
+            mRead += mReads ? activity.GetText().size() : 0;
+        }
+        void ActivityEnded(const CActivity& activity) override {
+            mRead += mReads ? activity.GetText().size() : 0;
+        }
+    } application;
+    TCommandHandler handler;
+    handler.IEventHandler(&application);
+    struct Row {
+        const char* mWhy;
+        bool mReads, mCanUndo, mUndoes;
+        std::size_t mAllocations;
+    } const rows[] = {
+        {"performed and freed", false, false, false, 1},
+        {"kept, the one before it committed", false, true, false, 1},
+        {"undone and redone", false, true, true, 3},
+        {"all of it with a reader", true, true, true, 3},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.mWhy);
+        application.mReads = row.mReads;
+        application.mRead = 0;
+        const auto round = [&] {
+            auto* const command = new Plain;
+            command->ICommand(500, &handler, row.mCanUndo, true, nullptr);
+            handler.PerformCommand(command);
+            for (int i = 0; row.mUndoes && i < 2; ++i) {
+                handler.HandleMenuCommand(kCommand_Undo);
+                application.ProcessPosted();
+            }
+        };
+        round();
+        round();
+        const AllocationCounter counter;
+        round();
+        EXPECT_EQ(counter.GetCount(), row.mAllocations);
+        EXPECT_EQ(application.mRead != 0, row.mReads);
+    }
+    handler.CommitLastCommand();
+}
+
+// Both hooks read the name as it was when the activity began.
+TEST_F(Commands, ANameThatChangesMeanwhileDoesNotChangeTheActivity) {
+    mApplication.mLogsActivities = true;
+    LogCommand* const command = New("before");
+    command->mInDoIt = [&] { command->SetCommandName("after"); };
+    command->mInUndoIt = [&] { command->SetCommandName("undone"); };
+    mHandler->PerformCommand(command);
+    EXPECT_EQ(Take(), (CallLog{"start performing before", "before:do", "before:notify done",
+                               "end performing before"}));
+    Undo();
+    EXPECT_EQ(Take(), (CallLog{"h:menu 101", "start performing TUndoRedoCommand",
+                               "start undoing after", "before:undo", "end undoing after",
+                               "before:notify undone", "end performing TUndoRedoCommand"}));
+    mApplication.mLogsActivities = false;
+}
+
+TEST_F(Commands, ACommandThatItsPredecessorsCommitFreesIsNotTouched) {
+    LogCommand* const a = New("a");
+    mHandler->PerformCommand(a);
+    LogCommand* const b = New("b");
+    a->mInCommit = [b] { b->Free(); };
+    Take();
+    mHandler->PerformCommand(b);
+    EXPECT_EQ(Take(), (CallLog{"a:commit", "b:gone", "a:completed", "a:gone"}));
+    EXPECT_EQ(mHandler->GetLastCommand(), nullptr);
+}
+
+// Commands come and go in any order, at addresses that are used again.
+TEST_F(Commands, TheLiveCommandsAreThoseThatWerePerformedAndNotFreed) {
+    std::mt19937 random(20250107);
+    std::vector<LogCommand*> kept;
+    std::vector<LogCommand*> fresh;
+    for (int step = 0; step < 500; ++step) {
+        if (fresh.empty() || random() % 3 == 0) {
+            fresh.push_back(New("x", false, false));
+            fresh.back()->SetFreeOnCompletion(false);
+        }
+        auto& from = random() % 2 == 0 || kept.empty() ? fresh : kept;
+        const std::size_t at = random() % from.size();
+        LogCommand* const command = from[at];
+        if (random() % 2 == 0) {
+            mHandler->PerformCommand(command);
+            if (&from == &fresh) {
+                kept.push_back(command);
+                fresh.erase(fresh.begin() + static_cast<std::ptrdiff_t>(at));
+            }
+        } else {
+            from.erase(from.begin() + static_cast<std::ptrdiff_t>(at));
+            command->Free();
+            ASSERT_FALSE(TCommandHandler::IsAlive(command)) << "step " << step;
+        }
+        ASSERT_EQ(TCommandHandler::CountAliveCommands(), kept.size()) << "step " << step;
+    }
+    for (LogCommand* const command : kept)
+        EXPECT_TRUE(TCommandHandler::IsAlive(command));
+    for (LogCommand* const command : fresh)
+        EXPECT_FALSE(TCommandHandler::IsAlive(command));
+    kept.insert(kept.end(), fresh.begin(), fresh.end());
+    for (LogCommand* const command : kept)
+        command->Free();
 }
 
 } // namespace
