@@ -3,7 +3,6 @@
 #include "basekit/sys/sys_clock.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/views/uapplication.h"
-#include "qlx/views/ueventdispatch.h"
 #include "qlx/views/ustguard.h"
 
 QLX_DEFINE_CLASS(TBehavior, TObject)
@@ -77,15 +76,6 @@ void TBehavior::SetPreviousBehavior(TBehavior* previous) { mPrevious = previous;
 
 TBehavior* TBehavior::GetNextBehavior() { return mNext; }
 
-TBehavior* TBehavior::GetNextEnabledBehavior() {
-    TBehavior* behavior = mNext;
-    while (behavior && !behavior->IsEnabled())
-        behavior = behavior->mNext;
-    return behavior;
-}
-
-TBehavior* TBehavior::ThisOrNextEnabled() { return IsEnabled() ? this : GetNextEnabledBehavior(); }
-
 void TBehavior::SetOwner(TEventHandler* owner) { mOwner = owner; }
 
 void TBehavior::InsertBefore(TBehavior* behavior, TBehavior* place) {
@@ -153,8 +143,6 @@ bool TBehavior::IsOwnerSelected() { return mOwnerSelected; }
 
 void TBehavior::SelectOwner(bool selected) { mOwnerSelected = selected; }
 
-bool TBehavior::IsEnabled() { return mEnabled; }
-
 void TBehavior::SetEnabled(bool enabled) {
     mEnabled = enabled;
     if (enabled && mIdleFreq != kNoIdle && mOwner)
@@ -202,61 +190,7 @@ void TBehavior::HandleIdle(IdlePhase phase) {
         next->HandleIdle(phase);
 }
 
-// Messages: on to the next enabled behaviour, after the last one to the owner's own Do.
-
-void TBehavior::DoCommandKeyEvent(TToolboxEvent* event) {
-    if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::CommandKey, event, next, &TBehavior::DoCommandKeyEvent);
-    else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchKey(EEventMessage::CommandKey, event, owner, &TEventHandler::DoCommandKeyEvent);
-    else
-        QLX_NoteDropped();
-}
-
-void TBehavior::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
-    if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchEvent(number, source, event, next);
-    else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchEvent(number, source, event, owner);
-    else
-        QLX_NoteDropped();
-}
-
-void TBehavior::DoKeyEvent(TToolboxEvent* event) {
-    if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyDown, event, next, &TBehavior::DoKeyEvent);
-    else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchKey(EEventMessage::KeyDown, event, owner, &TEventHandler::DoKeyEvent);
-    else
-        QLX_NoteDropped();
-}
-
-void TBehavior::DoKeyUp(TToolboxEvent* event) {
-    if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyUp, event, next, &TBehavior::DoKeyUp);
-    else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchKey(EEventMessage::KeyUp, event, owner, &TEventHandler::DoKeyUp);
-    else
-        QLX_NoteDropped();
-}
-
-void TBehavior::DoMenuCommand(std::int32_t command) {
-    if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchMenuCommand(command, next);
-    else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchMenuCommand(command, owner);
-    else
-        QLX_NoteDropped();
-}
-
-void TBehavior::DoSetupMenus() {
-    if (TBehavior* const next = GetNextEnabledBehavior())
-        QLX_DispatchSetupMenus(next);
-    else if (TEventHandler* const owner = mOwner)
-        QLX_DispatchSetupMenus(owner);
-    else
-        QLX_NoteDropped();
-}
+// Messages that handlers see too are in ueventmessages.cpp. The others end with the behaviours.
 
 void TBehavior::DoBehaviorUpdate(int change, TObject* changedObject, TObject* changedBy,
                                  TDependencySpace* space) {

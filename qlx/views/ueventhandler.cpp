@@ -4,12 +4,13 @@
 #include <cstdlib>
 #include <utility>
 
+#include "basekit/cmn/cmn_internal.h"
 #include "basekit/sys/sys_clock.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/views/qlx_comingtarget.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
-#include "qlx/views/ueventdispatch.h"
+#include "qlx/views/uevent.h"
 #include "qlx/views/ugeometry.h"
 #include "qlx/views/ustguard.h"
 
@@ -132,8 +133,6 @@ void TEventHandler::FreeBehaviors() {
 
 // Chain
 
-TEventHandler* TEventHandler::GetNextHandler() { return mNextHandler; }
-
 TEventHandler* TEventHandler::AddHandler(TEventHandler* handler) {
     if (!handler)
         return this;
@@ -165,96 +164,7 @@ TEventHandler* TEventHandler::RemoveHandler(TEventHandler* head) {
     return head;
 }
 
-// Messages: each Handle gives the message to the first enabled behaviour, else to the handler's own
-// Do; each Do passes it to the next handler's Handle. None of them touches this object after the
-// call.
-
-void TEventHandler::HandleEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchEvent(number, source, event, behavior);
-    else
-        QLX_DispatchEvent(number, source, event, this);
-}
-
-void TEventHandler::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
-        next->HandleEvent(number, source, event);
-    else
-        QLX_NoteEndOfChain();
-}
-
-void TEventHandler::HandleKeyCommand(TToolboxEvent* event) {
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyDown, event, behavior, &TBehavior::DoKeyEvent);
-    else
-        QLX_DispatchKey(EEventMessage::KeyDown, event, this, &TEventHandler::DoKeyEvent);
-}
-
-void TEventHandler::DoKeyEvent(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
-        next->HandleKeyCommand(event);
-    else
-        TApplication::KeyDownIsUnhandled();
-}
-
-void TEventHandler::HandleCommandKey(TToolboxEvent* event) {
-    TApplication::SetTargetHandlingEvent(this);
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::CommandKey, event, behavior, &TBehavior::DoCommandKeyEvent);
-    else
-        QLX_DispatchKey(EEventMessage::CommandKey, event, this, &TEventHandler::DoCommandKeyEvent);
-}
-
-void TEventHandler::DoCommandKeyEvent(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
-        next->HandleCommandKey(event);
-    else
-        TApplication::KeyDownIsUnhandled();
-}
-
-// The walk stops at the first handler that overrides DoKeyUp: the default, called through the slot,
-// is the step to the next handler, so no question about overriding has to be asked.
-void TEventHandler::HandleKeyUp(TToolboxEvent* event) {
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchKey(EEventMessage::KeyUp, event, behavior, &TBehavior::DoKeyUp);
-    else
-        QLX_DispatchKey(EEventMessage::KeyUp, event, this, &TEventHandler::DoKeyUp);
-}
-
-void TEventHandler::DoKeyUp(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
-        next->HandleKeyUp(event);
-    else
-        QLX_NoteEndOfChain();
-}
-
-void TEventHandler::HandleMenuCommand(std::int32_t command) {
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchMenuCommand(command, behavior);
-    else
-        QLX_DispatchMenuCommand(command, this);
-}
-
-void TEventHandler::DoMenuCommand(std::int32_t command) {
-    if (TEventHandler* const next = GetNextHandler())
-        next->HandleMenuCommand(command);
-    else
-        QLX_NoteEndOfChain();
-}
-
-void TEventHandler::HandleSetupMenus() {
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
-        QLX_DispatchSetupMenus(behavior);
-    else
-        QLX_DispatchSetupMenus(this);
-}
-
-void TEventHandler::DoSetupMenus() {
-    if (TEventHandler* const next = GetNextHandler())
-        next->HandleSetupMenus();
-    else
-        QLX_NoteEndOfChain();
-}
+// Messages that behaviours see first are in ueventmessages.cpp.
 
 void TEventHandler::DoHelp(TToolboxEvent* event, std::string& result) {
     if (TEventHandler* const next = GetNextHandler())
@@ -268,21 +178,29 @@ bool TEventHandler::DoMultiClick(const _CPoint& first, const _CPoint& second) {
            std::abs(first.h - second.h) <= gStdHysteresis.h;
 }
 
+namespace {
+
+// On its own, so that the way to the end of the chain saves no registers for it.
+QLX_STANDS_ALONE void DecodeKey(TToolboxEvent& event) {
+    const std::uint32_t kind = event.mEventKind;
+    if (kind != kQLX_EventKind_KeyDown && kind != kQLX_EventKind_KeyUp &&
+        kind != kQLX_EventKind_AutoKey)
+        return;
+    const QLX_EventRef& record = event.GetEvent();
+    record.GetProperty(kQLX_EventProperty_KeyCode, &event.mKeyCode, sizeof event.mKeyCode);
+    record.GetProperty(kQLX_EventProperty_Character, &event.mCharacterCode,
+                       sizeof event.mCharacterCode);
+}
+
+} // namespace
+
 void TEventHandler::KeyEventToComponents(TToolboxEvent* event) {
     if (TEventHandler* const next = GetNextHandler()) {
         next->KeyEventToComponents(event);
         return;
     }
-    if (!event)
-        return;
-    const std::uint32_t kind = event->mEventKind;
-    if (kind != kQLX_EventKind_KeyDown && kind != kQLX_EventKind_KeyUp &&
-        kind != kQLX_EventKind_AutoKey)
-        return;
-    const QLX_EventRef& record = event->GetEvent();
-    record.GetProperty(kQLX_EventProperty_KeyCode, &event->mKeyCode, sizeof event->mKeyCode);
-    record.GetProperty(kQLX_EventProperty_Character, &event->mCharacterCode,
-                       sizeof event->mCharacterCode);
+    if (event)
+        DecodeKey(*event);
 }
 
 TEvent* TEventHandler::RetrieveAnEvent() {
@@ -449,11 +367,6 @@ void TEventHandler::HandleIdle(IdlePhase phase) {
 // Behaviours
 
 TBehavior* TEventHandler::GetFirstBehavior() { return mFirstBehavior; }
-
-// Small, so that it is merged into the Handle operations where nobody overrides it.
-TBehavior* TEventHandler::GetFirstEnabledBehavior() {
-    return mFirstBehavior ? mFirstBehavior->ThisOrNextEnabled() : nullptr;
-}
 
 TBehavior* TEventHandler::GetBehaviorWithIdentifier(std::uint32_t identifier) {
     TBehavior* behavior = mFirstBehavior;

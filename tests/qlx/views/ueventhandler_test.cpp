@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "qlx/foundation/udependencyspace.h"
+#include "qlx/views/ueventtrace.h"
 #include "qlx/views/ugeometry.h"
 #include "tests/support/allocation_counter.h"
 #include "tests/support/handlers.h"
@@ -73,6 +74,85 @@ TEST_F(Chain, MessagesGoThroughBehavioursThenTheHandlerThenOn) {
         message.mSend(first, &mEvent);
         EXPECT_EQ(mLog.back(), "d" + word);
     }
+}
+
+// What a key asks on its way is merged into the hops; a subclass that answers otherwise is heard.
+TEST_F(Chain, KeysAskEveryQuestionThatASubclassMayAnswer) {
+    struct Lender : LogHandler {
+        using LogHandler::LogHandler;
+        TBehavior* mLent = nullptr;
+        TEventHandler* mDetour = nullptr;
+        int mAsked = 0;
+        TBehavior* GetFirstEnabledBehavior() override {
+            ++mAsked;
+            return mLent ? mLent : LogHandler::GetFirstEnabledBehavior();
+        }
+        TEventHandler* GetNextHandler() override {
+            return mDetour ? mDetour : LogHandler::GetNextHandler();
+        }
+    };
+    struct Chooser : LogBehavior {
+        using LogBehavior::LogBehavior;
+        bool mSaysEnabled = true;
+        TBehavior* mFollower = nullptr;
+        bool IsEnabled() override { return mSaysEnabled; }
+        TBehavior* GetNextEnabledBehavior() override {
+            return mFollower ? mFollower : LogBehavior::GetNextEnabledBehavior();
+        }
+    };
+    struct Row {
+        const char* mWhy;
+        bool mLends, mDetours, mSaysEnabled, mFollows;
+        CallLog mExpected;
+    };
+    const Row rows[] = {
+        {"nothing special", false, false, true, false, {"own:key", "h:key", "end:key"}},
+        {"a behaviour from elsewhere", true, false, true, false, {"lent:key"}},
+        {"a next handler from elsewhere",
+         false,
+         true,
+         true,
+         false,
+         {"own:key", "h:key", "detour:key"}},
+        {"disabled by its own word", false, false, false, false, {"h:key", "end:key"}},
+        {"a follower from elsewhere", false, false, true, true, {"own:key", "other:key"}},
+    };
+    for (const bool isTraced : {false, true}) {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(testing::Message() << row.mWhy << (isTraced ? ", traced" : ""));
+            mLog.clear();
+            LogHandler end(mLog, "end"), detour(mLog, "detour");
+            LogBehavior lent(mLog, "lent"), other(mLog, "other");
+            Lender handler(mLog, "h", &end);
+            auto* const own = new Chooser(mLog, "own");
+            own->mSaysEnabled = row.mSaysEnabled;
+            own->mFollower = row.mFollows ? &other : nullptr;
+            handler.AddBehavior(own);
+            handler.mLent = row.mLends ? &lent : nullptr;
+            handler.mDetour = row.mDetours ? &detour : nullptr;
+            // Through a plain handler, as its Do is where the hops are merged.
+            TEventHandler before;
+            before.IEventHandler(&handler);
+            QLX_EventTraceLog sink;
+            QLX_EventTrace::Start(isTraced ? &sink : nullptr);
+            before.HandleKeyCommand(&mEvent);
+            QLX_EventTrace::Stop();
+            EXPECT_EQ(mLog, row.mExpected);
+            EXPECT_EQ(handler.mAsked, 1);
+        }
+    }
+    // The same without a behaviour of its own.
+    mLog.clear();
+    LogBehavior lent(mLog, "lent");
+    Lender handler(mLog, "h");
+    TEventHandler before;
+    before.IEventHandler(&handler);
+    handler.mLent = &lent;
+    before.HandleKeyCommand(&mEvent);
+    handler.mLent = nullptr;
+    before.HandleKeyCommand(&mEvent);
+    EXPECT_EQ(mLog, (CallLog{"lent:key", "h:key"}));
+    EXPECT_EQ(handler.mAsked, 2);
 }
 
 TEST_F(Chain, KeyUpGoesToTheFirstHandlerThatOverridesIt) {
