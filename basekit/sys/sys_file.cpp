@@ -97,6 +97,7 @@ Sys_FileLoc Sys_FileLoc::GetSibling(std::string_view name) const {
 
 bool Sys_FileLoc::Exists() const { return Sys_GetPathKind(mPath) != Sys_PathKind::Nothing; }
 bool Sys_FileLoc::IsFile() const { return Sys_GetPathKind(mPath) == Sys_PathKind::File; }
+bool Sys_FileLoc::IsStream() const { return Sys_IsStream(mPath); }
 bool Sys_FileLoc::IsFolder() const { return Sys_GetPathKind(mPath) == Sys_PathKind::Folder; }
 
 Sys_FileLoc Sys_FileLoc::ApplicationFolder() {
@@ -196,30 +197,48 @@ std::string Sys_File::ReadAll(const Sys_FileLoc& loc) {
 
 Sys_SafeWriter::Sys_SafeWriter(const Sys_FileLoc& loc, Sys_FileSystem& fileSystem)
     : mLoc(loc), mFileSystem(fileSystem) {
-    static std::atomic<unsigned> counter{0}; // two writers of one process never share a name
     try {
+        if (Sys_IsStream(loc.GetPath())) {
+            mFile = mFileSystem.Open(loc.GetPath(), Sys_FileMode::Stream);
+            return;
+        }
         mTarget = mFileSystem.Resolve(loc.GetPath());
         if (Sys_GetPathKind(mTarget) == Sys_PathKind::Folder)
             throw Sys_FileError(mTarget, "is a folder");
-        // A number that a killed process of the same id left behind is passed over.
-        for (int attempt = 0;; ++attempt) {
-            const std::string name =
-                ".qlx-" + std::to_string(Sys_GetProcessID()) + "-" + std::to_string(++counter);
-            mTemporary = Sys_FileLoc(mTarget).GetSibling(name + ".tmp").GetPath();
-            if (attempt < 100 && Sys_GetPathKind(mTemporary) != Sys_PathKind::Nothing)
-                continue;
-            mFile = mFileSystem.Open(mTemporary, Sys_FileMode::Create);
-            break;
-        }
+        OpenTemporary();
+        // Before anything is in it: what only some may read is never open to all.
+        if (Sys_GetPathKind(mTarget) == Sys_PathKind::File)
+            mFileSystem.CopyAccess(mTarget, mTemporary);
     } catch (const Sys_FileError& error) {
+        if (mFile)
+            RemoveTemporary();
         Fail(error);
     }
 }
 
-Sys_SafeWriter::~Sys_SafeWriter() {
-    if (!mFile)
+void Sys_SafeWriter::OpenTemporary() {
+    static std::atomic<unsigned> counter{0}; // two writers of one process never share a name
+    // A number that a killed process of the same id left behind is passed over.
+    for (int attempt = 0;; ++attempt) {
+        const std::string name =
+            ".qlx-" + std::to_string(Sys_GetProcessID()) + "-" + std::to_string(++counter);
+        mTemporary = Sys_FileLoc(mTarget).GetSibling(name + ".tmp").GetPath();
+        if (attempt < 100 && Sys_GetPathKind(mTemporary) != Sys_PathKind::Nothing)
+            continue;
+        mFile = mFileSystem.Open(mTemporary, Sys_FileMode::Create);
         return;
+    }
+}
+
+Sys_SafeWriter::~Sys_SafeWriter() {
+    if (mFile)
+        RemoveTemporary();
+}
+
+void Sys_SafeWriter::RemoveTemporary() noexcept {
     mFile.reset();
+    if (mTemporary.empty())
+        return;
     try {
         mFileSystem.Remove(mTemporary);
     } catch (const Sys_FileError&) {
@@ -239,19 +258,12 @@ void Sys_SafeWriter::Write(std::string_view bytes) {
 void Sys_SafeWriter::Commit() {
     try {
         mFile->Flush();
-        if (Sys_GetPathKind(mTarget) == Sys_PathKind::File)
-            mFileSystem.CopyAccess(mTarget, mTemporary);
         // Closed before the rename: Windows moves no open file.
         mFile.reset();
-        mFileSystem.Replace(mTemporary, mTarget);
+        if (!mTemporary.empty())
+            mFileSystem.Replace(mTemporary, mTarget);
     } catch (const Sys_FileError& error) {
-        if (!mFile) {
-            try {
-                mFileSystem.Remove(mTemporary);
-            } catch (const Sys_FileError&) {
-                // As in the destructor.
-            }
-        }
+        RemoveTemporary();
         Fail(error);
     }
 }

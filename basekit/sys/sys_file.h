@@ -49,6 +49,8 @@ class QLX_API Sys_FileLoc {
     [[nodiscard]] bool Exists() const;
     [[nodiscard]] bool IsFile() const;
     [[nodiscard]] bool IsFolder() const;
+    /// A device or a pipe, which IsFile counts as a file.
+    [[nodiscard]] bool IsStream() const;
 
     /// The folder of the running program.
     [[nodiscard]] static Sys_FileLoc ApplicationFolder();
@@ -103,6 +105,7 @@ enum class Sys_FileMode {
     Read,   ///< an existing file, from its start
     Update, ///< an existing file, for reading and writing
     Create, ///< a new file; it is an error when there is one already
+    Stream, ///< an existing device or pipe, for writing one byte after the other
 };
 
 /// The operations of an open file that a side provides. Failures throw Sys_FileError.
@@ -130,7 +133,8 @@ class QLX_API Sys_FileSystem {
     virtual void Remove(const std::string& path) = 0;
     /// Where writing to path really leads: symbolic links are followed as far as they exist.
     virtual std::string Resolve(const std::string& path) = 0;
-    /// Gives one file the access rights of another where the platform has them.
+    /// Gives one file the access rights and the owner of another, as far as the platform has them
+    /// and the process may; where it may not, the file ends up open to fewer people, never to more.
     virtual void CopyAccess(const std::string& from, const std::string& to) = 0;
 
     /// The side of the platform that is built for.
@@ -178,8 +182,9 @@ class QLX_API Sys_File {
 /// Replaces a file in one step: what is written goes into a new file beside it, which takes its
 /// name only when Commit has brought every byte to the disk. Until then, and whenever anything
 /// fails, the old file is untouched. A symbolic link stays one: the file it leads to is replaced.
-/// The new file gets the old one's access rights. A process that is killed leaves at most a file
-/// whose name begins with ".qlx-" and ends with ".tmp" behind.
+/// The new file gets the old one's access rights before the first byte is in it. A process that is
+/// killed leaves at most a file whose name begins with ".qlx-" and ends with ".tmp" behind. Devices
+/// and pipes are not replaced: what is written goes straight into them.
 class QLX_API Sys_SafeWriter {
   public:
     explicit Sys_SafeWriter(const Sys_FileLoc& loc,
@@ -198,12 +203,14 @@ class QLX_API Sys_SafeWriter {
                         Sys_FileSystem& fileSystem = Sys_FileSystem::Native());
 
   private:
+    void OpenTemporary();
+    void RemoveTemporary() noexcept;
     [[noreturn]] void Fail(const Sys_FileError& error) const;
 
     Sys_FileLoc mLoc;
     Sys_FileSystem& mFileSystem;
     std::string mTarget;
-    std::string mTemporary;
+    std::string mTemporary; // empty when the target is a stream
     std::unique_ptr<Sys_FileBackend> mFile;
     std::uint64_t mWritten = 0;
 };

@@ -7,6 +7,8 @@ enum class Sys_PathKind { Nothing, File, Folder };
 
 /// What lies at a path, links followed; devices and pipes count as files.
 [[nodiscard]] Sys_PathKind Sys_GetPathKind(const std::string& path);
+/// Whether a device or a pipe lies there, which is written to and never replaced.
+[[nodiscard]] bool Sys_IsStream(const std::string& path);
 /// The running program's own path.
 [[nodiscard]] std::string Sys_GetProgramPath();
 [[nodiscard]] unsigned long Sys_GetProcessID();

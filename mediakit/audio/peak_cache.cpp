@@ -3,8 +3,9 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
+#include <string_view>
+
+#include "basekit/sys/sys_file.h"
 
 namespace {
 
@@ -12,7 +13,10 @@ constexpr char kMagic[8] = {'Q', 'L', 'X', 'P', 'E', 'A', 'K', '1'};
 constexpr std::size_t kHeaderSize = 8 + 8 + 8 + 4 + 4 + 8;
 constexpr std::size_t kPeakSize = 12;
 
-std::uint64_t Checksum(const std::vector<unsigned char>& bytes, std::size_t count) {
+/// Of a whole file.
+std::size_t SizeOf(std::size_t peakCount) { return kHeaderSize + peakCount * kPeakSize + 8; }
+
+std::uint64_t Checksum(const unsigned char* bytes, std::size_t count) {
     std::uint64_t hash = 0xCBF29CE484222325u;
     for (std::size_t i = 0; i < count; ++i)
         hash = (hash ^ bytes[i]) * 0x100000001B3u;
@@ -47,48 +51,57 @@ float ExtractFloat(const unsigned char* bytes) {
 
 } // namespace
 
-bool Audio_LoadPeakCache(const std::string& path, const Audio_PeakCacheKey& key,
+bool Audio_ReadPeakCache(std::string_view bytes, const Audio_PeakCacheKey& key,
                          std::vector<Audio_Peak>& peaks) {
-    std::error_code error;
-    const std::uintmax_t expected = kHeaderSize + peaks.size() * kPeakSize + 8;
-    if (std::filesystem::file_size(path, error) != expected || error)
-        return false;
-    std::vector<unsigned char> bytes(static_cast<std::size_t>(expected));
-    std::ifstream file(path, std::ios::binary);
-    if (!file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(expected)))
-        return false;
     const std::vector<unsigned char> header = Header(key, peaks.size());
-    if (std::memcmp(bytes.data(), header.data(), kHeaderSize) != 0)
+    const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (bytes.size() != SizeOf(peaks.size()) ||
+        std::memcmp(start, header.data(), kHeaderSize) != 0 ||
+        Extract(start + bytes.size() - 8, 8) != Checksum(start, bytes.size() - 8))
         return false;
-    if (Extract(&bytes[bytes.size() - 8], 8) != Checksum(bytes, bytes.size() - 8))
-        return false;
-    const unsigned char* at = &bytes[kHeaderSize];
+    const unsigned char* at = start + kHeaderSize;
     for (Audio_Peak& peak : peaks) {
         peak = {ExtractFloat(at), ExtractFloat(at + 4), ExtractFloat(at + 8)};
+        // No audio gives such a peak, and who draws it could not.
+        if (!std::isfinite(peak.mMinimum) || !std::isfinite(peak.mMaximum) ||
+            !std::isfinite(peak.mRMS))
+            return false;
         at += kPeakSize;
     }
     return true;
 }
 
-bool Audio_SavePeakCache(const std::string& path, const Audio_PeakCacheKey& key,
-                         const std::vector<Audio_Peak>& peaks) {
+std::string Audio_WritePeakCache(const Audio_PeakCacheKey& key,
+                                 const std::vector<Audio_Peak>& peaks) {
     std::vector<unsigned char> bytes = Header(key, peaks.size());
-    bytes.reserve(bytes.size() + peaks.size() * kPeakSize + 8);
+    bytes.reserve(SizeOf(peaks.size()));
     for (const Audio_Peak& peak : peaks)
         for (const float value : {peak.mMinimum, peak.mMaximum, peak.mRMS})
             Append(bytes, std::bit_cast<std::uint32_t>(value), 4);
-    Append(bytes, Checksum(bytes, bytes.size()), 8);
+    Append(bytes, Checksum(bytes.data(), bytes.size()), 8);
+    return {bytes.begin(), bytes.end()};
+}
 
-    const std::string beside = path + ".new";
-    std::ofstream file(beside, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    std::error_code error;
-    if (file)
-        std::filesystem::rename(beside, path, error);
-    if (file && !error)
-        return true;
-    std::filesystem::remove(beside, error);
-    return false;
+bool Audio_LoadPeakCache(const std::string& path, const Audio_PeakCacheKey& key,
+                         std::vector<Audio_Peak>& peaks) {
+    try {
+        Sys_File file(Sys_FileLoc(path), Sys_FileMode::Read);
+        if (file.GetSize() != SizeOf(peaks.size()))
+            return false;
+        std::string bytes(SizeOf(peaks.size()), '\0');
+        return file.Read(bytes.data(), bytes.size()) == bytes.size() &&
+               Audio_ReadPeakCache(bytes, key, peaks);
+    } catch (const Sys_FileError&) {
+        return false;
+    }
+}
+
+bool Audio_SavePeakCache(const std::string& path, const Audio_PeakCacheKey& key,
+                         const std::vector<Audio_Peak>& peaks) {
+    try {
+        Sys_SafeWriter::Replace(Sys_FileLoc(path), Audio_WritePeakCache(key, peaks));
+    } catch (const Sys_FileError&) {
+        return false;
+    }
+    return true;
 }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mediakit/audio/peak_pyramid.h"
@@ -19,12 +20,18 @@ struct Audio_PeakCacheKey {
     std::int32_t mChannelCount;
 };
 
+/// Fills peaks from a file's bytes as Audio_LoadPeakCache does from the file.
+QLX_API bool Audio_ReadPeakCache(std::string_view bytes, const Audio_PeakCacheKey& key,
+                                 std::vector<Audio_Peak>& peaks);
+/// The bytes of a whole file.
+[[nodiscard]] QLX_API std::string Audio_WritePeakCache(const Audio_PeakCacheKey& key,
+                                                       const std::vector<Audio_Peak>& peaks);
+
 /// Fills peaks (whose size says how many are expected). False, and peaks of no meaning, when the
 /// file is absent, stale, short or damaged.
 QLX_API bool Audio_LoadPeakCache(const std::string& path, const Audio_PeakCacheKey& key,
                                  std::vector<Audio_Peak>& peaks);
 
-/// Writes beside the path and renames, so a reader meets a whole file or none. False when it
-/// cannot.
+/// Replaces the file in one step, so a reader meets a whole one or none. False when it cannot.
 QLX_API bool Audio_SavePeakCache(const std::string& path, const Audio_PeakCacheKey& key,
                                  const std::vector<Audio_Peak>& peaks);

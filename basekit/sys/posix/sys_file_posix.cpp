@@ -40,8 +40,8 @@ class PosixBackend : public Sys_FileBackend {
     void WriteAt(std::uint64_t offset, const void* bytes, std::size_t size) override {
         std::size_t done = 0;
         while (done < size) {
-            const ssize_t count = pwrite(mDescriptor, static_cast<const char*>(bytes) + done,
-                                         size - done, static_cast<off_t>(offset + done));
+            const ssize_t count =
+                WriteSome(offset + done, static_cast<const char*>(bytes) + done, size - done);
             if (count >= 0)
                 done += static_cast<std::size_t>(count);
             else if (errno != EINTR)
@@ -69,6 +69,11 @@ class PosixBackend : public Sys_FileBackend {
         return count < 0 && errno == ESPIPE ? read(mDescriptor, bytes, size) : count;
     }
 
+    ssize_t WriteSome(std::uint64_t offset, const char* bytes, std::size_t size) {
+        const ssize_t count = pwrite(mDescriptor, bytes, size, static_cast<off_t>(offset));
+        return count < 0 && errno == ESPIPE ? write(mDescriptor, bytes, size) : count;
+    }
+
     std::string mPath;
     int mDescriptor;
 };
@@ -81,6 +86,8 @@ class PosixFileSystem : public Sys_FileSystem {
             flags = O_RDWR;
         else if (mode == Sys_FileMode::Create)
             flags = O_RDWR | O_CREAT | O_EXCL;
+        else if (mode == Sys_FileMode::Stream)
+            flags = O_WRONLY;
         const int descriptor = open(path.c_str(), flags | O_CLOEXEC, 0666);
         if (descriptor < 0)
             Fail(path, errno);
@@ -110,14 +117,33 @@ class PosixFileSystem : public Sys_FileSystem {
     }
 
     std::string Resolve(const std::string& path) override {
-        char resolved[PATH_MAX];
-        return realpath(path.c_str(), resolved) ? std::string(resolved) : path;
+        constexpr int kMostLinks = 40;
+        std::string at = path;
+        for (int links = 0; links < kMostLinks; ++links) {
+            char text[PATH_MAX];
+            if (realpath(at.c_str(), text))
+                return text;
+            // A link to what is not there yet: that is what will be made.
+            const ssize_t length = readlink(at.c_str(), text, sizeof text);
+            if (length <= 0)
+                return at;
+            const std::string target(text, static_cast<std::size_t>(length));
+            at = target[0] == '/' ? target : Sys_FileLoc(at).GetSibling(target).GetPath();
+        }
+        Fail(path, ELOOP);
     }
 
     void CopyAccess(const std::string& from, const std::string& to) override {
         struct stat status;
-        if (stat(from.c_str(), &status) == 0)
-            (void)chmod(to.c_str(), status.st_mode & 07777);
+        if (stat(from.c_str(), &status) != 0)
+            return;
+        mode_t mode = status.st_mode & 0777;
+        if (chown(to.c_str(), status.st_uid, status.st_gid) != 0 &&
+            chown(to.c_str(), static_cast<uid_t>(-1), status.st_gid) != 0) {
+            // Another group: it gets what everybody has, not what the old one had.
+            mode = (mode & 0707) | (mode & 07) << 3;
+        }
+        (void)chmod(to.c_str(), mode);
     }
 };
 } // namespace
@@ -132,6 +158,11 @@ Sys_PathKind Sys_GetPathKind(const std::string& path) {
     if (stat(path.c_str(), &status) != 0)
         return Sys_PathKind::Nothing;
     return S_ISDIR(status.st_mode) ? Sys_PathKind::Folder : Sys_PathKind::File;
+}
+
+bool Sys_IsStream(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 std::string Sys_GetProgramPath() {

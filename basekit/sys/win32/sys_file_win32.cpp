@@ -83,7 +83,8 @@ class WindowsBackend : public Sys_FileBackend {
     }
 
     void Flush() override {
-        if (!FlushFileBuffers(mHandle))
+        // A console has nothing to flush.
+        if (!FlushFileBuffers(mHandle) && GetFileType(mHandle) == FILE_TYPE_DISK)
             Fail(mPath, GetLastError());
     }
 
@@ -103,7 +104,9 @@ class WindowsFileSystem : public Sys_FileSystem {
   public:
     std::unique_ptr<Sys_FileBackend> Open(const std::string& path, Sys_FileMode mode) override {
         DWORD access = GENERIC_READ;
-        if (mode != Sys_FileMode::Read)
+        if (mode == Sys_FileMode::Stream)
+            access = GENERIC_WRITE;
+        else if (mode != Sys_FileMode::Read)
             access |= GENERIC_WRITE;
         const DWORD disposition = mode == Sys_FileMode::Create ? CREATE_NEW : OPEN_EXISTING;
         // Who reads does not mind a writer, as elsewhere; who writes wants no second one.
@@ -144,6 +147,17 @@ Sys_PathKind Sys_GetPathKind(const std::string& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return Sys_PathKind::Nothing;
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? Sys_PathKind::Folder : Sys_PathKind::File;
+}
+
+bool Sys_IsStream(const std::string& path) {
+    const HANDLE handle =
+        CreateFileW(Wide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return false;
+    const DWORD type = GetFileType(handle);
+    CloseHandle(handle);
+    return type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE;
 }
 
 std::string Sys_GetProgramPath() {
