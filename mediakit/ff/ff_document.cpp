@@ -93,6 +93,9 @@ void FF_Document::ReadLastTable() {
     Sys_TypedInStream(header.substr(kMagic.size())).ReadUInt32(version);
     if (version != kVersion)
         Fail("the document has the unknown version " + std::to_string(version));
+    // A good footer with a bad table before it is a damaged disk's; a file of nothing else shall
+    // not make opening read it once for each.
+    mTableBudget = 4 * mEnd + 65536;
     // Footers stand at multiples of 16, the good one at the very end unless a write broke off.
     constexpr std::uint64_t kStep = 64 * 1024;
     if (mEnd >= kHeaderSize + kFooterSize) {
@@ -100,14 +103,15 @@ void FF_Document::ReadLastTable() {
         std::string block;
         for (;;) {
             const std::uint64_t low = high > kHeaderSize + kStep ? high - kStep : kHeaderSize;
-            block.resize(static_cast<std::size_t>(high - low + kFooterMagic.size()));
+            block.resize(static_cast<std::size_t>(high - low + kFooterSize));
             mFile->SetPosition(low);
             if (mFile->Read(block.data(), block.size()) != block.size())
                 Fail("the file became shorter while it was read");
             for (std::uint64_t at = high;; at -= kAlignment) {
-                if (std::string_view(block).substr(static_cast<std::size_t>(at - low),
-                                                   kFooterMagic.size()) == kFooterMagic &&
-                    ReadTableAt(at)) {
+                const std::string_view footer =
+                    std::string_view(block).substr(static_cast<std::size_t>(at - low), kFooterSize);
+                if (footer.substr(0, kFooterMagic.size()) == kFooterMagic &&
+                    ReadTableAt(at, footer)) {
                     mTorn = at + kFooterSize != mEnd;
                     return;
                 }
@@ -122,13 +126,10 @@ void FF_Document::ReadLastTable() {
     Fail("the document has no table of contents that can be read");
 }
 
-bool FF_Document::ReadTableAt(std::uint64_t footerOffset) {
-    char bytes[kFooterSize];
-    mFile->SetPosition(footerOffset);
-    if (mFile->Read(bytes, sizeof bytes) != sizeof bytes ||
-        !IsWhole(std::string_view(bytes, sizeof bytes)))
+bool FF_Document::ReadTableAt(std::uint64_t footerOffset, std::string_view footerBytes) {
+    if (!IsWhole(footerBytes))
         return false;
-    Sys_TypedInStream footer(bytes + kFooterMagic.size(), sizeof bytes - kFooterMagic.size());
+    Sys_TypedInStream footer(footerBytes.substr(kFooterMagic.size()));
     std::uint64_t ownOffset = 0, tableOffset = 0, tableSize = 0;
     std::uint32_t tableSum = 0, generation = 0;
     footer.ReadUInt64(ownOffset);
@@ -138,8 +139,9 @@ bool FF_Document::ReadTableAt(std::uint64_t footerOffset) {
     footer.ReadUInt32(generation);
     // A footer knows its place, so that a document inside a stream is not taken for this one.
     if (ownOffset != footerOffset || tableOffset < kHeaderSize || tableOffset > footerOffset ||
-        tableSize > footerOffset - tableOffset)
+        tableSize > footerOffset - tableOffset || tableSize > mTableBudget)
         return false;
+    mTableBudget -= tableSize;
     std::string table(static_cast<std::size_t>(tableSize), '\0');
     mFile->SetPosition(tableOffset);
     if (mFile->Read(table.data(), table.size()) != table.size() || FF_Checksum(table) != tableSum)
@@ -159,14 +161,16 @@ bool FF_Document::ParseTable(std::string_view table, std::uint64_t end,
     if (!in.ReadUInt32(count) || count > in.GetRemaining() / kSmallestEntry)
         return false;
     streams.resize(count);
+    std::uint64_t total = 0; // streams share no bytes, so together they are no more than the file
     for (Stream& stream : streams) {
         if (!in.ReadUInt32(stream.mEntry.mType) || !in.ReadInt32(stream.mEntry.mKey) ||
             !in.ReadString(stream.mEntry.mName) || !in.ReadUInt64(stream.mOffset) ||
             !in.ReadUInt64(stream.mEntry.mSize) || !in.ReadUInt32(stream.mChecksum))
             return false;
         if (stream.mOffset < kHeaderSize || stream.mOffset > end ||
-            stream.mEntry.mSize > end - stream.mOffset)
+            stream.mEntry.mSize > end - stream.mOffset || stream.mEntry.mSize > end - total)
             return false;
+        total += stream.mEntry.mSize;
     }
     return in.GetRemaining() == 0;
 }

@@ -49,7 +49,7 @@ class QLX_API FF_Document : public Sys_Store {
 
     void StartNew();
     void ReadLastTable();
-    bool ReadTableAt(std::uint64_t footerOffset);
+    bool ReadTableAt(std::uint64_t footerOffset, std::string_view footerBytes);
     [[nodiscard]] bool ParseTable(std::string_view table, std::uint64_t end,
                                   std::vector<Stream>& streams) const;
     void WriteAtEnd(std::string_view bytes);
@@ -62,4 +62,5 @@ class QLX_API FF_Document : public Sys_Store {
     std::uint64_t mEnd = 0;        // where the next bytes go
     std::uint32_t mGeneration = 0;
     bool mTorn = false;
+    std::uint64_t mTableBudget = 0; // bytes of tables that opening may still look at
 };

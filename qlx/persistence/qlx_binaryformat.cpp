@@ -1,6 +1,7 @@
 #include "qlx/persistence/qlx_binaryformat.h"
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 
 #include "basekit/cmn/cmn_alert.h"
@@ -57,11 +58,15 @@ void QLX_BinaryViewFormat::ReadIndex() {
         Sys_TypedInStream in(bytes);
         std::int32_t count = 0;
         in.ReadInt32(count);
+        std::set<std::int32_t> keys; // each description has a stream of its own
         for (std::int32_t n = 0; n < count && !in.HasFailed(); ++n) {
             std::string name;
             std::int32_t key = 0;
             if (!in.ReadString(name) || !in.ReadInt32(key))
                 break;
+            if (!keys.insert(key).second)
+                throw std::runtime_error("the dictionary names the key " + std::to_string(key) +
+                                         " twice");
             const auto stream = streams.find(key);
             if (stream == streams.end())
                 throw std::runtime_error("the dictionary names \"" + name + "\" with the key " +

@@ -323,6 +323,7 @@ void QLX_RawPropertyContainer::AddChild(std::unique_ptr<QLX_RawPropertyContainer
     QLX_RawPropertyContainer* const added = child.release();
     added->mParent = this;
     added->mNextSibling = nullptr;
+    mChildrenNumbered = false;
     if (mLastChild) {
         mChildrenSorted = mChildrenSorted && !(added->mName < mLastChild->mName);
         mLastChild->mNextSibling = added;
@@ -344,6 +345,7 @@ QLX_RawPropertyContainer::RemoveChild(QLX_RawPropertyContainer* child) {
         mLastChild = before;
     child->mNextSibling = nullptr;
     child->mParent = nullptr;
+    mChildrenNumbered = false;
     return std::unique_ptr<QLX_RawPropertyContainer>(child);
 }
 
@@ -404,20 +406,74 @@ QLX_RawPropertyContainer::GetChildren(std::string_view name) const {
     return children;
 }
 
+/// All of them at once: asking each for its path takes the time of one walk, not of one for each.
+void QLX_RawPropertyContainer::NumberChildren() const {
+    if (mChildrenNumbered)
+        return;
+    const QLX_RawPropertyContainer* before = nullptr;
+    for (const QLX_RawPropertyContainer* child = GetFirstChild(); child;
+         child = child->mNextSibling) {
+        child->mOrdinal = before && before->mName == child->mName ? before->mOrdinal + 1 : 1;
+        before = child;
+    }
+    mChildrenNumbered = true;
+}
+
 std::string QLX_RawPropertyContainer::GetPath() const {
     std::string path;
     for (const QLX_RawPropertyContainer* node = this; node; node = node->mParent) {
         std::string step = node->mName;
         if (node->mParent) {
-            const auto siblings = node->mParent->GetChildren(node->mName);
-            const auto place = std::find(siblings.begin(), siblings.end(), node);
-            if (siblings.size() > 1)
-                step += "[" + std::to_string(place - siblings.begin() + 1) + "]";
+            node->mParent->NumberChildren();
+            const QLX_RawPropertyContainer* const next = node->mNextSibling;
+            if (node->mOrdinal > 1 || (next && next->mName == node->mName))
+                step += "[" + std::to_string(node->mOrdinal) + "]";
             step.insert(0, 1, '/');
         }
         path.insert(0, step);
+        if (path.size() > kLongestPath)
+            return "..." + path.substr(path.size() - kLongestPath);
     }
     return path;
+}
+
+namespace {
+/// The number in the brackets at a step's end, which are taken off; 1 without brackets.
+std::uint32_t TakeOrdinal(std::string_view& step) {
+    const std::size_t bracket = step.rfind('[');
+    if (bracket == std::string_view::npos || step.back() != ']')
+        return 1;
+    std::uint32_t ordinal = 0;
+    for (const char c : step.substr(bracket + 1, step.size() - bracket - 2)) {
+        if (c < '0' || c > '9' || ordinal > 100'000'000)
+            return 0;
+        ordinal = ordinal * 10 + static_cast<std::uint32_t>(c - '0');
+    }
+    step = step.substr(0, bracket);
+    return ordinal;
+}
+} // namespace
+
+const QLX_RawPropertyContainer* QLX_RawPropertyContainer::FindByPath(std::string_view path) const {
+    const auto takeStep = [&path] {
+        const std::size_t slash = std::min(path.find('/'), path.size());
+        const std::string_view step = path.substr(0, slash);
+        path.remove_prefix(std::min(slash + 1, path.size()));
+        return step;
+    };
+    if (takeStep() != mName)
+        return nullptr;
+    const QLX_RawPropertyContainer* found = this;
+    while (found && !path.empty()) {
+        std::string_view step = takeStep();
+        const std::uint32_t ordinal = TakeOrdinal(step);
+        found->NumberChildren();
+        const QLX_RawPropertyContainer* child = found->GetFirstChild();
+        while (child && (child->mOrdinal != ordinal || child->mName != step))
+            child = child->mNextSibling;
+        found = child;
+    }
+    return found;
 }
 
 // Verification
@@ -438,23 +494,34 @@ bool QLX_RawPropertyContainer::VerifyRequiredWellKnownProperty(
 }
 
 void QLX_RawPropertyContainer::VerifyWellKnownProperties(std::list<std::string>& messages) const {
+    VerifyWellKnownProperties(messages, static_cast<std::size_t>(-1));
+}
+
+std::size_t QLX_RawPropertyContainer::VerifyWellKnownProperties(std::list<std::string>& messages,
+                                                                std::size_t most) const {
+    std::size_t count = 0;
     const auto& known = QLX_SourceViewFormat::GetWellKnownProperties();
     for (const QLX_RawPropertyContainer* node = this; node; node = node->NextInTree(this)) {
         const auto element = known.find(node->mName);
         if (element == known.end())
             continue;
+        std::list<std::string> found;
         for (const QLX_WellKnownProperty& property : element->second) {
             if (property.mRequired)
-                node->VerifyRequiredWellKnownProperty(property.mName, property.mType, messages);
+                node->VerifyRequiredWellKnownProperty(property.mName, property.mType, found);
             for (const auto& stored : node->mFilterPropertyMap)
                 for (int type = 1; type < kQLX_PropertyTypeCount; ++type)
                     if (type != property.mType &&
                         stored.second.HasProperty(static_cast<QLX_PropertyType>(type),
                                                   property.mName))
-                        messages.push_back("path: \"" + node->GetPath() + "\": property \"" +
-                                           property.mName + "\" unsupported property type");
+                        found.push_back("path: \"" + node->GetPath() + "\": property \"" +
+                                        property.mName + "\" unsupported property type");
         }
+        count += found.size();
+        if (count <= most)
+            messages.splice(messages.end(), found);
     }
+    return count;
 }
 
 QLX_RawPropertyContainerFactory::~QLX_RawPropertyContainerFactory() = default;

@@ -140,14 +140,21 @@ class QLX_API QLX_RawPropertyContainer {
     /// Those of one name.
     [[nodiscard]] std::vector<QLX_RawPropertyContainer*> GetChildren(std::string_view name) const;
     /// Names from the root, separated by '/', each with its place among siblings of one name, from
-    /// 1, in brackets when there are several: "viewhierarchy/view[2]/behavior".
+    /// 1, in brackets when there are several: "viewhierarchy/view[2]/behavior". Of a path that is
+    /// longer than any file of a person's, the last kLongestPath bytes after "...".
     [[nodiscard]] std::string GetPath() const;
+    static constexpr std::size_t kLongestPath = 4096;
+    /// The container that GetPath tells so, this one or one inside it, where this is the root; null
+    /// when there is none.
+    [[nodiscard]] const QLX_RawPropertyContainer* FindByPath(std::string_view path) const;
 
     // Verification
 
     /// Appends a message for each well-known property, here and in all children, that is required
     /// and absent or empty, or stored with another type than its own.
     void VerifyWellKnownProperties(std::list<std::string>& messages) const;
+    /// Adds no more than so many and answers how many there would be.
+    std::size_t VerifyWellKnownProperties(std::list<std::string>& messages, std::size_t most) const;
     /// The first half of it for one property of this container; true when all is well.
     bool VerifyRequiredWellKnownProperty(const std::string& property, QLX_PropertyType type,
                                          std::list<std::string>& messages) const;
@@ -172,6 +179,7 @@ class QLX_API QLX_RawPropertyContainer {
     void SelectHere(const QLX_PropertyFilter& filter);
     [[nodiscard]] MergedSet* FindMerged(const QLX_PropertyFilter& filter);
     void SortChildren() const;
+    void NumberChildren() const;
     [[nodiscard]] QLX_RawPropertyContainer* NextInTree(const QLX_RawPropertyContainer* root) const;
 
     std::string mName;
@@ -183,6 +191,8 @@ class QLX_API QLX_RawPropertyContainer {
     mutable bool mChildrenSorted = true;
     bool mPropertiesFrozen = false;
     bool mHasCurrentSet = false;
+    mutable bool mChildrenNumbered = false; // whether the children's mOrdinal is right
+    mutable std::uint32_t mOrdinal = 0;     // from 1, among siblings of the same name
     QLX_PropertyFilter mCurrentFilter;
     QLX_PropertySet mCurrentSet; // shares its memory with one of mMergedSets
     std::map<QLX_PropertyFilter, QLX_PropertySet> mFilterPropertyMap;

@@ -13,19 +13,21 @@ bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 /// What is left of a text while numbers are read from its front.
 class Scanner {
   public:
-    explicit Scanner(std::string_view text) : mText(text) {}
+    explicit Scanner(std::string_view text) : mAt(text.data()), mEnd(mAt + text.size()) {}
+    /// A text that ends with a NUL, which is no part of a number: there is no other end to look
+    /// for.
+    explicit Scanner(const char* text) : mAt(text), mEnd(nullptr) {}
 
     /// A signed decimal after blanks, held at the limits of 32 bits. False when there is none.
     bool ScanInt32(std::int32_t& value) {
-        SkipBlanks();
-        std::size_t at = mAt;
-        const bool negative = at < mText.size() && mText[at] == '-';
-        if (at < mText.size() && (mText[at] == '-' || mText[at] == '+'))
+        const char* at = SkipBlanks();
+        const bool negative = at != mEnd && *at == '-';
+        if (at != mEnd && (*at == '-' || *at == '+'))
             ++at;
-        const std::size_t digits = at;
+        const char* const digits = at;
         std::int64_t number = 0;
-        for (; at < mText.size() && mText[at] >= '0' && mText[at] <= '9'; ++at) {
-            number = number * 10 + (mText[at] - '0');
+        for (; at != mEnd && IsDigit(*at); ++at) {
+            number = number * 10 + (*at - '0');
             if (number > kBeyond) {
                 number = kBeyond;
                 mInRange = false;
@@ -42,16 +44,17 @@ class Scanner {
 
     /// "0x" and hexadecimal digits after blanks; the low 16 bits count.
     bool ScanHex(std::uint16_t& value) {
-        SkipBlanks();
-        if (mText.substr(mAt, 2) != "0x")
+        const char* at = SkipBlanks();
+        if (at == mEnd || at[0] != '0' || at + 1 == mEnd || at[1] != 'x')
             return false;
-        std::size_t at = mAt + 2;
+        at += 2;
+        const char* const digits = at;
         std::uint32_t number = 0;
-        for (; at < mText.size() && HexDigit(mText[at]) >= 0; ++at) {
+        for (int digit; at != mEnd && (digit = HexDigit(*at)) >= 0; ++at) {
             mInRange = mInRange && number <= 0xFFF;
-            number = number << 4 | static_cast<std::uint32_t>(HexDigit(mText[at]));
+            number = number << 4 | static_cast<std::uint32_t>(digit);
         }
-        if (at == mAt + 2)
+        if (at == digits)
             return false;
         mAt = at;
         value = static_cast<std::uint16_t>(number);
@@ -59,24 +62,26 @@ class Scanner {
     }
 
     [[nodiscard]] bool IsInRange() const { return mInRange; }
-    [[nodiscard]] bool IsAtEnd() const { return mAt == mText.size(); }
+    [[nodiscard]] bool IsAtEnd() const { return mAt == mEnd; }
 
   private:
     static constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
 
+    static bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
     static int HexDigit(char c) {
-        if (c >= '0' && c <= '9')
+        if (IsDigit(c))
             return c - '0';
         const char lower = static_cast<char>(c | 0x20);
         return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
     }
-    void SkipBlanks() {
-        while (mAt < mText.size() && IsBlank(mText[mAt]))
+    const char* SkipBlanks() {
+        while (mAt != mEnd && IsBlank(*mAt))
             ++mAt;
+        return mAt;
     }
 
-    std::string_view mText;
-    std::size_t mAt = 0;
+    const char* mAt;
+    const char* mEnd;
     bool mInRange = true;
 };
 
@@ -197,24 +202,30 @@ std::int32_t QLX_TextToInt32(std::string_view text) { return Cmn_StringToInt32(t
 std::int64_t QLX_TextToInt64(std::string_view text) { return Cmn_StringToInt64(text); }
 std::uint32_t QLX_TextToIDType(std::string_view text) { return Cmn_StringToID(text); }
 
-CRGBColor QLX_TextToColor(std::string_view text) {
+namespace {
+CRGBColor ColorOf(Scanner scanner) {
     std::uint16_t components[3] = {};
-    Scanner scanner(text);
     ScanColor(scanner, components);
     return CRGBColor(components[0], components[1], components[2]);
 }
 
-VPoint QLX_TextToPoint(std::string_view text) {
+VPoint PointOf(Scanner scanner) {
     std::int32_t numbers[2] = {};
-    Scanner scanner(text);
     ScanNumbers(scanner, numbers, 2);
     return VPoint(/*horizontal*/ numbers[1], /*vertical*/ numbers[0]);
 }
 
-VRect QLX_TextToRect(std::string_view text) {
+VRect RectOf(Scanner scanner) {
     std::int32_t numbers[4] = {};
-    Scanner scanner(text);
     ScanNumbers(scanner, numbers, 4);
     return VRect(/*left*/ numbers[1], /*top*/ numbers[0], /*right*/ numbers[3],
                  /*bottom*/ numbers[2]);
 }
+} // namespace
+
+CRGBColor QLX_TextToColor(std::string_view text) { return ColorOf(Scanner(text)); }
+CRGBColor QLX_TextToColor(const char* text) { return ColorOf(Scanner(text)); }
+VPoint QLX_TextToPoint(std::string_view text) { return PointOf(Scanner(text)); }
+VPoint QLX_TextToPoint(const char* text) { return PointOf(Scanner(text)); }
+VRect QLX_TextToRect(std::string_view text) { return RectOf(Scanner(text)); }
+VRect QLX_TextToRect(const char* text) { return RectOf(Scanner(text)); }

@@ -45,6 +45,9 @@ inline constexpr int kQLX_PropertyTypeCount = 10;
 [[nodiscard]] QLX_API std::uint32_t QLX_TextToIDType(std::string_view text);
 /// Three hexadecimal numbers, each after "0x"; the fourth component is 0xFFFF.
 [[nodiscard]] QLX_API CRGBColor QLX_TextToColor(std::string_view text);
+[[nodiscard]] QLX_API CRGBColor QLX_TextToColor(const char* text);
 /// Signed 32-bit decimals.
 [[nodiscard]] QLX_API VPoint QLX_TextToPoint(std::string_view text);
+[[nodiscard]] QLX_API VPoint QLX_TextToPoint(const char* text);
 [[nodiscard]] QLX_API VRect QLX_TextToRect(std::string_view text);
+[[nodiscard]] QLX_API VRect QLX_TextToRect(const char* text);

@@ -145,7 +145,12 @@ struct alignas(8) QLX_PropertySet::Block {
     std::uint32_t mEntriesOffset; // from the block's start, as the next two
     std::uint32_t mIndexOffset;
     std::uint32_t mDataOffset;
+    std::uint32_t mIsPooled; // lies in a QLX_NodePool's memory
 
+    /// Of the whole block, in bytes.
+    [[nodiscard]] std::size_t Size() const noexcept {
+        return std::size_t{mDataOffset} + mDataCapacity;
+    }
     [[nodiscard]] char* Bytes() noexcept { return reinterpret_cast<char*>(this); }
     [[nodiscard]] std::uint32_t* Tags() noexcept {
         return reinterpret_cast<std::uint32_t*>(this + 1);

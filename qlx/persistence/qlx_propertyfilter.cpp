@@ -172,6 +172,24 @@ const std::map<std::string, std::string>& QLX_PropertyFilter::GetAttributes() co
     return mShared->mAttrMap;
 }
 
+/// The order of the maps, found with one comparison of each text instead of up to four.
+bool QLX_PropertyFilter::IsBefore(const QLX_PropertyFilter& other) const noexcept {
+    const auto& mine = mShared->mAttrMap;
+    const auto& theirs = other.mShared->mAttrMap;
+    auto at = theirs.begin();
+    for (const auto& [name, value] : mine) {
+        if (at == theirs.end())
+            return false;
+        int order = name.compare(at->first);
+        if (order == 0)
+            order = value.compare(at->second);
+        if (order != 0)
+            return order < 0;
+        ++at;
+    }
+    return at != theirs.end();
+}
+
 std::string QLX_PropertyFilter::ToString() const {
     std::string text;
     const auto append = [&text](const std::string& name, const std::string& value) {

@@ -72,7 +72,7 @@ class QLX_API QLX_PropertyFilter {
         return !(a == b);
     }
     friend bool operator<(const QLX_PropertyFilter& a, const QLX_PropertyFilter& b) {
-        return a.mShared != b.mShared && a.GetAttributes() < b.GetAttributes();
+        return a.mShared != b.mShared && a.IsBefore(b);
     }
 
     /// "Layout=... Language=..." for diagnostics, then attributes that are not the hierarchy's.
@@ -81,6 +81,7 @@ class QLX_API QLX_PropertyFilter {
   private:
     struct Shared;
     void Unshare();
+    [[nodiscard]] bool IsBefore(const QLX_PropertyFilter& other) const noexcept;
 
     Shared* mShared; // counted, never null but in a moved-from filter
 };

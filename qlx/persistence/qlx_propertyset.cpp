@@ -13,6 +13,7 @@
 #include "basekit/cmn/cmn_assert.h"
 #include "basekit/cmn/cmn_string.h"
 #include "basekit/sys/sys_typedstream.h"
+#include "qlx/persistence/qlx_nodepool.h"
 #include "qlx/persistence/qlx_propertyblock.h"
 
 using namespace QLX_PropertyBytes;
@@ -116,7 +117,8 @@ struct QLX_PropertySet::Hold {
 
 // Memory
 
-QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::size_t dataCapacity) {
+QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::size_t dataCapacity,
+                                                  QLX_NodePool* pool) {
     if (capacity > kMostValues || dataCapacity > kMostBytes)
         throw std::length_error("a property set holds less than 4 GB");
     Block header{};
@@ -133,21 +135,27 @@ QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::siz
     header.mEntriesOffset = static_cast<std::uint32_t>(entries);
     header.mIndexOffset = static_cast<std::uint32_t>(index);
     header.mDataOffset = static_cast<std::uint32_t>(data);
-    Block* const block = new (::operator new(data + dataCapacity)) Block(header);
+    header.mIsPooled = pool != nullptr;
+    const std::size_t size = header.Size();
+    Block* const block = new (pool ? pool->Allocate(size) : ::operator new(size)) Block(header);
     if (header.mIndexShift)
         std::memset(block->Index(), 0, block->CellCount() * block->mCellSize);
     return block;
 }
 
 void QLX_PropertySet::Release(Block* block) noexcept {
-    if (block && --block->mReferences == 0)
+    if (!block || --block->mReferences != 0)
+        return;
+    if (block->mIsPooled)
+        QLX_NodePool::Free(block, block->Size());
+    else
         ::operator delete(block);
 }
 
 /// A copy of the block with room for as much as asked, without the garbage.
-QLX_PropertySet::Block* QLX_PropertySet::CopyBlock(std::size_t capacity,
-                                                   std::size_t dataCapacity) const {
-    Block* const copy = NewBlock(capacity, dataCapacity);
+QLX_PropertySet::Block* QLX_PropertySet::CopyBlock(std::size_t capacity, std::size_t dataCapacity,
+                                                   QLX_NodePool* pool) const {
+    Block* const copy = NewBlock(capacity, dataCapacity, pool);
     if (!mBlock)
         return copy;
     copy->mCount = mBlock->mCount;
@@ -178,18 +186,22 @@ QLX_PropertySet::Block* QLX_PropertySet::CopyBlock(std::size_t capacity,
 }
 
 /// Makes the block ours alone, with room for further values and bytes.
-void QLX_PropertySet::MakeRoom(std::size_t entries, std::size_t bytes, Hold& old) {
+inline void QLX_PropertySet::MakeRoom(std::size_t entries, std::size_t bytes, Hold& old) {
+    if (!mBlock || mBlock->mReferences != 1 || mBlock->mCount + entries > mBlock->mCapacity ||
+        mBlock->mDataSize + bytes > mBlock->mDataCapacity) [[unlikely]]
+        GrowFor(entries, bytes, old);
+}
+
+void QLX_PropertySet::GrowFor(std::size_t entries, std::size_t bytes, Hold& old) {
     const std::size_t count = mBlock ? mBlock->mCount : 0;
     const std::size_t used = mBlock ? mBlock->mDataSize : 0;
-    if (mBlock && mBlock->mReferences == 1 && count + entries <= mBlock->mCapacity &&
-        used + bytes <= mBlock->mDataCapacity)
-        return;
     std::size_t capacity = count + entries;
     std::size_t dataCapacity = used + bytes;
     if (mBlock && mBlock->mReferences == 1) {
         // Growing: half as much again, so that a run of stores costs a constant each.
         if (capacity > mBlock->mCapacity)
-            capacity = std::max<std::size_t>(capacity, mBlock->mCapacity + mBlock->mCapacity / 2);
+            capacity = std::max(
+                {capacity, kLinearLimit, std::size_t{mBlock->mCapacity} + mBlock->mCapacity / 2});
         else
             capacity = mBlock->mCapacity;
         if (dataCapacity > mBlock->mDataCapacity) {
@@ -202,9 +214,9 @@ void QLX_PropertySet::MakeRoom(std::size_t entries, std::size_t bytes, Hold& old
         capacity = std::max<std::size_t>(capacity, 4);
         dataCapacity = std::max<std::size_t>(dataCapacity, 64);
     }
-    Block* const room = CopyBlock(capacity, std::min(dataCapacity, kMostBytes));
+    Block* const room = CopyBlock(capacity, std::min(dataCapacity, kMostBytes), nullptr);
     if (room->mDataSize + bytes > room->mDataCapacity) {
-        ::operator delete(room);
+        Release(room);
         throw std::length_error("a property set holds less than 4 GB");
     }
     old.mBlock = mBlock;
@@ -252,7 +264,14 @@ void QLX_PropertySet::ClearKeepMemory() {
 QLX_PropertySet QLX_PropertySet::CopyCompact() const {
     QLX_PropertySet copy;
     if (!IsEmpty())
-        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage);
+        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage, nullptr);
+    return copy;
+}
+
+QLX_PropertySet QLX_PropertySet::CopyCompact(QLX_NodePool& pool) const {
+    QLX_PropertySet copy;
+    if (!IsEmpty())
+        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage, &pool);
     return copy;
 }
 
@@ -453,28 +472,25 @@ std::size_t QLX_PropertySet::Append(std::uint32_t tag, std::string_view name) {
     return index;
 }
 
-void QLX_PropertySet::StoreScalar(QLX_PropertyType type, std::string_view name,
-                                  std::uint64_t value) {
-    const Key key = KeyOf(type, name);
+void QLX_PropertySet::StoreScalar(const Key& key, std::uint64_t value) {
     std::size_t index = mBlock ? mBlock->Find(key) : kNotFound;
     Hold old;
     if (index == kNotFound) {
-        MakeRoom(1, name.size(), old);
-        index = Append(key.mTag, name);
+        MakeRoom(1, key.mName.size(), old);
+        index = Append(key.mTag, key.mName);
     } else {
         MakeRoom(0, 0, old);
     }
     mBlock->Entries()[index].mValue = value;
 }
 
-void QLX_PropertySet::StoreBytes(QLX_PropertyType type, std::string_view name, const void* bytes,
-                                 std::size_t size) {
-    const Key key = KeyOf(type, name);
+void QLX_PropertySet::StoreBytes(const Key& key, const void* bytes, std::size_t size) {
+    const QLX_PropertyType type = static_cast<QLX_PropertyType>(key.mTag & kTypeMask);
     std::size_t index = mBlock ? mBlock->Find(key) : kNotFound;
     Hold old;
     if (index == kNotFound) {
-        MakeRoom(1, name.size() + size, old);
-        index = Append(key.mTag, name);
+        MakeRoom(1, key.mName.size() + size, old);
+        index = Append(key.mTag, key.mName);
     } else {
         MakeRoom(0, size, old);
         mBlock->mGarbage += static_cast<std::uint32_t>(mBlock->Entries()[index].PayloadSize(type));
@@ -485,31 +501,31 @@ void QLX_PropertySet::StoreBytes(QLX_PropertyType type, std::string_view name, c
 }
 
 void QLX_PropertySet::SetBoolProperty(std::string_view name, bool value) {
-    StoreScalar(qlx_PropType_Bool, name, value);
+    StoreScalar(KeyOf(qlx_PropType_Bool, name), value);
 }
 void QLX_PropertySet::SetInt32Property(std::string_view name, std::int32_t value) {
-    StoreScalar(qlx_PropType_Int32, name, static_cast<std::uint64_t>(std::int64_t{value}));
+    StoreScalar(KeyOf(qlx_PropType_Int32, name), static_cast<std::uint64_t>(std::int64_t{value}));
 }
 void QLX_PropertySet::SetInt64Property(std::string_view name, std::int64_t value) {
-    StoreScalar(qlx_PropType_Int64, name, static_cast<std::uint64_t>(value));
+    StoreScalar(KeyOf(qlx_PropType_Int64, name), static_cast<std::uint64_t>(value));
 }
 void QLX_PropertySet::SetIDTypeProperty(std::string_view name, std::uint32_t value) {
-    StoreScalar(qlx_PropType_IDType, name, value);
+    StoreScalar(KeyOf(qlx_PropType_IDType, name), value);
 }
 void QLX_PropertySet::SetStringProperty(std::string_view name, std::string_view value) {
-    StoreBytes(qlx_PropType_String, name, value.data(), value.size());
+    StoreBytes(KeyOf(qlx_PropType_String, name), value.data(), value.size());
 }
 void QLX_PropertySet::SetStringKeyProperty(std::string_view name, std::string_view value) {
-    StoreBytes(qlx_PropType_String_Key, name, value.data(), value.size());
+    StoreBytes(KeyOf(qlx_PropType_String_Key, name), value.data(), value.size());
 }
 void QLX_PropertySet::SetColorProperty(std::string_view name, const CRGBColor& value) {
-    StoreScalar(qlx_PropType_Color, name, PackColor(value));
+    StoreScalar(KeyOf(qlx_PropType_Color, name), PackColor(value));
 }
 void QLX_PropertySet::SetPointProperty(std::string_view name, const VPoint& value) {
-    StoreBytes(qlx_PropType_Point, name, &value, sizeof value);
+    StoreBytes(KeyOf(qlx_PropType_Point, name), &value, sizeof value);
 }
 void QLX_PropertySet::SetRectProperty(std::string_view name, const VRect& value) {
-    StoreBytes(qlx_PropType_Rect, name, &value, sizeof value);
+    StoreBytes(KeyOf(qlx_PropType_Rect, name), &value, sizeof value);
 }
 
 bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type,
@@ -548,6 +564,22 @@ bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type,
     return false;
 }
 
+bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type, const char* text) {
+    switch (type) {
+    case qlx_PropType_Color:
+        SetColorProperty(name, QLX_TextToColor(text));
+        return true;
+    case qlx_PropType_Point:
+        SetPointProperty(name, QLX_TextToPoint(text));
+        return true;
+    case qlx_PropType_Rect:
+        SetRectProperty(name, QLX_TextToRect(text));
+        return true;
+    default:
+        return SetFromText(name, type, std::string_view(text));
+    }
+}
+
 void QLX_PropertySet::SetProperty(const QLX_PropertyView& value) {
     switch (value.mType) {
     case qlx_PropType_String:
@@ -569,7 +601,7 @@ void QLX_PropertySet::SetProperty(const QLX_PropertyView& value) {
     case qlx_PropType_Int32:
     case qlx_PropType_IDType:
     case qlx_PropType_Int64:
-        StoreScalar(value.mType, value.mName, static_cast<std::uint64_t>(value.mInteger));
+        StoreScalar(KeyOf(value.mType, value.mName), static_cast<std::uint64_t>(value.mInteger));
         break;
     case qlx_PropType_None:
         break;
@@ -617,10 +649,10 @@ void QLX_PropertySet::Merge(const QLX_PropertySet& over) {
         const Entry& entry = from->Entries()[i];
         const QLX_PropertyType type = from->TypeAt(i);
         if (IsText(type) || FixedPayload(type))
-            StoreBytes(type, from->NameAt(i), from->Data() + entry.PayloadOffset(),
+            StoreBytes(KeyOf(type, from->NameAt(i)), from->Data() + entry.PayloadOffset(),
                        entry.PayloadSize(type));
         else
-            StoreScalar(type, from->NameAt(i), entry.mValue);
+            StoreScalar(KeyOf(type, from->NameAt(i)), entry.mValue);
     }
 }
 

@@ -8,8 +8,12 @@
 
 #include "qlx/persistence/qlx_property.h"
 
+class QLX_NodePool;
 class Sys_TypedInStream;
 class Sys_TypedOutStream;
+namespace QLX_PropertyBytes {
+struct Key;
+}
 
 /// A look at one value of a set; valid until the set changes or goes. Only the member that the type
 /// names is set.
@@ -63,6 +67,8 @@ class QLX_API QLX_PropertySet {
     void SetRectProperty(std::string_view name, const VRect& value);
     /// Parses the text as the type reads it; false, and nothing stored, for type none.
     bool SetFromText(std::string_view name, QLX_PropertyType type, std::string_view text);
+    /// Of a text that ends with a NUL, whose length is not looked for where that is not needed.
+    bool SetFromText(std::string_view name, QLX_PropertyType type, const char* text);
     /// Stores a value looked at in this or another set.
     void SetProperty(const QLX_PropertyView& value);
 
@@ -112,6 +118,8 @@ class QLX_API QLX_PropertySet {
 
     /// A copy that takes no more memory than its values need.
     [[nodiscard]] QLX_PropertySet CopyCompact() const;
+    /// The same in a pool's memory, for the library's own readers.
+    [[nodiscard]] QLX_PropertySet CopyCompact(QLX_NodePool& pool) const;
     /// Forgets the values and keeps the memory, unless other sets share it or it is large.
     void ClearKeepMemory();
     /// Whether two sets share one block of memory.
@@ -119,22 +127,25 @@ class QLX_API QLX_PropertySet {
         return mBlock && mBlock == other.mBlock;
     }
 
+    // Stores by a name that was hashed for the type before, for the library's own readers.
+    void StoreScalar(const QLX_PropertyBytes::Key& key, std::uint64_t value);
+    void StoreBytes(const QLX_PropertyBytes::Key& key, const void* bytes, std::size_t size);
+
   private:
     struct Block;
     struct Entry;
     struct Hold;
     static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
-    static Block* NewBlock(std::size_t capacity, std::size_t dataCapacity);
+    static Block* NewBlock(std::size_t capacity, std::size_t dataCapacity, QLX_NodePool* pool);
     static void Release(Block* block) noexcept;
     [[nodiscard]] std::size_t FindIndex(QLX_PropertyType type,
                                         std::string_view name) const noexcept;
     bool FindText(QLX_PropertyType type, std::string_view name, std::string& value) const;
-    [[nodiscard]] Block* CopyBlock(std::size_t capacity, std::size_t dataCapacity) const;
+    [[nodiscard]] Block* CopyBlock(std::size_t capacity, std::size_t dataCapacity,
+                                   QLX_NodePool* pool) const;
     void MakeRoom(std::size_t entries, std::size_t bytes, Hold& old);
+    void GrowFor(std::size_t entries, std::size_t bytes, Hold& old);
     std::size_t Append(std::uint32_t tag, std::string_view name);
-    void StoreScalar(QLX_PropertyType type, std::string_view name, std::uint64_t value);
-    void StoreBytes(QLX_PropertyType type, std::string_view name, const void* bytes,
-                    std::size_t size);
 
     Block* mBlock = nullptr; // counted; shared between copies; null for an empty set
 };

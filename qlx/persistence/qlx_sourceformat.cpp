@@ -142,14 +142,16 @@ LineEndings QLX_SourceViewFormat::LineEndingsFor(const Sys_FileLoc& loc) {
         return LineEndings::Unix;
     // Only as much as it takes to see the first line's end.
     Sys_File file(loc, Sys_FileMode::Read);
-    std::string text;
     char block[1024];
     for (;;) {
-        const std::size_t count = file.Read(block, sizeof block);
-        text.append(block, count);
+        const std::size_t count = file.Read(block, sizeof block - 1);
+        const std::string_view text(block, count);
         const std::size_t end = text.find_first_of("\r\n");
-        if (count < sizeof block || (end != std::string::npos && end + 1 < text.size()))
-            return Sys_DetectLineEndings(text);
+        if (end == std::string_view::npos && count == sizeof block - 1)
+            continue;
+        // A carriage return at the block's end may have its line feed in the next one.
+        const std::size_t more = end + 1 == count ? file.Read(block + count, 1) : 0;
+        return Sys_DetectLineEndings(std::string_view(block, count + more));
     }
 }
 

@@ -14,6 +14,7 @@
 #include "basekit/sys/sys_file.h"
 #include "qlx/persistence/qlx_persistence.h"
 
+class QLX_NodePool;
 struct XML_ParserStruct;
 
 /// Something wrong with a source file, at a place in it.
@@ -101,6 +102,11 @@ class QLX_API QLX_XMLParser {
         std::string mKey;
         QLX_PropertyFilter mFilter;
         std::string mForeign; // an attribute that is no filter's; empty when there is none
+        // The one attribute, when there is but one and it is a filter's: where expat keeps its
+        // name, and its value.
+        const char* mOnlyName;
+        std::string mOnlyValue;
+        [[nodiscard]] bool IsOnly(const char** attribute) const;
     };
     struct Callbacks;
     enum OwnAttribute { kOwnName, kOwnType, kOwnValue, kOwnCount };
@@ -112,6 +118,7 @@ class QLX_API QLX_XMLParser {
     void StoreProperty(const OpenContainer& open, const char* name, const char* type,
                        const char* value, const QLX_PropertyFilter& filter);
     [[nodiscard]] OwnAttribute OwnAttributeOf(const char* name);
+    [[nodiscard]] const QLX_PropertyFilter* FindOnly(const char** attribute) const;
     const QLX_PropertyFilter& FilterOf(const char** attributes);
     void AddKnownFilter(const char** attributes);
     void UseScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
@@ -122,17 +129,17 @@ class QLX_API QLX_XMLParser {
     void Stop();
 
     Sys_File* mFile;                           // not owned
-    QLX_RawPropertyContainerFactory* mFactory; // not owned
-    QLX_RawPropertyContainerFactory mPlainFactory;
-    QLX_SourceObserver* mObserver = nullptr; // not owned
-    XML_ParserStruct* mParser = nullptr;     // made and freed by Parse
+    QLX_RawPropertyContainerFactory* mFactory; // not owned; null for plain containers
+    std::unique_ptr<QLX_NodePool> mPool;       // the tree's memory
+    QLX_SourceObserver* mObserver = nullptr;   // not owned
+    XML_ParserStruct* mParser = nullptr;       // made and freed by Parse
     int mMaximumDepth = kDefaultMaximumDepth;
     int mDepth = 0;
     bool mStopped = false;
     std::exception_ptr mException; // thrown below expat's callbacks, passed on when it has returned
     std::vector<OpenContainer> mOpen;
     std::unique_ptr<QLX_RawPropertyContainer> mOutermost;
-    std::set<std::string> mPool;
+    std::set<std::string> mStrings;
     std::vector<QLX_SourceProblem> mProblems;
     std::size_t mProblemCount = 0;
 
@@ -195,7 +202,8 @@ class QLX_API QLX_SourceViewFormat {
     /// The text between "<!--" and "-->" that follows a container's end tag.
     [[nodiscard]] static std::string GetClosingComment(const QLX_RawPropertyContainer& container);
     /// Properties whose names the start tag's attributes keep from being written, because they are
-    /// stored under another filter or type; each as "path: name (type, filter)".
+    /// stored under another filter or type; each as "path: name (type, filter)", after the first
+    /// thousand only how many further ones there are.
     [[nodiscard]] static std::vector<std::string>
     FindUnwritable(const QLX_RawPropertyContainer& root);
 

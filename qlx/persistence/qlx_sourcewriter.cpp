@@ -265,8 +265,10 @@ std::string QLX_SourceViewFormat::GetClosingComment(const QLX_RawPropertyContain
 
 std::vector<std::string>
 QLX_SourceViewFormat::FindUnwritable(const QLX_RawPropertyContainer& root) {
+    constexpr std::size_t kMostNamed = 1000;
     std::vector<std::string> found;
-    const auto look = [&found](const QLX_RawPropertyContainer& container) {
+    std::size_t further = 0;
+    const auto look = [&](const QLX_RawPropertyContainer& container) {
         const auto element = GetWellKnownProperties().find(container.GetName());
         if (element == GetWellKnownProperties().end())
             return;
@@ -287,6 +289,10 @@ QLX_SourceViewFormat::FindUnwritable(const QLX_RawPropertyContainer& root) {
                     if ((&set == written && itsType == property.mType) ||
                         !set.HasProperty(itsType, property.mName))
                         continue;
+                    if (found.size() >= kMostNamed) {
+                        ++further;
+                        continue;
+                    }
                     found.push_back(container.GetPath() + ": " + property.mName + " (" +
                                     QLX_PropertyTypeToString(itsType) + ", " + filter.ToString() +
                                     ")");
@@ -301,5 +307,7 @@ QLX_SourceViewFormat::FindUnwritable(const QLX_RawPropertyContainer& root) {
             next = node->GetNextSibling();
         node = next;
     }
+    if (further > 0)
+        found.push_back(root.GetPath() + ": " + std::to_string(further) + " further ones");
     return found;
 }

@@ -3,11 +3,16 @@
 #include <stdexcept>
 #include <unordered_map>
 
+#include "qlx/persistence/qlx_nodepool.h"
+#include "qlx/persistence/qlx_propertyblock.h"
+
 namespace {
 constexpr std::uint64_t kVersion = 1;
 // A pooled name may be used by every third byte of a file; longer ones stand where they are used,
 // so that few bytes cannot ask for much memory.
 constexpr std::size_t kLongestPooled = 255;
+// Filters are compared wherever they are used, by three bytes each; so they are short.
+constexpr std::size_t kLongestFilter = 4096;
 
 std::uint64_t ZigZag(std::int64_t value) {
     return static_cast<std::uint64_t>(value) << 1 ^ static_cast<std::uint64_t>(value >> 63);
@@ -59,6 +64,12 @@ class QLX_TreeCode::Encoder {
         const auto [found, added] = mFilterPlaces.try_emplace(filter, mFilterCount);
         if (added) {
             ++mFilterCount;
+            std::size_t size = 0;
+            for (const auto& [name, value] : filter.GetAttributes())
+                size += name.size() + value.size() + 1;
+            if (size > kLongestFilter)
+                throw std::runtime_error("a filter's attributes are longer than " +
+                                         std::to_string(kLongestFilter) + " bytes");
             PutNumber(mFilters, filter.GetAttributes().size());
             for (const auto& [name, value] : filter.GetAttributes()) {
                 PutName(mFilters, name);
@@ -144,6 +155,8 @@ class QLX_TreeCode::Encoder {
 };
 
 class QLX_TreeCode::Decoder {
+    using Key = QLX_PropertyBytes::Key; // of type none; the type is put below its tag
+
   public:
     Decoder(std::string_view bytes, const std::string& name, int maximumDepth)
         : mBytes(bytes), mName(name), mMaximumDepth(maximumDepth) {}
@@ -152,9 +165,9 @@ class QLX_TreeCode::Decoder {
         if (const std::uint64_t version = GetNumber(); version != kVersion)
             Fail("unknown version " + std::to_string(version));
         mNames.resize(GetCount(1));
-        for (std::string_view& name : mNames) {
-            name = GetText();
-            if (name.size() > kLongestPooled)
+        for (Key& name : mNames) {
+            name = QLX_PropertyBytes::KeyOf(qlx_PropType_None, GetText());
+            if (name.mName.size() > kLongestPooled)
                 Fail("a name is too long for the pool");
         }
         const std::size_t filterCount = GetCount(1);
@@ -172,7 +185,19 @@ class QLX_TreeCode::Decoder {
         throw std::runtime_error(mName + ": at byte " + std::to_string(mAt) + ": " + reason);
     }
 
+    /// Nearly all numbers take one byte.
     std::uint64_t GetNumber() {
+        if (mAt < mBytes.size()) {
+            const unsigned char byte = static_cast<unsigned char>(mBytes[mAt]);
+            if (byte < 0x80) {
+                ++mAt;
+                return byte;
+            }
+        }
+        return GetLongNumber();
+    }
+
+    std::uint64_t GetLongNumber() {
         std::uint64_t value = 0;
         for (int shift = 0;; shift += 7) {
             if (mAt >= mBytes.size())
@@ -201,21 +226,28 @@ class QLX_TreeCode::Decoder {
         return text;
     }
 
-    std::string_view GetName() {
+    /// A name with its hash, which names of the pool have already.
+    Key GetKey() {
         const std::uint64_t place = GetNumber();
         if (place == 0)
-            return GetText();
+            return QLX_PropertyBytes::KeyOf(qlx_PropType_None, GetText());
         if (place > mNames.size())
             Fail("there is no name " + std::to_string(place));
         return mNames[static_cast<std::size_t>(place - 1)];
     }
+    std::string_view GetName() { return GetKey().mName; }
 
     QLX_PropertyFilter GetFilter() {
         std::map<std::string, std::string> attributes;
         const std::size_t count = GetCount(2);
+        std::size_t size = 0;
         for (std::size_t i = 0; i < count; ++i) {
             const std::string name(GetName());
-            attributes[name] = std::string(GetName());
+            std::string& value = attributes[name];
+            value = GetName();
+            size += name.size() + value.size() + 1;
+            if (size > kLongestFilter)
+                Fail("a filter's attributes are too long");
         }
         if (attributes == QLX_PropertyFilter::RootFilter().GetAttributes())
             return QLX_PropertyFilter::RootFilter();
@@ -249,7 +281,10 @@ class QLX_TreeCode::Decoder {
     }
 
     std::unique_ptr<QLX_RawPropertyContainer> GetContainer(std::size_t& childCount) {
-        auto container = std::make_unique<QLX_RawPropertyContainer>(std::string(GetName()));
+        mContainerName = GetName();
+        std::unique_ptr<QLX_RawPropertyContainer> container(
+            new (mPool) QLX_PooledContainer(mContainerName));
+        auto& sets = container->GetFilterPropertyMap();
         const std::size_t setCount = GetCount(2);
         for (std::size_t i = 0; i < setCount; ++i) {
             const std::uint64_t filter = GetNumber();
@@ -259,8 +294,9 @@ class QLX_TreeCode::Decoder {
             mScratch.ClearKeepMemory();
             for (std::size_t n = 0; n < count; ++n)
                 GetProperty();
-            container->GetFilterPropertyMap()[mFilters[static_cast<std::size_t>(filter)]] =
-                mScratch.CopyCompact();
+            // They were written in the map's order.
+            sets.insert_or_assign(sets.end(), mFilters[static_cast<std::size_t>(filter)],
+                                  mScratch.CopyCompact(mPool));
         }
         childCount = GetCount(3);
         return container;
@@ -285,43 +321,47 @@ class QLX_TreeCode::Decoder {
 
     void GetProperty() {
         const std::uint64_t type = GetNumber();
-        const std::string_view name = GetName();
+        Key key = GetKey();
+        key.mTag |= static_cast<std::uint32_t>(type & QLX_PropertyBytes::kTypeMask);
         switch (type) {
         case qlx_PropType_Bool:
-            mScratch.SetBoolProperty(name, GetSigned() != 0);
+            mScratch.StoreScalar(key, GetSigned() != 0);
             break;
         case qlx_PropType_Int32:
-            mScratch.SetInt32Property(name, GetWithin<std::int32_t>());
+            mScratch.StoreScalar(
+                key, static_cast<std::uint64_t>(std::int64_t{GetWithin<std::int32_t>()}));
             break;
         case qlx_PropType_Int64:
-            mScratch.SetInt64Property(name, GetSigned());
+            mScratch.StoreScalar(key, static_cast<std::uint64_t>(GetSigned()));
             break;
         case qlx_PropType_IDType:
-            mScratch.SetIDTypeProperty(name, GetWithin<std::uint32_t>());
+            mScratch.StoreScalar(key, GetWithin<std::uint32_t>());
             break;
         case qlx_PropType_String:
-            mScratch.SetStringProperty(name, GetText());
+        case qlx_PropType_String_Key: {
+            const std::string_view text = GetText();
+            mScratch.StoreBytes(key, text.data(), text.size());
             break;
-        case qlx_PropType_String_Key:
-            mScratch.SetStringKeyProperty(name, GetText());
-            break;
+        }
         case qlx_PropType_Color: {
             const std::uint16_t red = GetComponent();
             const std::uint16_t green = GetComponent();
             const std::uint16_t blue = GetComponent();
-            mScratch.SetColorProperty(name, CRGBColor(red, green, blue, GetComponent()));
+            mScratch.SetColorProperty(key.mName, CRGBColor(red, green, blue, GetComponent()));
             break;
         }
         case qlx_PropType_Point: {
             const std::int64_t vertical = GetSigned();
-            mScratch.SetPointProperty(name, VPoint(GetSigned(), vertical));
+            const VPoint point(GetSigned(), vertical);
+            mScratch.StoreBytes(key, &point, sizeof point);
             break;
         }
         case qlx_PropType_Rect: {
             const std::int64_t top = GetSigned();
             const std::int64_t left = GetSigned();
             const std::int64_t bottom = GetSigned();
-            mScratch.SetRectProperty(name, VRect(left, top, GetSigned(), bottom));
+            const VRect rect(left, top, GetSigned(), bottom);
+            mScratch.StoreBytes(key, &rect, sizeof rect);
             break;
         }
         default:
@@ -352,8 +392,10 @@ class QLX_TreeCode::Decoder {
     const std::string& mName;
     int mMaximumDepth;
     std::size_t mAt = 0;
-    std::vector<std::string_view> mNames;
+    std::vector<Key> mNames;
     std::vector<QLX_PropertyFilter> mFilters;
+    std::string mContainerName;
+    QLX_NodePool mPool;
     QLX_PropertySet mScratch;
 };
 

@@ -3,10 +3,13 @@
 #include "qlx/persistence/qlx_sourceformat.h"
 
 #include <algorithm>
+#include <cstring>
 #include <typeinfo>
 #include <utility>
 
 #include <expat.h>
+
+#include "qlx/persistence/qlx_nodepool.h"
 
 namespace {
 constexpr std::size_t kBlockSize = 1024;
@@ -89,6 +92,25 @@ struct QLX_XMLParser::Callbacks {
             parser.mObserver->CommentMet(text, parser.GetPlace());
         });
     }
+    /// What stands in other files is not read: a description is complete in itself, and reading one
+    /// shall not open what it names.
+    static int ExternalEntity(XML_Parser expat, const char*, const char*, const char* systemID,
+                              const char*) {
+        Guarded(XML_GetUserData(expat), [&](QLX_XMLParser& parser) {
+            parser.AddProblem(QLX_SourceProblem::kError,
+                              std::string("an entity lies outside the file: ") +
+                                  (systemID ? systemID : ""));
+            parser.mStopped = true;
+        });
+        return 0;
+    }
+    static void SkippedEntity(void* user, const char* name, int) {
+        Guarded(user, [&](QLX_XMLParser& parser) {
+            parser.AddProblem(QLX_SourceProblem::kWarning,
+                              std::string("the entity \"") + name + "\" is not known here",
+                              /*lost*/ true);
+        });
+    }
     /// Text between elements means nothing; a tool is told where some stands that is not blank.
     static void Text(void* user, const char* text, int size) {
         Guarded(user, [&](QLX_XMLParser& parser) {
@@ -100,7 +122,7 @@ struct QLX_XMLParser::Callbacks {
 };
 
 QLX_XMLParser::QLX_XMLParser(Sys_File* file, QLX_RawPropertyContainerFactory* factory)
-    : mFile(file), mFactory(factory ? factory : &mPlainFactory),
+    : mFile(file), mFactory(factory), mPool(std::make_unique<QLX_NodePool>()),
       mRootFilter(QLX_PropertyFilter::RootFilter()),
       mScratchFilter(QLX_PropertyFilter::DefaultFilter()) {}
 
@@ -119,6 +141,8 @@ QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
     mParser = holder.mParser;
     XML_SetUserData(mParser, this);
     XML_SetElementHandler(mParser, Callbacks::Start, Callbacks::End);
+    XML_SetExternalEntityRefHandler(mParser, Callbacks::ExternalEntity);
+    XML_SetSkippedEntityHandler(mParser, Callbacks::SkippedEntity);
     if (mObserver) { // nobody else wants to hear of texts, which expat passes on line by line
         XML_SetCharacterDataHandler(mParser, Callbacks::Text);
         XML_SetCommentHandler(mParser, Callbacks::Comment);
@@ -175,7 +199,9 @@ void QLX_XMLParser::FeedParser() {
     }
 }
 
-std::string QLX_XMLParser::PoolString(const std::string& text) { return *mPool.insert(text).first; }
+std::string QLX_XMLParser::PoolString(const std::string& text) {
+    return *mStrings.insert(text).first;
+}
 
 void QLX_XMLParser::Stop() {
     mStopped = true;
@@ -231,11 +257,14 @@ void QLX_XMLParser::endElement(const char*) {
 void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     FlushScratch();
     mName = name;
-    std::unique_ptr<QLX_RawPropertyContainer> made(mFactory->MakeContainer(mName));
+    bool plain = mFactory == nullptr;
+    std::unique_ptr<QLX_RawPropertyContainer> made(plain ? nullptr
+                                                         : mFactory->MakeContainer(mName));
     if (!made)
-        made.reset(mPlainFactory.MakeContainer(mName));
+        made.reset(new (*mPool) QLX_PooledContainer(mName));
     QLX_RawPropertyContainer& container = *made;
-    const bool plain = typeid(container) == typeid(QLX_RawPropertyContainer) && !made->IsFrozen();
+    plain =
+        plain || (typeid(container) == typeid(QLX_RawPropertyContainer) && !container.IsFrozen());
     mOpen.push_back({made.get(), plain, mDepth});
     made.release();
     const QLX_PropertyFilter& filter = QLX_PropertyFilter::DefaultFilter();
@@ -281,13 +310,16 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
         return;
     }
     const char* own[kOwnCount] = {};
-    bool filtered = false;
+    const char** filterAttribute = nullptr;
+    int filterAttributes = 0;
     for (const char** at = attributes; *at; at += 2) {
         const OwnAttribute which = OwnAttributeOf(at[0]);
-        if (which != kOwnCount)
+        if (which != kOwnCount) {
             own[which] = at[1];
-        else
-            filtered = true;
+        } else {
+            filterAttribute = at;
+            ++filterAttributes;
+        }
     }
     const char* const name = own[kOwnName];
     const char* const type = own[kOwnType];
@@ -300,7 +332,10 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
                    /*lost*/ true);
         return;
     }
-    StoreProperty(mOpen.back(), name, type, value, filtered ? FilterOf(attributes) : mRootFilter);
+    const QLX_PropertyFilter* const filter = filterAttributes == 0   ? &mRootFilter
+                                             : filterAttributes == 1 ? FindOnly(filterAttribute)
+                                                                     : nullptr;
+    StoreProperty(mOpen.back(), name, type, value, filter ? *filter : FilterOf(attributes));
 }
 
 void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, const char* type,
@@ -354,6 +389,18 @@ bool HasFilterKey(const char** attributes, const std::string& key) {
 }
 } // namespace
 
+bool QLX_XMLParser::KnownFilter::IsOnly(const char** attribute) const {
+    return attribute[0] == mOnlyName && std::strcmp(attribute[1], mOnlyValue.c_str()) == 0;
+}
+
+/// The filter met lately that has this one attribute alone; null when there is none.
+const QLX_PropertyFilter* QLX_XMLParser::FindOnly(const char** attribute) const {
+    for (const KnownFilter& known : mKnownFilters)
+        if (known.IsOnly(attribute))
+            return &known.mFilter;
+    return nullptr;
+}
+
 const QLX_PropertyFilter& QLX_XMLParser::FilterOf(const char** attributes) {
     if (mLastKnown >= mKnownFilters.size() ||
         !HasFilterKey(attributes, mKnownFilters[mLastKnown].mKey)) {
@@ -387,7 +434,14 @@ void QLX_XMLParser::AddKnownFilter(const char** attributes) {
     std::string& language = map[QLX_GetFilterHierarchyName(1)];
     if (language == QLX_Language::GetFileCode(QLX_Language::English))
         language.clear();
-    KnownFilter known{FilterKey(attributes), QLX_PropertyFilter(map), foreign};
+    KnownFilter known{FilterKey(attributes), QLX_PropertyFilter(map), foreign, nullptr, {}};
+    int count = 0;
+    for (const char** at = attributes; *at; at += 2) {
+        if (IsOwn(at[0]))
+            continue;
+        known.mOnlyName = count++ == 0 && foreign.empty() ? at[0] : nullptr;
+        known.mOnlyValue = at[1];
+    }
     if (known.mFilter == QLX_PropertyFilter::RootFilter())
         known.mFilter = QLX_PropertyFilter::RootFilter();
     if (mKnownFilters.size() < kMostKnownFilters) {
@@ -412,10 +466,15 @@ void QLX_XMLParser::UseScratchFor(QLX_RawPropertyContainer* container,
 void QLX_XMLParser::FlushScratch() {
     if (mScratch.IsEmpty())
         return;
-    QLX_PropertySet& set = mScratchContainer->mFilterPropertyMap[mScratchFilter];
-    if (set.IsEmpty())
-        set = mScratch.CopyCompact();
-    else
-        set.Merge(mScratch);
+    auto& sets = mScratchContainer->mFilterPropertyMap;
+    // Of few sets the one that is meant is known by its filter's address.
+    auto stored = sets.size() <= kMostKnownFilters ? sets.begin() : sets.end();
+    while (stored != sets.end() && !stored->first.SharesMapWith(mScratchFilter))
+        ++stored;
+    const std::size_t count = sets.size();
+    if (stored == sets.end()) // as written by us, filters come in their order
+        stored = sets.emplace_hint(sets.end(), mScratchFilter, mScratch.CopyCompact(*mPool));
+    if (sets.size() == count)
+        stored->second.Merge(mScratch);
     mScratch.ClearKeepMemory();
 }
