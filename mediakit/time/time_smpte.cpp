@@ -20,7 +20,7 @@ template <class Count>
 Count NumbersLeftOut(const Time_FormatInfo& info, Count frames) noexcept {
     const auto drop = static_cast<Count>(info.droppedPerMinute);
     const auto tenMinutes = static_cast<Count>(info.FramesPerTenMinutes());
-    const auto wholeMinute = static_cast<Count>(info.framesPerSecond * 60);
+    const auto wholeMinute = static_cast<Count>(info.framesPerSecond) * 60;
     const auto shortMinute = static_cast<Count>(info.FramesPerShortMinute());
     const Count tens = frames / tenMinutes;
     const Count rest = frames - tens * tenMinutes;

@@ -2,6 +2,8 @@
 // pixels, put down to a handful of primitives.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <string_view>
 #include <vector>
 
@@ -238,7 +240,7 @@ inline QLX_SpanPaint QLX_CanvasPainter::PenPaint() const noexcept {
     if (paint.pattern) {
         paint.background = mBackgroundColor.AsInt32() | 0xFF000000;
         paint.backgroundAlpha = AlphaOf(mBackgroundColor);
-        paint.cell = std::max(1, int(mScale.GetFactor() + 0.5));
+        paint.cell = std::max(1, int(std::lround(mScale.GetFactor())));
         paint.phaseX = mDeviceCorner.x;
         paint.phaseY = mDeviceCorner.y;
     }

@@ -33,6 +33,7 @@ namespace {
 QLX_PainterState::QLX_PainterState(const Cmn_Rect<int>& windowBounds, QLX_DeviceScale scale)
     : mScale(scale), mWindowBounds(windowBounds), mClipRect(windowBounds) {}
 
+// A copy is counted anew. NOLINTNEXTLINE(bugprone-copy-constructor-init)
 QLX_PainterState::QLX_PainterState(const QLX_PainterState& other)
     : QLX_Painter(), mIdentifier(other.mIdentifier), mScale(other.mScale),
       mWindowBounds(other.mWindowBounds), mClipIsRect(other.mClipIsRect),

@@ -266,7 +266,7 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     plain =
         plain || (typeid(container) == typeid(QLX_RawPropertyContainer) && !container.IsFrozen());
     mOpen.push_back({made.get(), plain, mDepth});
-    made.release();
+    (void)made.release();
     const QLX_PropertyFilter& filter = QLX_PropertyFilter::DefaultFilter();
     for (; *attributes; attributes += 2) {
         const bool isIdentifier = Is(attributes[0], kIdentifier);

@@ -81,7 +81,7 @@ std::string ShortName(const QLX_PropertyFilter& filter) {
     std::string text;
     for (const auto& [name, value] : filter.GetAttributes()) {
         if (!value.empty())
-            text += (text.empty() ? "" : " ") + name + "=" + value;
+            text.append(text.empty() ? "" : " ").append(name).append("=").append(value);
     }
     return text.empty() ? "common" : text;
 }

@@ -204,7 +204,7 @@ TObject* TDynamicArray::Clone() {
         throw;
     }
     copy->mCount = mCount;
-    if (mCount)
+    if (copy->mStorage)
         std::memcpy(copy->mStorage, mStorage, static_cast<std::size_t>(mCount) * GetStride());
     return copy;
 }

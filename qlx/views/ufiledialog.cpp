@@ -268,7 +268,7 @@ void TFileDialog::Confirm() {
         if (!IsPlainName(name) || loc.IsFolder()) {
             if (IsPlainName(name))
                 GoTo(loc); // the name of a folder leads into it
-            else
+            else if (mNameField)
                 mNameField->ValidationFailed(1);
             return;
         }

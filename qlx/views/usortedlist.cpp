@@ -25,7 +25,7 @@ std::uint64_t Scatter(std::uint64_t seed) {
 
 QLX_DEFINE_CLASS(TSortedList, TSortedDynamicArray)
 
-TSortedList::TSortedList() : TSortedDynamicArray(static_cast<short>(sizeof(TObject*))) {}
+TSortedList::TSortedList() : TSortedDynamicArray(static_cast<short>(sizeof(void*))) {}
 
 TSortedList::~TSortedList() = default;
 
@@ -132,7 +132,7 @@ void TSortedList::SortRange(int low, int high, SortFunction compare, void* argum
 }
 
 int TSortedList::QSRandomPartition(int low, int high, SortFunction compare, void* argument) {
-    const auto size = static_cast<std::uint64_t>(high - low + 1);
+    const auto size = static_cast<std::uint64_t>(std::int64_t{high} - low + 1);
     std::uint64_t random = static_cast<std::uint64_t>(low) << 32 | static_cast<unsigned>(high);
     int places[3];
     for (int& place : places) {
@@ -203,7 +203,7 @@ QLX_DEFINE_CLASS(TList, TSortedList)
 
 TList::~TList() = default;
 
-void TList::IList() { IDynamicArray(0, static_cast<short>(sizeof(TObject*))); }
+void TList::IList() { IDynamicArray(0, static_cast<short>(sizeof(void*))); }
 
 void TList::AtPut(int index, TObject* object) { ReplaceElementsAt(index, &object, 1); }
 
@@ -241,6 +241,7 @@ TObject* TList::Dequeue() {
     return object;
 }
 
+// Lists keep the order they were given, so not by sorting. NOLINTNEXTLINE(bugprone-parent-virtual-call)
 void TList::Merge(TDynamicArray* other) { TDynamicArray::Merge(other); }
 
 TObject* TList::DoSearch(SearchFunction compare, const void* key) {

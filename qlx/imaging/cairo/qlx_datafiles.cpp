@@ -30,7 +30,8 @@ std::string QLX_FindDataFile(const std::string& name) {
     std::string folder = LibraryFolder();
     for (int up = 0; up < 4 && !folder.empty(); ++up) {
         for (const char* data : {"/share/qlx/", "/data/"}) {
-            const std::string path = folder + data + name;
+            std::string path = folder;
+            path.append(data).append(name);
             if (IsThere(path))
                 return path;
         }

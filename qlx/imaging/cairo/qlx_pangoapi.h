@@ -23,6 +23,7 @@
 // clang-format on
 
 struct QLX_PangoFunctions {
+// A declared name in parentheses would be none. NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define QLX_PANGO_FUNCTION(name) decltype(&::name) name = nullptr;
     QLX_PANGO_FUNCTIONS(QLX_PANGO_FUNCTION)
 #undef QLX_PANGO_FUNCTION

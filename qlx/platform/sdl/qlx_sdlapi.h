@@ -19,6 +19,7 @@
 
 /// Each under its name without the prefix.
 struct QLX_SDLFunctions {
+// A declared name in parentheses would be none. NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define QLX_SDL_FUNCTION(name) decltype(&::SDL_##name) name = nullptr;
     QLX_SDL_FUNCTIONS(QLX_SDL_FUNCTION)
 #undef QLX_SDL_FUNCTION
