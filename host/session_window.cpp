@@ -535,8 +535,6 @@ bool TSessionWindow::DoIdle(IdlePhase phase) {
     if (phase != kIdlePhase_Continue || !mTransport.IsPlaying())
         return TWindow::DoIdle(phase);
     ShowPosition();
-    if (TWaveformView* waveform = FindAs<TWaveformView>(Cmn_FourChar("wave")))
-        waveform->PeaksGrew();
     TMeterView* meter = FindAs<TMeterView>(Cmn_FourChar("metr"));
     const std::int64_t position = mTransport.GetPosition();
     if (meter && mPeaks && position > mMeteredTo) {

@@ -6,6 +6,7 @@
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/views/qlx_windowevents.h"
 #include "qlx/views/uevent.h"
+#include "qlx/views/uinvalidateview.h"
 #include "qlx/views/utracker.h"
 
 QLX_DEFINE_CLASS(TWaveformView, TControl)
@@ -13,12 +14,15 @@ QLX_DEFINE_CLASS(TWaveformView, TControl)
 namespace {
 constexpr std::int64_t kMostColumnsPerFrame = 64;
 constexpr int kScrollPixelsPerNotch = 60;
+constexpr std::int32_t kGrowthTicks = 6; // a tenth of a second
 } // namespace
 
 /// Selects by dragging; scrolls when the pointer leaves the view.
 class TWaveformTracker : public TTracker {
   public:
-    explicit TWaveformTracker(std::int64_t anchorFrame) : mAnchorFrame(anchorFrame) {
+    TWaveformTracker(const TWaveformView& view, std::int64_t anchorFrame)
+        : mAnchorFrame(anchorFrame), mOldStart(view.GetSelectionStart()),
+          mOldEnd(view.GetSelectionEnd()) {
         SetRepeat(0.05);
     }
 
@@ -27,6 +31,8 @@ class TWaveformTracker : public TTracker {
         auto* view = static_cast<TWaveformView*>(GetView());
         if (!view)
             return;
+        if (phase == kTrack_Cancel)
+            return view->TellSelection(phase, mOldStart, mOldEnd);
         const VRect extent = view->GetExtent();
         if (phase == kTrack_Continue && next.h < extent.Left())
             view->ScrollToColumn(view->GetFirstColumn() - (extent.Left() - next.h));
@@ -38,6 +44,8 @@ class TWaveformTracker : public TTracker {
 
   private:
     std::int64_t mAnchorFrame;
+    std::int64_t mOldStart;
+    std::int64_t mOldEnd;
 };
 
 TWaveformView::TWaveformView() = default;
@@ -63,7 +71,18 @@ void TWaveformView::SetAudio(std::shared_ptr<Audio_PeakPyramid> peaks, std::int6
     mChannelCount = std::max(1, channels);
     mDrawnFrames = 0;
     mFirstColumn = 0;
+    SetIdleFreq(mPeaks && !mPeaks->IsComplete() ? kGrowthTicks : kNoIdle);
     ForceRedraw();
+}
+
+bool TWaveformView::DoIdle(IdlePhase phase) {
+    if (phase == kIdlePhase_Continue) {
+        const bool complete = !mPeaks || mPeaks->IsComplete(); // asked first: growth may come last
+        PeaksGrew();
+        if (complete)
+            SetIdleFreq(kNoIdle);
+    }
+    return TControl::DoIdle(phase);
 }
 
 void TWaveformView::PeaksGrew() {
@@ -120,7 +139,7 @@ void TWaveformView::Zoom(int direction, VCoordinate anchor) {
         scale.mFrames *= 2;
     }
     const bool tooClose = scale.mColumns > scale.mFrames * kMostColumnsPerFrame;
-    const bool wasWhole = mScale.ColumnOfFrame(mFrameCount) < GetSize().h;
+    const bool wasWhole = mScale.ColumnOfFrame(mFrameCount - 1) < GetSize().h;
     if (!tooClose && (direction > 0 || !wasWhole))
         SetScale(scale, anchor);
 }
@@ -135,10 +154,25 @@ void TWaveformView::ScrollToColumn(std::int64_t column) {
     const std::int64_t held = std::clamp<std::int64_t>(column, 0, GetLastFirstColumn());
     if (held == mFirstColumn)
         return;
+    const std::int64_t moved = mFirstColumn - held;
     mFirstColumn = held;
-    ForceRedraw();
+    MovePixels(moved);
     if (mScaleCallback)
         mScaleCallback();
+}
+
+// What is on the screen already moves; only what comes into sight is drawn.
+void TWaveformView::MovePixels(std::int64_t columns) {
+    TInvalidateView* around = GetInvalidateView();
+    VRect visible = GetVisibleRect();
+    if (!around || !IsShown() || visible.Empty())
+        return;
+    LocalToWindowVRect(visible);
+    around->WindowToLocalVRect(visible);
+    const VCoordinate width = GetSize().h;
+    const VPoint across(std::clamp<std::int64_t>(columns, -width, width), 0);
+    if (!around->ScrollPixels(this, visible, across))
+        ForceRedraw();
 }
 
 void TWaveformView::Reveal(std::int64_t frame) {
@@ -209,7 +243,7 @@ void TWaveformView::TellSelection(int phase, std::int64_t from, std::int64_t to)
     const StDispatch dispatch; // the callback may free the view
     if (mSelectionCallback)
         mSelectionCallback(phase, from, to);
-    else if (phase != kTrack_Cancel)
+    else
         SetSelection(from, to);
 }
 
@@ -228,7 +262,7 @@ bool TWaveformView::DoMouseCommand(const VPoint& local, TToolboxEvent* event) {
             std::llabs(frame - mSelectionStart) < std::llabs(frame - mSelectionEnd);
         anchor = nearStart ? mSelectionEnd : mSelectionStart;
     }
-    return BeginTracking(new TWaveformTracker(anchor), local, event);
+    return BeginTracking(new TWaveformTracker(*this, anchor), local, event);
 }
 
 bool TWaveformView::DoMouseWheel(const VPoint& local, TToolboxEvent* event) {

@@ -16,7 +16,8 @@ class QLX_API TWaveformView : public TControl {
   public:
     QLX_DECLARE_CLASS(TWaveformView);
 
-    /// Hears what the user selects: phase as the tracker's, frames as drawn, half-open.
+    /// Hears what the user selects: phase as the tracker's, frames as drawn, half-open; with
+    /// kTrack_Cancel what was selected before.
     using SelectionCallback = std::function<void(int phase, std::int64_t from, std::int64_t to)>;
     /// Hears that zoom or scroll changed (rulers follow).
     using ScaleCallback = std::function<void()>;
@@ -26,7 +27,8 @@ class QLX_API TWaveformView : public TControl {
 
     /// The audio to show; null for none. Shared with the caller.
     void SetAudio(std::shared_ptr<Audio_PeakPyramid> peaks, std::int64_t frames, int channels);
-    /// Has to be called now and then while the pyramid is being built; draws what has become known.
+    /// Draws what the pyramid has come to know since the last call. The view looks for itself some
+    /// times a second until the pyramid is complete.
     void PeaksGrew();
 
     // Time and pixels
@@ -59,6 +61,7 @@ class QLX_API TWaveformView : public TControl {
     /// Multiplies what is drawn; 1 unless set.
     void SetGain(float gain, bool redraw);
 
+    bool DoIdle(IdlePhase phase) override;
     bool DoMouseCommand(const VPoint& local, TToolboxEvent* event) override;
     bool DoMouseWheel(const VPoint& local, TToolboxEvent* event) override;
     void DoKeyEvent(TToolboxEvent* event) override;
@@ -70,6 +73,7 @@ class QLX_API TWaveformView : public TControl {
   private:
     friend class TWaveformTracker;
     void DrawLane(int channel, const VRect& lane, VCoordinate from, VCoordinate to);
+    void MovePixels(std::int64_t columns);
     void InvalidateColumn(std::int64_t frame);
     void TellSelection(int phase, std::int64_t from, std::int64_t to);
     [[nodiscard]] std::int64_t GetLastFirstColumn() const;
