@@ -21,16 +21,21 @@ constexpr std::int64_t kFarEdge = std::int64_t{1} << 48;
 [[nodiscard]] int InverseEdge(QLX_DeviceScale scale, int device, bool up) noexcept {
     std::int64_t guess =
         FloorDivide(std::int64_t{device} * QLX_DeviceScale::kUnit, scale.Get120ths());
+    const bool many = scale.Get120ths() < QLX_DeviceScale::kUnit; // edges that share a pixel edge
     if (up) {
         while (scale.EdgeToDevice(guess) > device)
             --guess;
         while (scale.EdgeToDevice(guess) < device && guess < INT32_MAX)
             ++guess;
+        while (many && scale.EdgeToDevice(guess - 1) >= device && guess > INT32_MIN)
+            --guess;
     } else {
         while (scale.EdgeToDevice(guess) < device)
             ++guess;
         while (scale.EdgeToDevice(guess) > device && guess > INT32_MIN)
             --guess;
+        while (many && scale.EdgeToDevice(guess + 1) <= device && guess < INT32_MAX)
+            ++guess;
     }
     return Cmn_ClampTo<int>(guess);
 }

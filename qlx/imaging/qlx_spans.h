@@ -104,7 +104,8 @@ QLX_API void QLX_BlendSpans(const QLX_Surface& surface, const Cmn_Rect<int>& rec
                             QLX_Painter::EBlendMode mode) noexcept;
 
 /// Columns i at x + i * columnWidth, rows tops[i] up to, not including, bottoms[i]; all within the
-/// rectangle and filled row by row. scratch has room for 4 * ((count + 31) / 32) ints.
+/// rectangle and filled row by row, without pattern. scratch has room for 4 * ((count + 31) / 32)
+/// ints.
 QLX_API void QLX_FillColumns(const QLX_Surface& surface, const Cmn_Rect<int>& rect, int x,
                              int count, const int* tops, const int* bottoms, int columnWidth,
                              const QLX_SpanPaint& paint, int* scratch) noexcept;
@@ -113,6 +114,6 @@ QLX_API void QLX_FillColumns(const QLX_Surface& surface, const Cmn_Rect<int>& re
 /// stretched to: bilinear where it grows, the mean of what a pixel covers where it shrinks; nothing
 /// beyond the part is looked at. wanted lies within destination; out has rows of outRow pixels from
 /// wanted's corner.
-void QLX_ScalePixels(const std::uint32_t* picture, int pictureRow, const Cmn_Rect<int>& part,
-                     const Cmn_Rect<int>& destination, const Cmn_Rect<int>& wanted,
-                     std::uint32_t* out, int outRow) noexcept;
+QLX_API void QLX_ScalePixels(const std::uint32_t* picture, int pictureRow,
+                             const Cmn_Rect<int>& part, const Cmn_Rect<int>& destination,
+                             const Cmn_Rect<int>& wanted, std::uint32_t* out, int outRow) noexcept;

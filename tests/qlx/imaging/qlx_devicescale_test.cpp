@@ -96,10 +96,9 @@ TEST(DeviceScale, ThicknessIsTheSameEverywhereAndNeverVanishes) {
             ASSERT_NEAR(scale.ThicknessToDevice(thickness), std::max(1.0, exact), 0.5);
         }
         for (int distance = -240; distance <= 240; ++distance)
-            if (scale.IsExactDistance(distance))
-                for (int from = -130; from < 130; from += 7)
-                    ASSERT_EQ(scale.EdgeToDevice(from + distance) - scale.EdgeToDevice(from),
-                              distance * count / 120)
-                        << distance << " at " << count;
+            for (int from = -130; scale.IsExactDistance(distance) && from < 130; from += 7)
+                ASSERT_EQ(scale.EdgeToDevice(from + distance) - scale.EdgeToDevice(from),
+                          distance * count / 120)
+                    << distance << " at " << count;
     }
 }

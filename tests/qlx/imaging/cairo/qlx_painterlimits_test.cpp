@@ -209,7 +209,7 @@ TEST(PainterLimits, FillsTakeTheSamePixelsOnEitherRoad) {
                 for (int x = clip.left; x < clip.right; ++x)
                     if (x + origin.x >= rect.left && x + origin.x < rect.right &&
                         y + origin.y >= rect.top && y + origin.y < rect.bottom)
-                        should[std::size_t(y * 40 + x)] = color.AsInt32();
+                        should[std::size_t(y) * 40 + std::size_t(x)] = color.AsInt32();
         }
         const QLX_Image::Ptr pixels = PixelsOf(direct);
         ASSERT_TRUE(pixels->IsEqual(*QLX_Image::Create(40, 30, should))) << "seed " << seed;
