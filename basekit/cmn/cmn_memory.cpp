@@ -10,25 +10,24 @@ namespace {
 
 constinit std::atomic<std::int64_t> sAllocationsLeft{-1};
 
-/// Whether an allocation may be tried; counts down while a test limits them.
-bool MayAllocate() {
+} // namespace
+
+bool Cmn_MayAllocate() noexcept {
     std::int64_t left = sAllocationsLeft.load(std::memory_order_relaxed);
     while (left > 0 && !sAllocationsLeft.compare_exchange_weak(left, left - 1)) {
     }
     return left != 0;
 }
 
-} // namespace
-
 void* Cmn_AllocateOrFail(std::size_t size) {
-    void* bytes = MayAllocate() ? ::operator new(size, std::nothrow) : nullptr;
+    void* bytes = Cmn_MayAllocate() ? ::operator new(size, std::nothrow) : nullptr;
     if (!bytes)
         Cmn_RaiseFailure(kFailure_OutOfMemory);
     return bytes;
 }
 
 void* Cmn_Reallocate(void* block, std::size_t size) {
-    return MayAllocate() ? std::realloc(block, size ? size : 1) : nullptr;
+    return Cmn_MayAllocate() ? std::realloc(block, size ? size : 1) : nullptr;
 }
 
 void* Cmn_ReallocateOrFail(void* block, std::size_t size) {

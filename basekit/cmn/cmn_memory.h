@@ -7,6 +7,10 @@
 /// Bytes from operator new, to be given back to operator delete; raises -108 when there are none.
 [[nodiscard]] QLX_API void* Cmn_AllocateOrFail(std::size_t size);
 
+/// Whether an allocation may be tried: false while a test makes memory run out. For classes that
+/// keep blocks back and hand them out again, which counts as allocating.
+[[nodiscard]] QLX_API bool Cmn_MayAllocate() noexcept;
+
 /// Grows or shrinks a block that came from here (null for a first one), keeping its bytes. When
 /// there is no room the old block stays as it was and the answer is null. Ended with Cmn_FreeBlock.
 [[nodiscard]] QLX_API void* Cmn_Reallocate(void* block, std::size_t size);

@@ -1,6 +1,7 @@
 // Intrusive reference counting. An object is born with a count of zero; the first pointer to it
 // makes it one, and the last pointer to go deletes it. Counts are atomic, so pointers to one object
-// may be copied and dropped on any thread; what the object itself allows is its own matter.
+// may be copied and dropped on any thread; what the object itself allows is its own matter. Objects
+// that never end, such as what all empty values share, are not counted at all.
 #pragma once
 
 #include <atomic>
@@ -16,17 +17,36 @@ class QLX_API Cmn_RefCountObject {
     Cmn_RefCountObject& operator=(const Cmn_RefCountObject&) noexcept { return *this; }
     virtual ~Cmn_RefCountObject();
 
-    void AddReference() const noexcept { mCount.fetch_add(1, std::memory_order_relaxed); }
+    void AddReference() const noexcept {
+        if (!IsPermanent())
+            mCount.fetch_add(1, std::memory_order_relaxed);
+    }
+
+    /// AddReference for an object that no other thread knows yet.
+    void AddFirstReference() const noexcept { mCount.store(1, std::memory_order_relaxed); }
 
     /// Drops one reference and deletes the object with the last one.
     void RemoveReference() const noexcept {
-        if (mCount.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        // Whoever holds the only reference is alone with the object, so nothing need be atomic.
+        const std::int32_t count = mCount.load(std::memory_order_acquire);
+        if (count == 1 ||
+            (count < kPermanent && mCount.fetch_sub(1, std::memory_order_acq_rel) == 1))
             Destroy();
     }
 
-    /// The number of references; negative once the object is being destroyed.
+    /// Ends counting: the object is there for good. Before any other thread knows it.
+    void MakePermanent() noexcept { mCount.store(kPermanent, std::memory_order_relaxed); }
+    [[nodiscard]] bool IsPermanent() const noexcept { return GetReferenceCount() >= kPermanent; }
+
+    /// The number of references; negative once the object is being destroyed, and without meaning
+    /// for a permanent one.
     [[nodiscard]] std::int32_t GetReferenceCount() const noexcept {
         return mCount.load(std::memory_order_relaxed);
+    }
+
+    /// Whether the caller's reference is the only one, so that it alone sees what it changes.
+    [[nodiscard]] bool HasOneReference() const noexcept {
+        return mCount.load(std::memory_order_acquire) == 1;
     }
 
     /// Whether the object may be handed to further owners; true at birth.
@@ -34,6 +54,8 @@ class QLX_API Cmn_RefCountObject {
     void SetShareable(bool shareable) noexcept { mShareable = shareable; }
 
   private:
+    static constexpr std::int32_t kPermanent = INT32_MAX / 2;
+
     void Destroy() const noexcept;
 
     mutable std::atomic<std::int32_t> mCount{0};
@@ -49,6 +71,14 @@ class Cmn_RefCountPtr {
     constexpr Cmn_RefCountPtr(std::nullptr_t) noexcept {}
     /// Adds a reference.
     explicit Cmn_RefCountPtr(T* object) noexcept : mObject(object) { Add(); }
+    /// The first pointer to an object that was just made, or null.
+    [[nodiscard]] static Cmn_RefCountPtr MakeFirst(T* object) noexcept {
+        Cmn_RefCountPtr pointer;
+        if (object)
+            object->AddFirstReference();
+        pointer.mObject = object;
+        return pointer;
+    }
     Cmn_RefCountPtr(const Cmn_RefCountPtr& other) noexcept : mObject(other.mObject) { Add(); }
     Cmn_RefCountPtr(Cmn_RefCountPtr&& other) noexcept
         : mObject(std::exchange(other.mObject, nullptr)) {}

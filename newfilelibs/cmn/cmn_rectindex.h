@@ -1,8 +1,8 @@
-// "Which is the first rectangle of a list that overlaps this one?", asked many times. Every eight
-// rectangles of the list have a bounding box and every eight boxes another, in list order, so a
-// search goes down the list and leaves out what lies elsewhere. Lists of regions are sorted by top,
-// which makes eight neighbours a flat strip: of n rectangles spread evenly some sqrt(n) are looked
-// at.
+// "Which rectangles of a list overlap this one?", asked many times. Every eight rectangles of the
+// list have a bounding box, in list order, and each box also knows how far down those up to it
+// reach, and how far up those from it on. Lists of regions are sorted by top, so that these two
+// rows of numbers rise within a narrow strip of each other, and two binary searches leave only the
+// boxes at the height of what is asked about.
 #pragma once
 
 #include "newfilelibs/cmn/cmn_rectlist.h"
@@ -11,32 +11,28 @@
 
 /// A list and its boxes, none of it owned. Without boxes every rectangle is looked at.
 struct Cmn_RectIndexView {
-    static constexpr std::size_t kBlock = 8;  ///< rectangles a box
-    static constexpr std::size_t kGroup = 64; ///< rectangles a box of boxes
+    static constexpr std::size_t kBlock = 8; ///< rectangles a box
 
     // Boxes are scanned by fours, so empty ones fill up the last four.
     [[nodiscard]] static constexpr std::size_t BlockCount(std::size_t count) noexcept {
         return (count + 4 * kBlock - 1) / (4 * kBlock) * 4;
     }
-    [[nodiscard]] static constexpr std::size_t GroupCount(std::size_t count) noexcept {
-        return (count + 4 * kGroup - 1) / (4 * kGroup) * 4;
-    }
-    /// Boxes and boxes of boxes together; the former come first.
+    /// A list's boxes, and behind them how far each reaches, in a rectangle of its own.
     [[nodiscard]] static constexpr std::size_t BoxCount(std::size_t count) noexcept {
-        return BlockCount(count) + GroupCount(count);
+        return 2 * BlockCount(count);
     }
 
     Cmn_RectIndexView(const Cmn_Rect<int>* rects, std::size_t count,
                       const Cmn_Rect<int>* boxes = nullptr) noexcept
         : mRects(rects), mCount(count), mBlocks(boxes),
-          mGroups(boxes ? boxes + BlockCount(count) : nullptr) {}
+          mReach(boxes ? boxes + BlockCount(count) : nullptr) {}
     /// With the boxes that the list has.
     explicit Cmn_RectIndexView(const Cmn_RectList& list) noexcept
         : Cmn_RectIndexView(list.data(), list.size(), list.GetBoxes()) {}
 
-    /// Fills the boxes of a whole list: BlockCount(count) and GroupCount(count) of them.
-    static void FillBoxes(const Cmn_Rect<int>* rects, std::size_t count, Cmn_Rect<int>* blocks,
-                          Cmn_Rect<int>* groups) noexcept;
+    /// Fills the boxes of a whole list: BoxCount(count) of them.
+    static void FillBoxes(const Cmn_Rect<int>* rects, std::size_t count,
+                          Cmn_Rect<int>* boxes) noexcept;
 
     /// Calls found(index) for every rectangle that overlaps the probe with positive area, in order.
     template <class Found>
@@ -45,58 +41,37 @@ struct Cmn_RectIndexView {
             return;
         const Cmn_RectScan::OverlapProbe scan(probe);
         const auto check = [&](std::size_t index) {
-            if (!mRects[index].Empty()) // see FindFirst
+            if (!mRects[index].Empty()) // the scan takes a flat one inside the probe for an overlap
                 found(index);
+            return false;
         };
         if (!mBlocks) {
-            Cmn_RectScan::ForEach(scan, mRects, 0, mCount, check);
+            (void)Cmn_RectScan::Any(scan, mRects, 0, mCount, check);
             return;
         }
         const auto enterBlock = [&](std::size_t block) {
-            Cmn_RectScan::ForEach(scan, mRects, block * kBlock,
-                                  std::min(mCount, (block + 1) * kBlock), check);
+            const std::size_t start = block * kBlock;
+            return Cmn_RectScan::Any(scan, mRects, start, std::min(mCount, start + kBlock), check);
         };
-        Cmn_RectScan::ForEach(scan, mGroups, 0, GroupCount(mCount), [&](std::size_t group) {
-            constexpr std::size_t blocks = kGroup / kBlock;
-            Cmn_RectScan::ForEach(scan, mBlocks, group * blocks,
-                                  std::min(BlockCount(mCount), (group + 1) * blocks), enterBlock);
-        });
+        (void)Cmn_RectScan::Any(scan, mBlocks, FirstReaching(probe.top), FirstBelow(probe.bottom),
+                                enterBlock);
     }
 
     /// Whether any rectangle overlaps the probe with positive area.
     [[nodiscard]] bool Touches(const Cmn_Rect<int>& probe) const noexcept;
 
-    /// The first index from `from` on whose rectangle overlaps the probe with positive area, or the
-    /// count.
-    [[nodiscard]] std::size_t FindFirst(const Cmn_Rect<int>& probe,
-                                        std::size_t from) const noexcept {
-        if (probe.Empty())
-            return mCount;
-        const Cmn_RectScan::OverlapProbe scan(probe);
-        // The scan takes a flat rectangle inside the probe for an overlap; such ones are passed
-        // over.
-        while ((from = Search(scan, from)) < mCount && mRects[from].Empty())
-            ++from;
-        return from;
-    }
-
     const Cmn_Rect<int>* mRects;
     std::size_t mCount;
     const Cmn_Rect<int>* mBlocks;
-    const Cmn_Rect<int>* mGroups;
+    // By block: in bottom the lowest edge of it and those before, in top the highest edge of it and
+    // those after it.
+    const Cmn_Rect<int>* mReach;
 
   private:
-    [[nodiscard]] std::size_t Search(const Cmn_RectScan::OverlapProbe& scan,
-                                     std::size_t from) const noexcept {
-        return mBlocks ? SearchBoxes(scan, from)
-                       : Cmn_RectScan::FindFirst(scan, mRects, from, mCount);
-    }
-    [[nodiscard]] bool TouchesInBlock(const Cmn_RectScan::OverlapProbe& scan,
-                                      std::size_t block) const noexcept;
-    [[nodiscard]] std::size_t SearchBoxes(const Cmn_RectScan::OverlapProbe& scan,
-                                          std::size_t from) const noexcept;
-    [[nodiscard]] std::size_t SearchBlocks(const Cmn_RectScan::OverlapProbe& scan,
-                                           std::size_t block, std::size_t endBlock) const noexcept;
+    // The first block up to which something reaches below a line.
+    [[nodiscard]] std::size_t FirstReaching(int y) const noexcept;
+    // The first block from which on nothing reaches above a line.
+    [[nodiscard]] std::size_t FirstBelow(int y) const noexcept;
 };
 
 /// Boxes for a list that stays as it is while they are used.

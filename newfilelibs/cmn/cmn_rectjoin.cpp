@@ -3,6 +3,7 @@
 #include <bit>
 #include <numeric>
 
+#include "newfilelibs/cmn/cmn_rectjoinfew.h"
 #include "newfilelibs/cmn/cmn_rectscan.h"
 #include "newfilelibs/cmn/cmn_rectsort.h"
 
@@ -419,6 +420,14 @@ void JoinOverlapping(Rects& rects) noexcept {
     }
 }
 
+void JoinFew(const Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
+    Cmn_FewRects few;
+    for (std::size_t i = 0; i < unjoined.mRects.size(); ++i)
+        few.Append(unjoined.mRects[i]);
+    few.Join(unjoined.mHead, unjoined.mNext);
+    few.MoveTo(out, unjoined.mHead);
+}
+
 bool Precedes(const Rect& a, const Rect& b) noexcept {
     return Cmn_RectKey(a, Cmn_RectOrder::kRows) < Cmn_RectKey(b, Cmn_RectOrder::kRows);
 }
@@ -461,6 +470,10 @@ void Cmn_SortRects(const Rect* rects, std::size_t count, std::size_t sortedHead,
 void Cmn_JoinRects(Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
     Rects& rects = unjoined.mRects;
     std::size_t head = unjoined.mHead;
+    if (unjoined.mDisjoint && rects.size() <= Cmn_FewRects::kMost) {
+        JoinFew(unjoined, out);
+        return;
+    }
     if (!unjoined.mDisjoint) {
         JoinOverlapping(rects);
         head = 0;

@@ -23,6 +23,11 @@ std::size_t WithBoxes(std::size_t count) noexcept {
     return count < Cmn_RectList::kBoxedFrom ? count : count + Cmn_RectIndexView::BoxCount(count);
 }
 
+std::size_t InSteps(std::size_t count) noexcept {
+    constexpr std::size_t step = Cmn_RectList::kCapacityStep;
+    return (count + step - 1) / step * step;
+}
+
 void CopyRects(Cmn_Rect<int>* to, const Cmn_Rect<int>* from, std::size_t count) noexcept {
     if (count > 0)
         std::memmove(static_cast<void*>(to), from, count * sizeof(Cmn_Rect<int>));
@@ -52,6 +57,7 @@ void Cmn_RectList::TakeFrom(Cmn_RectList& other) noexcept {
 void Cmn_RectList::Reserve(std::size_t capacity) {
     if (capacity <= mCapacity)
         return;
+    capacity = InSteps(capacity);
     Cmn_Rect<int>* data = AllocateRects(capacity);
     CopyRects(data, mData, mSize);
     if (!IsInline())
@@ -60,10 +66,17 @@ void Cmn_RectList::Reserve(std::size_t capacity) {
     mCapacity = static_cast<std::uint32_t>(capacity);
 }
 
+// And for the boxes of then.
+void Cmn_RectList::MakeRoomForOne() {
+    const std::size_t needed = WithBoxes(std::size_t{mSize} + 1);
+    if (needed > mCapacity)
+        Reserve(std::max(needed, std::size_t{mCapacity} * 2));
+}
+
 // New memory in place of the old; the contents go.
 void Cmn_RectList::Replace(std::size_t capacity) {
     const std::size_t ahead = IsInline() ? 0 : mCapacity + mCapacity / 2;
-    capacity = std::max(WithBoxes(capacity), ahead);
+    capacity = InSteps(std::max(WithBoxes(capacity), ahead));
     Cmn_Rect<int>* data = AllocateRects(capacity);
     if (!IsInline())
         Release();
@@ -73,7 +86,7 @@ void Cmn_RectList::Replace(std::size_t capacity) {
 
 void Cmn_RectList::Assign(const Cmn_Rect<int>* rects, std::size_t count) {
     if (count > mCapacity) { // then they cannot all lie in this list
-        const std::size_t capacity = WithBoxes(count);
+        const std::size_t capacity = InSteps(WithBoxes(count));
         Cmn_Rect<int>* data = AllocateRects(capacity);
         CopyRects(data, rects, count);
         if (!IsInline())
@@ -90,9 +103,7 @@ void Cmn_RectList::Assign(const Cmn_Rect<int>* rects, std::size_t count) {
 void Cmn_RectList::FillBoxesBehind() noexcept {
     if (WithBoxes(mSize) > mCapacity)
         return;
-    Cmn_Rect<int>* blocks = mData + mSize;
-    Cmn_RectIndexView::FillBoxes(mData, mSize, blocks,
-                                 blocks + Cmn_RectIndexView::BlockCount(mSize));
+    Cmn_RectIndexView::FillBoxes(mData, mSize, mData + mSize);
     mHasBoxes = true;
 }
 
@@ -101,29 +112,6 @@ void Cmn_RectList::Resize(std::size_t count) {
     for (std::size_t i = mSize; i < count; ++i)
         mData[i] = Cmn_Rect<int>();
     mSize = static_cast<std::uint32_t>(count);
-    mHasBoxes = false;
-}
-
-void Cmn_RectList::Insert(std::size_t index, const Cmn_Rect<int>& rect) {
-    const Cmn_Rect<int> copy = rect; // may lie in this list
-    if (mSize == mCapacity)
-        Reserve(std::size_t{mCapacity} * 2);
-    CopyRects(mData + index + 1, mData + index, mSize - index);
-    mData[index] = copy;
-    ++mSize;
-    mHasBoxes = false;
-}
-
-void Cmn_RectList::ReplaceInOrder(std::size_t index, const Cmn_Rect<int>& rect) noexcept {
-    const auto precedes = [](const Cmn_Rect<int>& a, const Cmn_Rect<int>& b) {
-        return a.top != b.top ? a.top < b.top : a.left < b.left;
-    };
-    const Cmn_Rect<int> copy = rect; // may lie in this list
-    for (; index > 0 && precedes(copy, mData[index - 1]); --index)
-        mData[index] = mData[index - 1];
-    for (; index + 1 < mSize && precedes(mData[index + 1], copy); ++index)
-        mData[index] = mData[index + 1];
-    mData[index] = copy;
     mHasBoxes = false;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <iosfwd>
 #include <type_traits>
 
@@ -16,14 +17,18 @@ class QLX_API Cmn_RectList {
     using iterator = const_iterator;
     using size_type = std::size_t;
 
-    static constexpr std::size_t kInlineCapacity = 12;
+    static constexpr std::size_t kInlineCapacity = 16;
+
+    // Lists are searched by fours, the last of which may reach behind the end: capacities are
+    // multiples of this.
+    static constexpr std::size_t kCapacityStep = 4;
 
     // Lists of this many rectangles and more get bounding boxes behind the rectangles, so that
     // queries need not look at all; cmn_rectindex.h tells how.
     static constexpr std::size_t kBoxedFrom = 24;
 
     Cmn_RectList() noexcept {}
-    Cmn_RectList(const Cmn_RectList& other) { Assign(other.data(), other.size()); }
+    Cmn_RectList(const Cmn_RectList& other) { CopyFrom(other); }
     Cmn_RectList(Cmn_RectList&& other) noexcept { TakeFrom(other); }
     ~Cmn_RectList() {
         if (!IsInline())
@@ -31,7 +36,7 @@ class QLX_API Cmn_RectList {
     }
     Cmn_RectList& operator=(const Cmn_RectList& other) {
         if (this != &other)
-            Assign(other.data(), other.size());
+            CopyFrom(other);
         return *this;
     }
     Cmn_RectList& operator=(Cmn_RectList&& other) noexcept {
@@ -82,10 +87,7 @@ class QLX_API Cmn_RectList {
     }
     void Append(const Cmn_Rect<int>& rect) {
         const Cmn_Rect<int> copy = rect; // may lie in this list
-        if (mSize == mCapacity)
-            Reserve(std::size_t{mCapacity} * 2);
-        mData[mSize++] = copy;
-        mHasBoxes = false;
+        Extend()[mSize - 1] = copy;
     }
     /// Replaces the contents; the rectangles may lie in this list.
     void Assign(const Cmn_Rect<int>* rects, std::size_t count);
@@ -98,11 +100,13 @@ class QLX_API Cmn_RectList {
         mSize = static_cast<std::uint32_t>(count);
         mHasBoxes = false;
     }
-    /// Makes room at an index and puts one there.
-    void Insert(std::size_t index, const Cmn_Rect<int>& rect);
-    /// Puts a rectangle in the place of one, moved to where it stands in order (by top, then left)
-    /// among the others, which are in order.
-    void ReplaceInOrder(std::size_t index, const Cmn_Rect<int>& rect) noexcept;
+    /// Grows by one, which the caller writes; answers all of them for that.
+    [[nodiscard]] Cmn_Rect<int>* Extend() {
+        if (mSize == mCapacity || mSize >= kBoxedFrom)
+            MakeRoomForOne();
+        ++mSize;
+        return Edit();
+    }
     /// Removes one and closes the gap.
     void Erase(std::size_t index) noexcept;
     /// Keeps its memory.
@@ -114,6 +118,18 @@ class QLX_API Cmn_RectList {
     void Reserve(std::size_t capacity);
 
   private:
+    void CopyFrom(const Cmn_RectList& other) {
+        if (other.mSize > kInlineCapacity) {
+            Assign(other.mData, other.mSize);
+            return;
+        }
+        // Whole steps of a size that the compiler knows: short lists are copied all the time.
+        for (std::size_t i = 0; i < other.mSize; i += kCapacityStep)
+            std::memcpy(static_cast<void*>(mData + i), other.mData + i,
+                        kCapacityStep * sizeof(Cmn_Rect<int>));
+        mSize = other.mSize;
+        mHasBoxes = false;
+    }
     [[nodiscard]] bool IsInline() const noexcept { return mData == InlineData(); }
     [[nodiscard]] Cmn_Rect<int>* InlineData() noexcept {
         return reinterpret_cast<Cmn_Rect<int>*>(mInline);
@@ -121,6 +137,7 @@ class QLX_API Cmn_RectList {
     [[nodiscard]] const Cmn_Rect<int>* InlineData() const noexcept {
         return reinterpret_cast<const Cmn_Rect<int>*>(mInline);
     }
+    void MakeRoomForOne();
     void Release() noexcept;
     void Replace(std::size_t capacity);
     void FillBoxesBehind() noexcept;

@@ -30,35 +30,35 @@ inline unsigned LaneBits(__m128i a, __m128i b, __m128i c, __m128i d) noexcept {
         _mm_movemask_epi8(_mm_packs_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d))));
 }
 
-/// Compares rectangles with one that is asked about.
-class OverlapProbe {
+/// Tells rectangles that overlap one or share at least a corner with it.
+class TouchProbe {
   public:
-    explicit OverlapProbe(const Rect& probe) noexcept
-        : mHigh(_mm_set_epi32(std::numeric_limits<int>::min(), std::numeric_limits<int>::min(),
-                              probe.bottom, probe.right)),
-          mLow(_mm_set_epi32(probe.top, probe.left, std::numeric_limits<int>::max(),
-                             std::numeric_limits<int>::max())) {}
+    explicit TouchProbe(const Rect& probe) noexcept
+        : mFar(TurnedRound(_mm_shuffle_epi32(Load(&probe), _MM_SHUFFLE(1, 0, 3, 2)))) {}
 
-    /// Bit 4 * k is set when the k-th of four rectangles overlaps.
+    /// Bit 4 * k is set when the k-th of four rectangles does.
     [[nodiscard]] unsigned Four(const Rect* rects) const noexcept {
         unsigned bits =
-            LaneBits(Lanes(rects), Lanes(rects + 1), Lanes(rects + 2), Lanes(rects + 3));
-        bits &= bits >> 1;
-        return bits & bits >> 2 & 0x1111;
+            LaneBits(Apart(rects), Apart(rects + 1), Apart(rects + 2), Apart(rects + 3));
+        bits |= bits >> 1;
+        return ~(bits | bits >> 2) & 0x1111;
     }
     [[nodiscard]] bool One(const Rect* rect) const noexcept {
-        return _mm_movemask_epi8(Lanes(rect)) == 0xFFFF;
+        return _mm_movemask_epi8(Apart(rect)) == 0;
     }
 
   private:
-    // Left and top below the probe's far edges, right and bottom above its near ones.
-    [[nodiscard]] __m128i Lanes(const Rect* rect) const noexcept {
-        const __m128i value = Load(rect);
-        return _mm_or_si128(_mm_cmpgt_epi32(mHigh, value), _mm_cmpgt_epi32(value, mLow));
+    // Left and top beyond the probe's far edges, right and bottom short of its near ones: for the
+    // latter the comparison is turned round.
+    [[nodiscard]] __m128i Apart(const Rect* rect) const noexcept {
+        return _mm_cmpgt_epi32(TurnedRound(Load(rect)), mFar);
+    }
+    // The upper two as their complements, which compare the other way.
+    [[nodiscard]] static __m128i TurnedRound(__m128i value) noexcept {
+        return _mm_xor_si128(value, _mm_set_epi32(-1, -1, 0, 0));
     }
 
-    __m128i mHigh;
-    __m128i mLow;
+    __m128i mFar;
 };
 
 /// Finds rectangles that share both rows' edges or both columns' edges with one.
@@ -86,7 +86,8 @@ class EdgeProbe {
 /// A bounding box that grows.
 class Bounds {
   public:
-    Bounds() noexcept : mBox(Load(&kNowhere)) {}
+    Bounds() noexcept : Bounds(kNowhere) {}
+    explicit Bounds(const Rect& start) noexcept : mBox(Load(&start)) {}
     void Add(const Rect& rect) noexcept {
         const __m128i value = Load(&rect);
         // The smaller ones of left and top, the larger ones of right and bottom.
@@ -106,9 +107,9 @@ class Bounds {
 
 #else
 
-class OverlapProbe {
+class TouchProbe {
   public:
-    explicit OverlapProbe(const Rect& probe) noexcept : mProbe(probe) {}
+    explicit TouchProbe(const Rect& probe) noexcept : mProbe(probe) {}
     [[nodiscard]] unsigned Four(const Rect* rects) const noexcept {
         unsigned bits = 0;
         for (int i = 0; i < 4; ++i)
@@ -116,8 +117,8 @@ class OverlapProbe {
         return bits;
     }
     [[nodiscard]] bool One(const Rect* rect) const noexcept {
-        return (rect->left < mProbe.right) & (rect->top < mProbe.bottom) &
-               (rect->right > mProbe.left) & (rect->bottom > mProbe.top);
+        return (rect->left <= mProbe.right) & (rect->top <= mProbe.bottom) &
+               (rect->right >= mProbe.left) & (rect->bottom >= mProbe.top);
     }
 
   private:
@@ -144,14 +145,24 @@ class EdgeProbe {
 
 class Bounds {
   public:
+    Bounds() noexcept : Bounds(kNowhere) {}
+    explicit Bounds(const Rect& start) noexcept : mBox(start) {}
     void Add(const Rect& rect) noexcept { mBox |= rect; }
     [[nodiscard]] Rect Get() const noexcept { return mBox; }
 
   private:
-    Rect mBox = kNowhere;
+    Rect mBox;
 };
 
 #endif
+
+/// Tells rectangles that overlap one of positive size: those that touch what it has inside its
+/// outermost pixels' far sides.
+class OverlapProbe : public TouchProbe {
+  public:
+    explicit OverlapProbe(const Rect& probe) noexcept
+        : TouchProbe(Rect(probe.left + 1, probe.top + 1, probe.right - 1, probe.bottom - 1)) {}
+};
 
 /// The first index in [from, end) whose rectangle the probe hits, or end.
 template <class Probe>
@@ -168,17 +179,34 @@ template <class Probe>
     return end;
 }
 
-/// Calls found(index) for every index in [from, end) whose rectangle the probe hits, in order.
+/// Whether found(index) says yes to an index in [from, end) whose rectangle the probe hits; asks in
+/// order and no further than needed. Rectangles behind the end up to a multiple of four from the
+/// start are in memory, whatever they are.
 template <class Probe, class Found>
-inline void ForEach(const Probe& probe, const Rect* rects, std::size_t from, std::size_t end,
-                    Found found) {
-    for (; from + 4 <= end; from += 4) {
-        for (unsigned bits = probe.Four(rects + from); bits != 0; bits &= bits - 1)
-            found(from + static_cast<std::size_t>(std::countr_zero(bits)) / 4);
+[[nodiscard]] inline bool Any(const Probe& probe, const Rect* rects, std::size_t from,
+                              std::size_t end, Found found) {
+    for (; from < end; from += 4) {
+        for (unsigned bits = probe.Four(rects + from); bits != 0; bits &= bits - 1) {
+            const std::size_t index = from + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
+            if (index < end && found(index))
+                return true;
+        }
     }
-    for (; from < end; ++from) {
-        if (probe.One(rects + from))
-            found(from);
+    return false;
+}
+
+/// Calls found(index) for every rectangle that touches the probe's, in order, until it answers
+/// false. The memory goes on to a multiple of four rectangles, as that of lists does, whatever
+/// stands there.
+template <class Found>
+inline void ForEachTouching(const TouchProbe& probe, const Rect* rects, std::size_t count,
+                            Found found) {
+    for (std::size_t i = 0; i < count; i += 4) {
+        for (unsigned bits = probe.Four(rects + i); bits != 0; bits &= bits - 1) {
+            const std::size_t index = i + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
+            if (index >= count || !found(index))
+                return;
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "newfilelibs/cmn/cmn_interval.h"
 #include "newfilelibs/cmn/cmn_rectindex.h"
+#include "newfilelibs/cmn/cmn_rectunite.h"
 #include "newfilelibs/cmn/cmn_regionoperations.h"
 
 namespace {
@@ -42,10 +43,12 @@ Cmn_RegionCore<int>::Cmn_RegionCore(const Cmn_Rect<int>& rect) {
 
 // Binary operations
 
-void Cmn_RegionCore<int>::CopyList(const Cmn_RegionCore& other) {
+// List and bounds; the flag that says how to join stays.
+void Cmn_RegionCore<int>::CopyFrom(const Cmn_RegionCore& other) {
     mRects = other.mRects;
     mKnown = other.mKnown;
-    mFlags |= kFlag_BoundsStale;
+    mBounds = other.mBounds;
+    mFlags = (mFlags & ~std::uint32_t{kFlag_BoundsStale}) | (other.mFlags & kFlag_BoundsStale);
 }
 
 // Takes the rectangles over and runs the joining pass on them.
@@ -62,9 +65,20 @@ void Cmn_RegionCore<int>::FinishFrom(Cmn_UnjoinedRects& unjoined) {
 
 void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     if (IsEmpty() || other.IsEmpty()) {
-        result.CopyList(IsEmpty() ? other : *this);
+        result.CopyFrom(IsEmpty() ? other : *this);
         return;
     }
+    if (IsRectangular() || other.IsRectangular()) {
+        const bool thisIsList = other.IsRectangular();
+        result.CopyFrom(thisIsList ? *this : other);
+        if (result.UniteQuickly(thisIsList ? other.mRects[0] : mRects[0]))
+            return;
+    }
+    UniteLists(result, other);
+}
+
+// Of two lists that are not empty.
+void Cmn_RegionCore<int>::UniteLists(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     const bool thisIsLarger = mRects.size() > other.mRects.size();
     Cmn_UnjoinedRects unjoined;
     Cmn_UniteRects(Cmn_RectOperand(thisIsLarger ? *this : other),
@@ -72,57 +86,51 @@ void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& ot
     result.FinishFrom(unjoined);
 }
 
-void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const {
-    if (IsKnown(kKnown_Joined) && !(result.mFlags & kFlag_NoJoining)) {
-        result.CopyList(*this);
-        result.mBounds = mBounds;
-        result.mFlags = mFlags;
-        if (result.UniteQuickly(rect))
-            return;
-        result.Clear();
-    }
-    Union(result, Cmn_RegionCore(rect));
-}
-
-void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
-    Union(*this, other); // an operation reads its operands before it writes
-}
-
-void Cmn_RegionCore<int>::UniteWith(const Cmn_Rect<int>& rect) {
-    if (!UniteQuickly(rect))
-        Union(*this, Cmn_RegionCore(rect));
-}
-
-// The union with one rectangle where it takes no more than a look at the list.
-bool Cmn_RegionCore<int>::UniteQuickly(const Cmn_Rect<int>& rect) {
-    if (!IsKnown(kKnown_Joined) || (mFlags & kFlag_NoJoining))
+// The union with one rectangle where no more is needed than a joined list in place; else nothing
+// changes.
+inline bool Cmn_RegionCore<int>::UniteQuickly(const Cmn_Rect<int>& rect) {
+    if (!IsKnown(kKnown_Joined) || (mFlags & kFlag_NoJoining) || rect.Empty() ||
+        !Cmn_UniteWithRect(mRects, rect))
         return false;
-    Cmn_Interval::CheckRect(rect);
-    if (rect.Empty())
-        return true;
-    const Cmn_QuickUnion quick = Cmn_FindQuickUnion(Cmn_RectOperand(*this), rect);
-    if (quick.mKind == Cmn_QuickUnion::kUnknown)
-        return false;
-    if (quick.mKind == Cmn_QuickUnion::kInsert)
-        mRects.Insert(quick.mIndex, quick.mRect);
-    else if (quick.mKind == Cmn_QuickUnion::kReplace)
-        mRects.ReplaceInOrder(quick.mIndex, quick.mRect);
-    if (mRects.size() == 1)
-        mBounds = mRects[0];
-    else
-        mBounds |= rect; // stale bounds stay stale
+    Cmn_RectScan::Bounds bounds(mRects.size() == 1 ? mRects[0] : mBounds);
+    bounds.Add(rect);
+    mBounds = bounds.Get(); // stale ones stay stale
     return true;
 }
 
+void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const {
+    result.CopyFrom(*this);
+    result.UniteWith(rect);
+}
+
+void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
+    if (IsEmpty())
+        CopyFrom(other);
+    else if (!other.IsEmpty() && (!other.IsRectangular() || !UniteQuickly(other.mRects[0])))
+        UniteLists(*this, other); // an operation reads its operands before it writes
+}
+
+void Cmn_RegionCore<int>::UniteWith(const Cmn_Rect<int>& rect) {
+    Cmn_Interval::CheckRect(rect);
+    if (rect.Empty() || UniteQuickly(rect))
+        return;
+    Cmn_RegionCore single;
+    single.mRects.Append(rect);
+    single.mBounds = rect;
+    UniteWith(single);
+}
+
 void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
+    if (!BoundsOverlap(other))
+        return;
     Cmn_UnjoinedRects unjoined;
     Cmn_IntersectRects(Cmn_RectOperand(*this), Cmn_RectOperand(other), unjoined);
     result.FinishFrom(unjoined);
 }
 
 void Cmn_RegionCore<int>::Difference(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
-    if (other.IsEmpty() || IsEmpty()) {
-        result.CopyList(*this);
+    if (other.IsEmpty() || IsEmpty() || (IsKnown(kKnown_Joined) && !BoundsOverlap(other))) {
+        result.CopyFrom(*this);
         return;
     }
     Cmn_UnjoinedRects unjoined;
@@ -220,24 +228,12 @@ void Cmn_RegionCore<int>::AssignRects(const Cmn_Rect<int>* rects, std::size_t co
 
 // Queries
 
-void Cmn_RegionCore<int>::GetBounds(Cmn_Rect<int>& bounds) const noexcept {
-    if (!(mFlags & kFlag_BoundsStale)) {
-        bounds = mBounds;
+// Those of an empty list stay stale, as the cache stays as it is.
+void Cmn_RegionCore<int>::FillBounds() const noexcept {
+    if (mRects.empty())
         return;
-    }
-    if (mRects.empty()) {
-        bounds = Rect();
-        return;
-    }
     mBounds = Cmn_RectScan::BoundsOf(mRects.data(), mRects.size());
     mFlags &= ~std::uint32_t{kFlag_BoundsStale};
-    bounds = mBounds;
-}
-
-void Cmn_RegionCore<int>::FillCaches() noexcept {
-    Rect bounds;
-    GetBounds(bounds);
-    mRects.FillBoxes();
 }
 
 bool Cmn_RegionCore<int>::ContainsPoint(const Cmn_Point<int>& point) const noexcept {

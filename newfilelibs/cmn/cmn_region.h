@@ -75,7 +75,11 @@ class QLX_API Cmn_RegionCore<int> {
     // Queries
 
     /// All zeros when empty.
-    void GetBounds(Cmn_Rect<int>& bounds) const noexcept;
+    void GetBounds(Cmn_Rect<int>& bounds) const noexcept {
+        if ((mFlags & kFlag_BoundsStale) != 0)
+            FillBounds();
+        bounds = (mFlags & kFlag_BoundsStale) != 0 ? Cmn_Rect<int>() : mBounds;
+    }
     [[nodiscard]] bool IsEmpty() const noexcept { return mRects.empty(); }
     /// No rectangle or one.
     [[nodiscard]] bool IsRectangular() const noexcept { return mRects.size() <= 1; }
@@ -86,10 +90,22 @@ class QLX_API Cmn_RegionCore<int> {
     [[nodiscard]] bool ContainsPoint(const Cmn_Point<int>& point) const noexcept;
     /// Whether the rectangle touches the region: some pixel is in both. False for an empty one.
     [[nodiscard]] bool ContainsRect(const Cmn_Rect<int>& rect) const noexcept;
+    /// Whether the bounds overlap; without that the regions have no pixel in common.
+    [[nodiscard]] bool BoundsOverlap(const Cmn_RegionCore& other) const noexcept {
+        Cmn_Rect<int> bounds;
+        Cmn_Rect<int> otherBounds;
+        GetBounds(bounds);
+        other.GetBounds(otherBounds);
+        return bounds.Overlaps(otherBounds);
+    }
 
     /// Computes what queries would compute or do without, so that from now on reading changes
     /// nothing and any thread may do it.
-    void FillCaches() noexcept;
+    void FillCaches() noexcept {
+        if ((mFlags & kFlag_BoundsStale) != 0)
+            FillBounds();
+        mRects.FillBoxes();
+    }
 
     [[nodiscard]] const Cmn_RectList& GetRectList() const noexcept { return mRects; }
     [[nodiscard]] std::uint32_t GetFlags() const noexcept { return mFlags; }
@@ -117,8 +133,10 @@ class QLX_API Cmn_RegionCore<int> {
     };
 
     [[nodiscard]] bool IsKnown(EKnown what) const noexcept { return (mKnown & what) != 0; }
-    void CopyList(const Cmn_RegionCore& other);
-    [[nodiscard]] bool UniteQuickly(const Cmn_Rect<int>& rect);
+    void FillBounds() const noexcept;
+    void CopyFrom(const Cmn_RegionCore& other);
+    [[nodiscard]] inline bool UniteQuickly(const Cmn_Rect<int>& rect);
+    void UniteLists(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
     void FinishFrom(Cmn_UnjoinedRects& unjoined);
     friend struct Cmn_RectOperand;
 
@@ -160,7 +178,7 @@ class Cmn_Region {
     Cmn_Region(Cmn_Region&&) noexcept = default;
     Cmn_Region& operator=(const Cmn_Region&) noexcept = default;
     Cmn_Region& operator=(Cmn_Region&&) noexcept = default;
-    virtual ~Cmn_Region();
+    virtual ~Cmn_Region() = default;
 
     // Operations: each returns a new region
 
@@ -227,6 +245,7 @@ class Cmn_Region {
     [[nodiscard]] static Cmn_RefCountPtr<Impl> NewImpl();
     [[nodiscard]] bool OwnImpl() const;
     [[nodiscard]] bool IsOnlyOwner() const noexcept;
+    [[nodiscard]] static Cmn_Region ShareEmpty(Cmn_Region result) noexcept;
     template <class Operand>
     Cmn_Region& UniteInPlace(const Operand& other);
     template <class Operation>

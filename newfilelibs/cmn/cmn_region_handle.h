@@ -10,9 +10,6 @@ Cmn_Region<T, Impl>::Cmn_Region(const Cmn_Rect<T>& rect)
     : Cmn_Region(Make([&](Cmn_RegionCore<T>& core) { core = Cmn_RegionCore<T>(rect); })) {}
 
 template <class T, class Impl>
-Cmn_Region<T, Impl>::~Cmn_Region() = default;
-
-template <class T, class Impl>
 bool Cmn_Region<T, Impl>::CheckImpl(int line) const noexcept {
     if (HasImpl())
         return true;
@@ -22,7 +19,7 @@ bool Cmn_Region<T, Impl>::CheckImpl(int line) const noexcept {
 
 template <class T, class Impl>
 Cmn_RefCountPtr<Impl> Cmn_Region<T, Impl>::NewImpl() {
-    Cmn_RefCountPtr<Impl> impl(new (std::nothrow) Impl);
+    auto impl = Cmn_RefCountPtr<Impl>::MakeFirst(new (std::nothrow) Impl);
     if (!impl)
         Cmn_TraceAssert("newCore", kCmn_RegionSource, kNewCoreLine);
     return impl;
@@ -39,6 +36,12 @@ Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Make(Operation operation) {
     return Cmn_Region(std::move(impl));
 }
 
+// What has turned out empty gives its implementation back.
+template <class T, class Impl>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::ShareEmpty(Cmn_Region result) noexcept {
+    return result.GetCore().IsEmpty() ? Cmn_Region() : result;
+}
+
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Region& other) const {
     return Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other.GetCore()); });
@@ -51,12 +54,16 @@ Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Rect<T>& rect) const {
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Intersection(const Cmn_Region& other) const {
-    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Intersection(core, other.GetCore()); });
+    if (!GetCore().BoundsOverlap(other.GetCore()))
+        return Cmn_Region();
+    return ShareEmpty(
+        Make([&](Cmn_RegionCore<T>& core) { GetCore().Intersection(core, other.GetCore()); }));
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Difference(const Cmn_Region& other) const {
-    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Difference(core, other.GetCore()); });
+    return ShareEmpty(
+        Make([&](Cmn_RegionCore<T>& core) { GetCore().Difference(core, other.GetCore()); }));
 }
 
 template <class T, class Impl>
@@ -96,18 +103,18 @@ Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Copy() const {
 
 template <class T, class Impl>
 bool Cmn_Region<T, Impl>::IsOnlyOwner() const noexcept {
-    return mImpl && mImpl->GetReferenceCount() == 1 && mImpl->MayChange();
+    return mImpl && mImpl->HasOneReference() && mImpl->MayChange();
 }
 
 template <class T, class Impl>
 template <class Operand>
 Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteInPlace(const Operand& other) {
-    if (!IsOnlyOwner()) {
+    if (IsOnlyOwner()) {
+        mImpl->EditCore().UniteWith(other);
+        mImpl->EditCore().FillCaches();
+    } else {
         mImpl = Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other); }).mImpl;
-        return *this;
     }
-    mImpl->EditCore().UniteWith(other);
-    mImpl->EditCore().FillCaches();
     return *this;
 }
 

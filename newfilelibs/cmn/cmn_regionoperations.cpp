@@ -1,7 +1,6 @@
 #include "newfilelibs/cmn/cmn_regionoperations.h"
 
 #include "newfilelibs/cmn/cmn_rectindex.h"
-#include "newfilelibs/cmn/cmn_rectsort.h"
 
 namespace {
 
@@ -188,101 +187,7 @@ void CutBoth(Queue& queue, CutList& smaller, Cmn_UnjoinedRects& out) {
     }
 }
 
-// Whether the pixels of two rectangles that touch make up a rectangle.
-bool MakeRectangle(const Rect& a, const Rect& b) noexcept {
-    return a.Contains(b) || b.Contains(a) ||
-           (a.top == b.top && a.bottom == b.bottom && a.left <= b.right && b.left <= a.right) ||
-           (a.left == b.left && a.right == b.right && a.top <= b.bottom && b.top <= a.bottom);
-}
-
-// The rectangle with a margin of one pixel: what overlaps it touches the rectangle, corners
-// included.
-Rect WithMargin(const Rect& rect) noexcept {
-    return {Cmn_SaturatingAdd(rect.left, -1), Cmn_SaturatingAdd(rect.top, -1),
-            Cmn_SaturatingAdd(rect.right, 1), Cmn_SaturatingAdd(rect.bottom, 1)};
-}
-
-// The edges that two rectangles and all pieces of them can have.
-class PieceEdges {
-  public:
-    PieceEdges(const Rect& a, const Rect& b) noexcept : mA(a), mB(b), mBoth(a | b) {}
-
-    /// Whether a rectangle that overlaps neither could be joined with some piece.
-    [[nodiscard]] bool MayJoin(const Rect& other) const noexcept {
-        const bool isBeside = other.right <= mBoth.left || other.left >= mBoth.right;
-        return isBeside ? IsRow(other.top) && IsRow(other.bottom)
-                        : IsColumn(other.left) && IsColumn(other.right);
-    }
-
-  private:
-    [[nodiscard]] bool IsRow(int y) const noexcept {
-        return y == mA.top || y == mA.bottom || y == mB.top || y == mB.bottom;
-    }
-    [[nodiscard]] bool IsColumn(int x) const noexcept {
-        return x == mA.left || x == mA.right || x == mB.left || x == mB.right;
-    }
-    Rect mA;
-    Rect mB;
-    Rect mBoth;
-};
-
-constexpr std::size_t kSeveral = std::numeric_limits<std::size_t>::max();
-
-// The only rectangle that overlaps this one or would be joined with it, the count for none, or
-// kSeveral.
-std::size_t FindPartner(const Cmn_RectOperand& list, const Rect& rect) noexcept {
-    const Cmn_RectScan::OverlapProbe probe(WithMargin(rect));
-    std::size_t partner = list.mCount;
-    std::size_t i = 0;
-    while ((i = Cmn_RectScan::FindFirst(probe, list.mRects, i, list.mCount)) < list.mCount) {
-        if (Overlap(list.mRects[i], rect) || MakeRectangle(list.mRects[i], rect)) {
-            if (partner != list.mCount)
-                return kSeveral;
-            partner = i;
-        }
-        ++i;
-    }
-    return partner;
-}
-
-bool IsAnyJoined(const Cmn_RectOperand& list, std::size_t partner, const Rect& rect) noexcept {
-    const PieceEdges edges(list.mRects[partner], rect);
-    const Cmn_RectScan::OverlapProbe probe(WithMargin(list.mRects[partner] | rect));
-    std::size_t i = 0;
-    while ((i = Cmn_RectScan::FindFirst(probe, list.mRects, i, list.mCount)) < list.mCount) {
-        if (i != partner && edges.MayJoin(list.mRects[i]))
-            return true;
-        ++i;
-    }
-    return false;
-}
-
-std::size_t FindPlace(const Cmn_RectOperand& list, const Rect& rect) noexcept {
-    const std::uint64_t key = Cmn_RectKey(rect, Cmn_RectOrder::kRows);
-    std::size_t place = 0;
-    for (std::size_t step = std::bit_floor(list.mCount); step > 0; step /= 2) {
-        if (place + step <= list.mCount &&
-            Cmn_RectKey(list.mRects[place + step - 1], Cmn_RectOrder::kRows) < key)
-            place += step;
-    }
-    return place;
-}
-
 } // namespace
-
-Cmn_QuickUnion Cmn_FindQuickUnion(const Cmn_RectOperand& joined, const Rect& rect) noexcept {
-    const std::size_t partner = FindPartner(joined, rect);
-    if (partner == joined.mCount)
-        return {Cmn_QuickUnion::kInsert, FindPlace(joined, rect), rect};
-    if (partner == kSeveral || !MakeRectangle(rect, joined.mRects[partner]) ||
-        IsAnyJoined(joined, partner, rect))
-        return {Cmn_QuickUnion::kUnknown};
-    const Rect& other = joined.mRects[partner];
-    const Rect both = rect | other;
-    if (both == other)
-        return {Cmn_QuickUnion::kNothing};
-    return {Cmn_QuickUnion::kReplace, partner, both};
-}
 
 void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smaller,
                     Cmn_UnjoinedRects& out) {

@@ -21,26 +21,6 @@ struct Cmn_RectOperand {
     bool mJoined;
 };
 
-/// What uniting a joined list with one rectangle comes to where that can be told at a glance.
-struct Cmn_QuickUnion {
-    enum Kind {
-        kUnknown, ///< the algorithm has to run
-        kNothing, ///< the list stays as it is
-        kInsert,  ///< mRect comes in at mIndex
-        kReplace  ///< mRect comes in for the one at mIndex, whose place may change
-    };
-    Kind mKind;
-    std::size_t mIndex = 0;
-    Cmn_Rect<int> mRect = {};
-};
-
-/// Tells the cases that make up most of what a window invalidates: a rectangle that joins nothing,
-/// and one that overlaps or joins a single rectangle of the list and makes a rectangle with it. In
-/// the latter case the two are cut against each other, and the pieces end as one, unless another
-/// rectangle beside them could be joined with a piece.
-[[nodiscard]] Cmn_QuickUnion Cmn_FindQuickUnion(const Cmn_RectOperand& joined,
-                                                const Cmn_Rect<int>& rect) noexcept;
-
 // Each appends to an empty `out`. The order of what it appends decides how the joining pass cuts,
 // so it is part of the result. Memory that runs out raises -108.
 

@@ -1,9 +1,9 @@
 #include "qlx/foundation/qlx_region.h"
 
+#include <atomic>
 #include <cstring>
 #include <ostream>
 
-#include "basekit/cmn/cmn_failure.h"
 #include "basekit/cmn/cmn_memory.h"
 
 namespace {
@@ -26,6 +26,30 @@ Cmn_Rect<int>* GetReadBuffer(std::size_t size) {
     return sReadBuffer;
 }
 
+// The block of the implementation that ended last, for the next one: where regions are accumulated
+// by value, each step makes one and ends one. Threads take it and put it back whole.
+constinit std::atomic<void*> sSpare{nullptr};
+
+// The address sanitizer is to see every end.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kKeepsSpare = false;
+#else
+constexpr bool kKeepsSpare = true;
+#endif
+
+void* TakeSpare() noexcept {
+    return sSpare.load(std::memory_order_relaxed)
+               ? sSpare.exchange(nullptr, std::memory_order_acquire)
+               : nullptr;
+}
+
+bool KeepSpare(void* memory) noexcept {
+    void* none = nullptr;
+    return kKeepsSpare && !sSpare.load(std::memory_order_relaxed) &&
+           sSpare.compare_exchange_strong(none, memory, std::memory_order_release,
+                                          std::memory_order_relaxed);
+}
+
 QLX_NativeRegionHeader MakeHeader(std::size_t count, const Cmn_Rect<int>& bounds) {
     QLX_NativeRegionHeader header;
     header.mCount = static_cast<std::uint32_t>(count);
@@ -42,11 +66,15 @@ QLX_RegionImpl_HRGN::~QLX_RegionImpl_HRGN() {
 }
 
 void* QLX_RegionImpl_HRGN::operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    try {
-        return Cmn_AllocateOrFail(size);
-    } catch (const Cmn_Failure&) {
+    if (!Cmn_MayAllocate())
         return nullptr;
-    }
+    void* spare = size == sizeof(QLX_RegionImpl_HRGN) ? TakeSpare() : nullptr;
+    return spare ? spare : ::operator new(size, std::nothrow);
+}
+
+void QLX_RegionImpl_HRGN::operator delete(void* memory, std::size_t size) noexcept {
+    if (size != sizeof(QLX_RegionImpl_HRGN) || !KeepSpare(memory))
+        ::operator delete(memory);
 }
 
 QLX_RegionImpl_HRGN* QLX_RegionImpl_HRGN::GetSharedEmpty() noexcept {
@@ -54,7 +82,7 @@ QLX_RegionImpl_HRGN* QLX_RegionImpl_HRGN::GetSharedEmpty() noexcept {
     alignas(QLX_RegionImpl_HRGN) static std::byte sStorage[sizeof(QLX_RegionImpl_HRGN)];
     static QLX_RegionImpl_HRGN* const sEmpty = [] {
         auto* empty = new (static_cast<void*>(sStorage)) QLX_RegionImpl_HRGN;
-        empty->AddReference();
+        empty->MakePermanent();
         return empty;
     }();
     return sEmpty;

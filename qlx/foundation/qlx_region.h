@@ -29,7 +29,7 @@ class QLX_API QLX_RegionImpl_HRGN : public Cmn_RegionImpl<int> {
     /// Null when there is no memory.
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
     static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+    static void operator delete(void* memory, std::size_t size) noexcept;
     static void operator delete(void* memory, const std::nothrow_t&) noexcept {
         ::operator delete(memory);
     }

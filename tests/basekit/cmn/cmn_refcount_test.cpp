@@ -68,6 +68,33 @@ TEST(RefCountPtr, ACopiedObjectHasACountOfItsOwn) {
     EXPECT_EQ(copy->GetReferenceCount(), 1);
 }
 
+TEST(RefCountPtr, APermanentObjectOutlivesItsPointers) {
+    int alive = 0;
+    Counted object(&alive);
+    object.MakePermanent();
+    {
+        const Cmn_RefCountPtr<Counted> first(&object);
+        const Cmn_RefCountPtr<Counted> second = first;
+        EXPECT_FALSE(object.HasOneReference());
+    }
+    EXPECT_EQ(alive, 1);
+    EXPECT_TRUE(object.IsPermanent());
+}
+
+TEST(RefCountPtr, TheFirstPointerOwnsTheObjectAlone) {
+    int alive = 0;
+    Cmn_RefCountPtr<Counted> first = Cmn_RefCountPtr<Counted>::MakeFirst(new Counted(&alive));
+    EXPECT_TRUE(first->HasOneReference());
+    {
+        const Cmn_RefCountPtr<Counted> second = first;
+        EXPECT_FALSE(first->HasOneReference());
+    }
+    EXPECT_TRUE(first->HasOneReference());
+    first.Reset();
+    EXPECT_EQ(alive, 0);
+    EXPECT_FALSE(Cmn_RefCountPtr<Counted>::MakeFirst(nullptr));
+}
+
 TEST(AliasedRefCountPtr, APartKeepsTheWholeAlive) {
     int alive = 0;
     Cmn_AliasedRefCountPtr<Counted> whole(new Counted(&alive));

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <random>
 #include <sstream>
@@ -264,6 +265,71 @@ TEST(CmnRegionLists, TwoRectanglesOfASmallGrid) {
             Core core(first);
             core.UniteWith(second);
             ASSERT_EQ(ToRects(core), literal::Union({first}, {second})) << first << second;
+        }
+    }
+}
+
+// Lists about as long as what lies in the list itself, what has boxes and what is joined on the
+// stack; one more rectangle overlaps more and more of them.
+TEST(CmnRegionLists, OneRectangleOverManyAtTheLimitsOfLength) {
+    for (const int count : {15, 16, 17, 23, 24, 25, 30, 31, 32, 33, 34, 50}) {
+        Rects rects;
+        for (int i = 0; i < count; ++i)
+            rects.emplace_back(i % 7 * 10, i / 7 * 10, i % 7 * 10 + 6, i / 7 * 10 + 6 + i % 3);
+        Core joined;
+        for (const Rect& rect : rects)
+            joined.UniteWith(rect);
+        ASSERT_EQ(ToRects(joined), rects);
+        for (int right = 1; right <= 70; right += 4) {
+            for (int bottom = 1; bottom <= 80; bottom += 7) {
+                const Rect rect(-2, 3, right, 3 + bottom);
+                Core one = joined;
+                one.UniteWith(rect);
+                ASSERT_EQ(ToRects(one), literal::Union(ToRects(joined), {rect}))
+                    << count << " with " << rect;
+                Core bounds;
+                bounds.AssignRects(one.GetRectList().data(), one.GetRectList().size());
+                Rect expected;
+                Rect kept;
+                bounds.GetBounds(expected);
+                one.GetBounds(kept);
+                ASSERT_EQ(kept, expected) << count << " with " << rect;
+            }
+        }
+    }
+}
+
+// Queries do not rely on lists that come from outside being sorted or disjoint.
+TEST(CmnRegionLists, QueriesOfListsInAnyOrder) {
+    std::mt19937_64 random(7);
+    const auto below = [&](int limit) {
+        return std::uniform_int_distribution<int>(0, limit - 1)(random);
+    };
+    for (const int count : {1, 7, 23, 24, 32, 33, 64, 65, 300}) {
+        Rects rects;
+        for (int i = 0; i < count; ++i) {
+            const int x = below(200);
+            const int y = below(200);
+            const int height =
+                i % 40 == 3 ? 150 : below(9); // a tall one now and then, and flat ones
+            rects.emplace_back(x, y, x + below(9), y + height);
+        }
+        Core core;
+        core.AssignRects(rects.data(), rects.size());
+        for (const bool boxed : {false, true}) {
+            if (boxed)
+                core.FillCaches();
+            for (int i = 0; i < 400; ++i) {
+                const Cmn_Point<int> point(below(220) - 5, below(220) - 5);
+                const Rect probe(point.x, point.y, point.x + below(30), point.y + below(90));
+                const auto holds = [&](const Rect& rect) { return rect.Contains(point); };
+                const auto touches = [&](const Rect& rect) { return rect.Overlaps(probe); };
+                ASSERT_EQ(core.ContainsPoint(point), std::any_of(rects.begin(), rects.end(), holds))
+                    << count << " rectangles at " << point;
+                ASSERT_EQ(core.ContainsRect(probe),
+                          std::any_of(rects.begin(), rects.end(), touches))
+                    << count << " rectangles at " << probe;
+            }
         }
     }
 }

@@ -363,6 +363,44 @@ TEST(QLXRegion, CopyingEmptyingAndAskingAllocateNothing) {
         EXPECT_TRUE(answer);
 }
 
+TEST(QLXRegion, AShortListGrowsAndAnEmptyResultComesWithoutAllocating) {
+    struct Row {
+        const char* why;
+        Rect rect;
+    };
+    const Row rows[] = {
+        {"comes in beside the others", {100, 0, 110, 10}},
+        {"is there already", {0, 0, 10, 10}},
+        {"lies inside one", {2, 2, 4, 4}},
+        {"grows one", {10, 0, 20, 10}},
+        {"is cut", {5, 5, 30, 30}},
+        {"covers several", {0, 0, 60, 60}},
+        {"is empty", {5, 5, 5, 9}},
+    };
+    for (const Row& row : rows) {
+        QLX_Region region = RegionOf({{0, 0, 10, 10}, {40, 0, 50, 10}, {0, 40, 10, 50}});
+        const QLX_Region expected = region.Union(QLX_Region(row.rect));
+        Cmn_FailAllocationsAfter(0);
+        region.UniteWith(row.rect);
+        Cmn_FailAllocationsAfter(-1);
+        EXPECT_EQ(region, expected) << row.why;
+    }
+    const QLX_Region square(Rect(0, 0, 10, 10));
+    const QLX_Region beside(Rect(10, 0, 20, 10));
+    Cmn_FailAllocationsAfter(0);
+    const bool isEmpty = square.Intersection(beside).IsEmpty();
+    Cmn_FailAllocationsAfter(-1);
+    EXPECT_TRUE(isEmpty);
+}
+
+TEST(QLXRegion, WhatTurnsOutEmptyTakesAHandleOfItsOwn) {
+    const QLX_Region square(Rect(0, 0, 10, 10));
+    const QLX_Region none = square.Difference(square);
+    void* handle = none.ImplQuery(QLX_RegionImpl_HRGN::kSelector_GetHandle);
+    ASSERT_NE(handle, nullptr);
+    EXPECT_NE(QLX_Region().ImplQuery(QLX_RegionImpl_HRGN::kSelector_GetHandle), handle);
+}
+
 TEST(QLXRegion, IsReadFromSeveralThreads) {
     Rects rects;
     for (int i = 0; i < 100; ++i)
