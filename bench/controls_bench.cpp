@@ -35,6 +35,13 @@ constexpr int kHeight = 300;
 
 std::string ItemText(int item) { return "Command number " + std::to_string(item); }
 
+std::string Lines(std::size_t count) {
+    std::string text;
+    for (std::size_t line = 0; line < count; ++line)
+        text += "A line of a comment that somebody wrote.\n";
+    return text;
+}
+
 /// A window in memory, drawn at once after each change.
 struct Window {
     Window() {
@@ -103,15 +110,17 @@ void List_ScrollAPage(benchmark::State& state) {
 }
 BENCHMARK(List_ScrollAPage)->Name("List_ScrollAPage/1000000");
 
+/// A letter typed in the middle of a text of so many lines, and shown.
 void Text_TypeALetter(benchmark::State& state) {
+    const auto lines = static_cast<std::size_t>(state.range(0));
     Window window;
     auto* field = new TEditText;
     field->SetMultiline(true, /*redraw*/ false);
     field->IView(window.mWindow, VRect(0, 0, kWidth, kHeight));
-    for (int line = 0; line < 20; ++line)
-        field->SetText(field->GetText() + "A line of a comment that somebody wrote.\n",
-                       /*redraw*/ false);
+    field->SetText(Lines(lines), /*redraw*/ false);
     field->BecomeTarget();
+    const std::size_t middle = field->GetText().size() / 2;
+    field->Select(middle, middle);
     window.Show();
     for (auto _ : state) {
         field->DoTextInput("x");
@@ -121,7 +130,7 @@ void Text_TypeALetter(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-BENCHMARK(Text_TypeALetter)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Text_TypeALetter)->Arg(20)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
 #ifdef BENCH_QT
 
@@ -205,11 +214,10 @@ void Text_TypeALetterQt(benchmark::State& state) {
     Application();
     QPlainTextEdit field;
     field.resize(kWidth, kHeight);
-    QString text;
-    for (int line = 0; line < 20; ++line)
-        text += "A line of a comment that somebody wrote.\n";
-    field.setPlainText(text);
-    field.moveCursor(QTextCursor::End);
+    field.setPlainText(QString::fromStdString(Lines(static_cast<std::size_t>(state.range(0)))));
+    QTextCursor cursor = field.textCursor();
+    cursor.setPosition(static_cast<int>(field.document()->characterCount() / 2));
+    field.setTextCursor(cursor);
     field.show();
     QApplication::processEvents();
     for (auto _ : state) {
@@ -221,7 +229,11 @@ void Text_TypeALetterQt(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-BENCHMARK(Text_TypeALetterQt)->Name("Text_TypeALetter/qt")->Unit(benchmark::kMicrosecond);
+BENCHMARK(Text_TypeALetterQt)
+    ->Name("Text_TypeALetter/qt")
+    ->Arg(20)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond);
 
 #endif
 

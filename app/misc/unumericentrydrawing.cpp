@@ -288,7 +288,7 @@ void TNumericEntryText::ImageText(const PainterPtr& painter, const VRect& area) 
         drawAt(static_cast<float>(area.Left() + cInset),
                mArithmetic == kArithmetic_Adding ? "+" : "-", GetTextColor(kThemeColor_FocusRing));
 
-    const bool hilited = mSelectionStart != mSelectionEnd && mEditable && IsTarget();
+    const bool hilited = mSelectionStart != mSelectionEnd && mEditable && ShowsFocus();
     drawAt(left, mText, textColor);
     if (!hilited)
         return;

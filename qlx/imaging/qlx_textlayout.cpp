@@ -62,7 +62,8 @@ void QLX_TextLayout::AddLine(std::size_t begin, std::size_t end, bool paragraphE
 }
 
 // Greedy: adds character by character and falls back to the last place where the line may end.
-// Trailing spaces hang over the edge and never cause a break.
+// Trailing spaces hang over the edge and never cause a break. A line's width is summed up from its
+// own beginning: where the lines before it broke does not show in where it breaks.
 void QLX_TextLayout::BreakParagraph(std::size_t begin, std::size_t end, float width,
                                     QLX_Painter::EWrapKind wrap) {
     QLX_TextMeasure& measure = QLX_TextMeasure::Get();
@@ -71,7 +72,7 @@ void QLX_TextLayout::BreakParagraph(std::size_t begin, std::size_t end, float wi
         return;
     }
     std::size_t lineBegin = begin, breakPlace = begin;
-    float lineWidth = 0, widthAtBreak = 0;
+    float lineWidth = 0, widthSinceBreak = 0;
     char32_t previous = 0;
     for (std::size_t place = begin; place < end;) {
         const std::size_t characterBegin = place;
@@ -81,19 +82,21 @@ void QLX_TextLayout::BreakParagraph(std::size_t begin, std::size_t end, float wi
         if (characterBegin > lineBegin &&
             (wrap == QLX_Painter::kWrap_Character || MayBreakBetween(previous, code))) {
             breakPlace = characterBegin;
-            widthAtBreak = lineWidth;
+            widthSinceBreak = 0;
         }
         const bool hangs = code == ' ' || code == '\t';
-        if (!hangs && lineWidth + advance > width + kSlack && characterBegin > lineBegin) {
+        // What a break moves to the next line may be too wide for that one too.
+        while (!hangs && lineWidth + advance > width + kSlack && characterBegin > lineBegin) {
             if (breakPlace == lineBegin) { // one long word: cut it here
                 breakPlace = characterBegin;
-                widthAtBreak = lineWidth;
+                widthSinceBreak = 0;
             }
             AddLine(lineBegin, breakPlace, false);
             lineBegin = breakPlace;
-            lineWidth -= widthAtBreak;
+            lineWidth = widthSinceBreak;
         }
         lineWidth += advance;
+        widthSinceBreak += advance;
         previous = code;
     }
     AddLine(lineBegin, end, true);

@@ -163,7 +163,9 @@ void TApplication::HandleKeyUpEvent(TToolboxEvent* event) {
 }
 
 CKeyBindings* TApplication::SetKeyBindings(CKeyBindings* bindings) {
-    return std::exchange(mKeyBindings, bindings);
+    CKeyBindings* const before = std::exchange(mKeyBindings, bindings);
+    CKeyBindings::TellOfChange();
+    return before;
 }
 
 namespace {

@@ -195,15 +195,17 @@ void TButton::Draw(const VRect&) {
     const Cmn_Rect<int> box = GetExtent();
     const bool down = mToggles && GetValue() != 0;
     // What Return pushes stands out in the theme's accent.
-    const bool accented = mRole == kRole_Default && IsEnabled() && !IsHilited();
+    const bool accented = mRole == kRole_Default && IsEnabled();
+    CRGBColor accent = GetControlColor(kThemeColor_MenuHighlight);
+    if (IsHilited())
+        accent = accent.GetScaled(/*darken*/ true, 75);
     const bool lit = down && IsEnabled() && !IsHilited();
-    painter->SetForegroundColor(accented ? GetControlColor(kThemeColor_MenuHighlight)
+    painter->SetForegroundColor(accented ? accent
                                 : lit    ? GetControlColor(kThemeColor_Highlight)
                                 : down   ? GetControlColor(kThemeColor_ControlPressed)
                                          : GetFaceColor());
     painter->FillRoundRect(box, 4, 4, /*antialias*/ true, /*topOnly*/ false);
-    painter->SetForegroundColor(
-        GetControlColor(accented ? kThemeColor_MenuHighlight : kThemeColor_ControlFrame));
+    painter->SetForegroundColor(accented ? accent : GetControlColor(kThemeColor_ControlFrame));
     painter->DrawRoundRect(box, 4, 4, /*antialias*/ true, /*topOnly*/ false);
 
     Cmn_Rect<int> titleBox{box.left + 4, box.top, box.right - 4, box.bottom};

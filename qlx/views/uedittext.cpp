@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/imaging/qlx_statesavers.h"
 #include "qlx/imaging/qlx_textcaret.h"
+#include "qlx/imaging/qlx_utf8.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/views/qlx_clipboard.h"
 #include "qlx/views/qlx_windowevents.h"
@@ -17,7 +19,10 @@ QLX_DEFINE_CLASS(TEditText, TControl)
 
 namespace {
 
-constexpr int kMargin = 4;               // around the text, logical pixels
+constexpr int kMargin = 6;               // around the text, logical pixels
+constexpr int kCornerRadius = 3;         // of the frame
+constexpr int kEdge = 3;                 // the frame and the focus ring are no wider
+constexpr int kInkBeyond = 3;            // letters may reach this far out of their place
 constexpr std::int32_t kBlinkTicks = 32; // half a blink of the caret
 constexpr std::int32_t kRefusal_Invalid = 1;
 constexpr std::size_t kMostPasted = 16u << 20; // bytes; more than any name or comment
@@ -59,17 +64,15 @@ class TTextTracker : public TTracker {
         if (!field || phase != kTrack_Continue)
             return;
         const std::size_t offset = field->OffsetAt(next);
-        QLX_TextEditing unit = field->GetEditing();
-        if (mClicks == 2)
-            unit.SelectWordAt(offset);
-        else if (mClicks >= 3)
-            unit.SelectLineAt(offset);
+        const QLX_TextEditing& text = field->GetEditing();
+        const auto [start, end] = mClicks == 2 ? text.GetWordAt(offset)
+                                  : mClicks >= 3
+                                      ? std::pair(text.LineStart(offset), text.LineEnd(offset))
+                                      : std::pair(offset, offset);
+        if (start < mFrom)
+            field->Select(mTo, start);
         else
-            unit.Select(offset, offset);
-        if (unit.GetSelectionStart() < mFrom)
-            field->Select(mTo, unit.GetSelectionStart());
-        else
-            field->Select(mFrom, std::max(mTo, unit.GetSelectionEnd()));
+            field->Select(mFrom, std::max(mTo, end));
     }
 
   private:
@@ -89,8 +92,8 @@ TObject* TEditText::Clone() {
     CopyMember(copy->mEditing, mEditing);
     CopyMember(copy->mPlaceholder, mPlaceholder);
     CopyMember(copy->mComposition, mComposition);
+    CopyMember(copy->mShown, mShown);
     CopyMember(copy->mValidator, mValidator);
-    CopyMember(copy->mLayout, mLayout);
     CopyMember(copy->mLines, mLines);
     copy->mTyping = nullptr;
     return copy;
@@ -101,6 +104,8 @@ TObject* TEditText::Clone() {
 void TEditText::SetText(const std::string& text, bool redraw) {
     CommitLastCommand();
     mTyping = nullptr;
+    mComposition.clear();
+    mShown.clear();
     mEditing.SetText(text);
     mLayoutValid = false;
     mScroll = VPoint();
@@ -136,42 +141,131 @@ void TEditText::BeginTyping(const QLX_TextEditing& before) {
     mTyping = command;
 }
 
+// The text from before is copied by the first change of a run of typing only.
 void TEditText::Change(const std::function<bool(QLX_TextEditing&)>& change) {
     const StDispatch dispatch; // whoever hears of it may free the field
-    const QLX_TextEditing before = mEditing;
+    SetComposition({}, 0);
+    std::optional<QLX_TextEditing> copied;
+    if (!mTyping)
+        copied = mEditing;
+    const Look before = GetLook();
     const bool changed = change(mEditing);
-    if (changed)
-        BeginTyping(before);
-    Edited(changed);
+    mWantedPlace = -1;
+    if (!changed)
+        return SelectionMoved(before);
+    const QLX_TextEditing::Replaced& replaced = mEditing.GetLastReplaced();
+    const QLX_TextLines::Change lines =
+        mLines.Replace(GetText(), replaced.mFrom, replaced.mRemoved, replaced.mInserted);
+    if (copied)
+        BeginTyping(*copied);
+    const bool showedError = std::exchange(mShowsError, mShowsError && !IsValid());
+    SelectionMoved(before);
+    if (showedError != mShowsError || (before.mEmpty != GetText().empty() && !mPlaceholder.empty()))
+        ForceRedraw();
+    else
+        InvalidateChange(lines, replaced.mFrom);
+    Announce();
 }
 
-void TEditText::Edited(bool changed) {
-    mLayoutValid = mLayoutValid && !changed;
+// The text is another one altogether.
+void TEditText::Edited() {
+    const StDispatch dispatch;
+    mComposition.clear();
+    mShown.clear();
+    mLayoutValid = false;
     mWantedPlace = -1;
     mShowsError = mShowsError && !IsValid();
-    if (mTyping)
-        mTyping->Grow();
-    SelectionMoved();
+    SelectionMoved(GetLook());
     ForceRedraw();
-    if (!changed)
-        return;
+    Announce();
+}
+
+void TEditText::Announce() {
     mChangedSinceTarget = true;
     AccessibilityNotification(kAccessibility_TextChanged, nullptr);
     NotifyChange(kControlEvent_ValueChanging);
 }
 
+// What is to be drawn
+
+TEditText::Look TEditText::GetLook() {
+    return {mEditing.GetAnchor(), mEditing.GetCaret(), CaretRect(mEditing.GetCaret()), mScroll,
+            GetText().empty()};
+}
+
+void TEditText::InvalidateFrom(const Look& before) {
+    if (mScroll != before.mScroll)
+        return ForceRedraw();
+    InvalidateVRect(before.mCaretRect);
+    InvalidateVRect(CaretRect(mEditing.GetCaret()));
+    if (before.mAnchor == before.mCaret && !mEditing.HasSelection())
+        return;
+    if (before.mAnchor == mEditing.GetAnchor())
+        return InvalidateOffsets(before.mCaret, mEditing.GetCaret());
+    InvalidateOffsets(before.mAnchor, before.mCaret);
+    InvalidateOffsets(mEditing.GetAnchor(), mEditing.GetCaret());
+}
+
+void TEditText::InvalidateOffsets(std::size_t a, std::size_t b) {
+    if (a == b)
+        return;
+    const std::size_t from = std::min(a, b);
+    InvalidateLines(LineOf(from), LineOf(std::min(std::max(a, b), GetText().size())) + 1, from);
+}
+
+// Where lines were added or taken away, all that stand below have moved.
+void TEditText::InvalidateChange(const QLX_TextLines::Change& lines, std::size_t from) {
+    const auto rows = static_cast<std::size_t>(GetExtent().GetHeight() / GetLineHeight());
+    InvalidateLines(lines.mFirst,
+                    lines.mMoved == 0 ? lines.mBehind
+                                      : std::max(mLines.Count(), lines.mFirst + rows) + 1,
+                    from);
+}
+
+// Lines from one up to another one; of the first, what stands behind an offset. Where a line does
+// not simply run from the left, a letter may move all others.
+void TEditText::InvalidateLines(std::size_t first, std::size_t behind, std::size_t from) {
+    LayOutIfNeeded();
+    const VRect area = GetTextArea();
+    VRect rows(area.Left(), LineTop(first) - kInkBeyond, area.Right(),
+               LineTop(behind) + kInkBeyond);
+    rows &= area; // texts are not drawn outside of it
+    first = std::min(first, mLines.Count() - 1);
+    const std::string_view text = TextOf(first);
+    const bool plain = mJustification == QLX_Painter::kJustify_Left &&
+                       std::all_of(text.begin(), text.end(), [](char c) {
+                           return static_cast<unsigned char>(c) < 0xCC; // nothing joins or turns
+                       });
+    if (plain && mComposition.empty() && from > mLines.Begin(first)) {
+        const std::size_t end = mLines.End(first, GetText());
+        const VCoordinate left =
+            CaretRect(mEditing.PreviousCharacter(std::min(from, end))).Left() - kInkBeyond;
+        if (behind <= first + 1) {
+            rows.Left() = std::max(rows.Left(), left);
+        } else {
+            InvalidateVRect(VRect(std::max(rows.Left(), left), rows.Top(), rows.Right(),
+                                  LineTop(first + 1) + kInkBeyond) &
+                            rows);
+            rows.Top() = std::max(rows.Top(), LineTop(first + 1) - kInkBeyond);
+        }
+    }
+    InvalidateVRect(rows);
+}
+
 // Selection
 
-void TEditText::SelectionMoved() {
+void TEditText::SelectionMoved(const Look& before) {
     mCaretOn = true;
     RevealCaret();
+    InvalidateFrom(before);
     AccessibilityNotification(kAccessibility_SelectionChanged, nullptr);
 }
 
 void TEditText::Select(std::size_t anchor, std::size_t caret) {
+    SetComposition({}, 0);
+    const Look before = GetLook();
     mEditing.Select(anchor, caret);
-    SelectionMoved();
-    ForceRedraw();
+    SelectionMoved(before);
 }
 
 void TEditText::SelectAll() { Select(0, GetText().size()); }
@@ -180,7 +274,9 @@ void TEditText::SelectAll() { Select(0, GetText().size()); }
 
 VRect TEditText::GetTextArea() const {
     VRect area = GetExtent();
-    area.Inset(VPoint(kMargin, mEditing.IsMultiline() ? kMargin : 0));
+    const VCoordinate spare = (area.GetHeight() - GetLineHeight()) / 2;
+    area.Inset(VPoint(kMargin,
+                      mEditing.IsMultiline() ? kMargin : std::clamp<VCoordinate>(spare, 0, kEdge)));
     return area;
 }
 
@@ -188,92 +284,75 @@ void TEditText::LayOutIfNeeded() {
     if (mLayoutValid)
         return;
     mLayoutValid = true;
-    mLines.clear();
-    const std::string& text = GetText();
-    if (mEditing.IsMultiline()) {
-        mLayout.LayOut(text, GetControlFont(), static_cast<float>(GetTextArea().GetWidth()),
-                       QLX_Painter::kWrap_Word);
-        // Spaces at a break belong to the line before it, so every offset lies in one line.
-        for (const QLX_TextLayout::Line& line : mLayout.GetLines()) {
-            if (!mLines.empty() && (mLines.back().mEnd > text.size() || mLines.back().mEnd == 0 ||
-                                    text[mLines.back().mEnd] != '\n'))
-                mLines.back().mEnd = std::max(mLines.back().mEnd, line.begin);
-            mLines.push_back({line.begin, line.end});
-        }
-        if (!text.empty() && text.back() == '\n' &&
-            (mLines.empty() || mLines.back().mBegin != text.size()))
-            mLines.push_back({text.size(), text.size()});
-    } else {
-        mLines.push_back({0, text.size()});
-    }
-    if (mLines.empty())
-        mLines.push_back({0, 0});
+    if (mEditing.IsMultiline())
+        mLines.LayOut(Shown(), GetControlFont(), static_cast<float>(GetTextArea().GetWidth()));
+    else
+        mLines.LayOutAsOneLine();
 }
 
 std::size_t TEditText::LineOf(std::size_t offset) {
     LayOutIfNeeded();
-    const auto behind = std::partition_point(
-        mLines.begin(), mLines.end(), [offset](const Line& line) { return line.mBegin <= offset; });
-    return behind == mLines.begin() ? 0 : static_cast<std::size_t>(behind - mLines.begin()) - 1;
+    return mLines.LineOf(offset);
 }
 
-double TEditText::WidthOf(std::size_t from, std::size_t to) const {
-    return static_cast<double>(QLX_TextMeasure::Get().MeasureWidth(
-        GetControlFont(), std::string_view(GetText()).substr(from, to - from)));
-}
+int TEditText::GetLineHeight() const { return GetControlFont().GetMetrics().GetLineHeight(); }
 
-std::string_view TEditText::TextOf(const Line& line) const {
-    return std::string_view(GetText()).substr(line.mBegin, line.mEnd - line.mBegin);
-}
-
-double TEditText::LineLeft(const Line& line) {
+VCoordinate TEditText::LineTop(std::size_t line) const {
     const VRect area = GetTextArea();
-    const double spare = static_cast<double>(area.GetWidth()) - WidthOf(line.mBegin, line.mEnd);
+    const int height = GetLineHeight();
+    if (mEditing.IsMultiline())
+        return area.Top() - mScroll.v + static_cast<VCoordinate>(line) * height;
+    return area.Top() + (area.GetHeight() - height) / 2 + static_cast<VCoordinate>(line) * height;
+}
+
+double TEditText::LineLeft(std::size_t line) {
+    const VRect area = GetTextArea();
+    const std::string_view text = TextOf(line);
     const double left = static_cast<double>(area.Left() - mScroll.h);
     // Left stands for where reading begins.
-    const bool atRight = mJustification == QLX_Painter::kJustify_Right ||
-                         (mJustification == QLX_Painter::kJustify_Left &&
-                          QLX_TextCarets::Get().RunsToTheLeft(TextOf(line)));
-    if (spare <= 0 || (mJustification == QLX_Painter::kJustify_Left && !atRight))
+    const bool atRight =
+        mJustification == QLX_Painter::kJustify_Right ||
+        (mJustification == QLX_Painter::kJustify_Left && QLX_TextCarets::Get().RunsToTheLeft(text));
+    if (mJustification == QLX_Painter::kJustify_Left && !atRight)
+        return left;
+    const auto width =
+        static_cast<double>(QLX_TextMeasure::Get().MeasureWidth(GetControlFont(), text));
+    const double spare = static_cast<double>(area.GetWidth()) - width;
+    if (spare <= 0)
         return left;
     return left + (atRight ? spare : spare / 2);
 }
 
-VRect TEditText::CaretRect(std::size_t offset) {
-    const std::size_t index = LineOf(offset);
-    const Line& line = mLines[index];
-    const VRect area = GetTextArea();
-    const int height = GetControlFont().GetMetrics().GetLineHeight();
-    const VCoordinate top = mEditing.IsMultiline()
-                                ? area.Top() - mScroll.v + static_cast<VCoordinate>(index) * height
-                                : area.Top() + (area.GetHeight() - height) / 2;
+VRect TEditText::CaretRect(std::size_t textOffset) {
+    const std::size_t offset = ToShown(textOffset);
+    const std::size_t line = LineOf(offset);
+    const VCoordinate top = LineTop(line);
     const std::string_view text = TextOf(line);
-    const std::size_t inLine = std::min(offset - line.mBegin, text.size());
+    const std::size_t inLine = std::min(offset - mLines.Begin(line), text.size());
     const double place =
         LineLeft(line) +
         static_cast<double>(QLX_TextCarets::Get().PlaceOf(GetControlFont(), text, inLine));
     const auto left = static_cast<VCoordinate>(std::lround(place));
-    return VRect(left, top, left + 1, top + height);
+    return VRect(left, top, left + 1, top + GetLineHeight());
 }
 
 std::size_t TEditText::OffsetAt(const VPoint& local) {
     LayOutIfNeeded();
-    const int height = GetControlFont().GetMetrics().GetLineHeight();
-    std::size_t index = 0;
+    std::size_t line = 0;
     if (mEditing.IsMultiline()) {
         const VCoordinate down = local.v - GetTextArea().Top() + mScroll.v;
-        index = static_cast<std::size_t>(
-            std::clamp<VCoordinate>(down / height, 0, static_cast<VCoordinate>(mLines.size()) - 1));
+        line = static_cast<std::size_t>(std::clamp<VCoordinate>(
+            down / GetLineHeight(), 0, static_cast<VCoordinate>(mLines.Count()) - 1));
     }
-    const Line& line = mLines[index];
+    const std::size_t begin = mLines.Begin(line);
     const double wanted = static_cast<double>(local.h) - LineLeft(line);
-    const std::size_t at =
-        line.mBegin +
-        QLX_TextCarets::Get().OffsetAt(GetControlFont(), TextOf(line), static_cast<float>(wanted));
-    if (at == line.mBegin)
-        return at;
+    const std::size_t at = begin + QLX_TextCarets::Get().OffsetAt(GetControlFont(), TextOf(line),
+                                                                  static_cast<float>(wanted));
+    if (at == begin || !mComposition.empty())
+        return FromShown(at);
     // A mark that combines with a letter is no place of its own.
-    return std::min(mEditing.NextCharacter(mEditing.PreviousCharacter(at)), line.mEnd);
+    return std::min(mEditing.NextCharacter(mEditing.PreviousCharacter(at)),
+                    mLines.End(line, GetText()));
 }
 
 void TEditText::RevealCaret() {
@@ -305,18 +384,20 @@ bool TEditText::DoMouseCommand(const VPoint& local, TToolboxEvent* event) {
         return true;
     if (!IsTarget() && !BecomeTarget())
         return true;
+    SetComposition({}, 0);
     const std::size_t offset = OffsetAt(local);
     const int clicks = QLX_GetClickCount(event);
+    const Look before = GetLook();
     if (event && event->IsShiftKeyPressed())
-        Select(mEditing.GetAnchor(), offset);
+        mEditing.Select(mEditing.GetAnchor(), offset);
     else if (clicks == 2)
         mEditing.SelectWordAt(offset);
     else if (clicks >= 3)
         mEditing.SelectLineAt(offset);
     else
-        Select(offset, offset);
-    SelectionMoved();
-    ForceRedraw();
+        mEditing.Select(offset, offset);
+    mWantedPlace = -1;
+    SelectionMoved(before);
     const bool extends = event && event->IsShiftKeyPressed();
     const std::size_t from = extends ? mEditing.GetAnchor() : mEditing.GetSelectionStart();
     const std::size_t to = extends ? mEditing.GetAnchor() : mEditing.GetSelectionEnd();
@@ -327,9 +408,9 @@ bool TEditText::DoMouseWheel(const VPoint&, TToolboxEvent* event) {
     if (!mEditing.IsMultiline())
         return false;
     LayOutIfNeeded();
-    const int height = GetControlFont().GetMetrics().GetLineHeight();
+    const int height = GetLineHeight();
     const VCoordinate most = std::max<VCoordinate>(
-        0, static_cast<VCoordinate>(mLines.size()) * height - GetTextArea().GetHeight());
+        0, static_cast<VCoordinate>(mLines.Count()) * height - GetTextArea().GetHeight());
     const VCoordinate before = mScroll.v;
     mScroll.v = std::clamp<VCoordinate>(
         mScroll.v - QLX_GetWheelDelta(event).y * 3 * height / kWheel_Notch, 0, most);
@@ -348,7 +429,7 @@ void TEditText::MoveByLines(int lines, bool extend) {
     const auto target = static_cast<std::int64_t>(LineOf(mEditing.GetCaret())) + lines;
     const double wanted = mWantedPlace;
     std::size_t offset = lines < 0 ? 0 : GetText().size();
-    if (target >= 0 && target < static_cast<std::int64_t>(mLines.size()))
+    if (target >= 0 && target < static_cast<std::int64_t>(mLines.Count()))
         offset = OffsetAt(VPoint(static_cast<VCoordinate>(wanted) - mScroll.h,
                                  caret.Top() + lines * caret.GetHeight()));
     Select(extend ? mEditing.GetAnchor() : offset, offset);
@@ -361,8 +442,10 @@ bool TEditText::EditKey(TToolboxEvent* event) {
     const bool byWord = event->IsCommandKeyPressed() || event->IsOptionKeyPressed();
     const ETextMotion step = byWord ? ETextMotion::kWord : ETextMotion::kCharacter;
     const auto move = [&](ETextMotion motion, bool forward) {
+        const Look before = GetLook();
         mEditing.Move(motion, forward, extend);
-        Edited(/*changed*/ false);
+        mWantedPlace = -1;
+        SelectionMoved(before);
         return true;
     };
     switch (event->mKeyCode) {
@@ -370,7 +453,7 @@ bool TEditText::EditKey(TToolboxEvent* event) {
     case kDAW_Key_Right: {
         // The arrows go the way they point, also where reading goes to the left.
         const bool toTheLeft =
-            QLX_TextCarets::Get().RunsToTheLeft(TextOf(mLines[LineOf(mEditing.GetCaret())]));
+            QLX_TextCarets::Get().RunsToTheLeft(TextOf(LineOf(mEditing.GetCaret())));
         return move(step, (event->mKeyCode == kDAW_Key_Right) != toTheLeft);
     }
     case kDAW_Key_Home:
@@ -387,8 +470,8 @@ bool TEditText::EditKey(TToolboxEvent* event) {
     case kDAW_Key_PageDown: {
         if (!mEditing.IsMultiline())
             return false;
-        const int height = GetControlFont().GetMetrics().GetLineHeight();
-        const int page = std::max(1, static_cast<int>(GetTextArea().GetHeight()) / height - 1);
+        const int page =
+            std::max(1, static_cast<int>(GetTextArea().GetHeight()) / GetLineHeight() - 1);
         MoveByLines(event->mKeyCode == kDAW_Key_PageUp ? -page : page, extend);
         return true;
     }
@@ -436,7 +519,8 @@ void TEditText::DoCommandKeyEvent(TToolboxEvent* event) {
     const StDispatch dispatch;
     if (!IsEnabled())
         return TControl::DoCommandKeyEvent(event);
-    if (EditKey(event))
+    if (!mComposition.empty() ||
+        EditKey(event)) // the keys are the input method's while it composes
         return;
     switch (LetterOf(event)) {
     case 'a':
@@ -466,7 +550,6 @@ void TEditText::DoCommandKeyEvent(TToolboxEvent* event) {
 bool TEditText::DoTextInput(const std::string& text) {
     if (!IsEnabled())
         return false;
-    mComposition.clear();
     if (mReadOnly)
         return true;
     Change([&](QLX_TextEditing& editing) { return editing.Insert(text); });
@@ -478,16 +561,57 @@ bool TEditText::DoTextInput(const std::string& text) {
 bool TEditText::DoTextComposition(const std::string& text, int caret, int) {
     if (!IsEnabled() || mReadOnly)
         return true;
-    mComposition = text;
-    mCompositionCaret = 0;
-    for (int i = 0; i < caret && mCompositionCaret < text.size(); ++i) {
-        do
-            ++mCompositionCaret;
-        while (mCompositionCaret < text.size() &&
-               (static_cast<unsigned char>(text[mCompositionCaret]) & 0xC0) == 0x80);
-    }
-    ForceRedraw();
+    const StDispatch dispatch;
+    // What is composed stands in for the selection.
+    if (!text.empty() && mEditing.HasSelection())
+        Change([](QLX_TextEditing& editing) {
+            return editing.Delete(ETextMotion::kCharacter, false);
+        });
+    std::size_t bytes = 0;
+    for (int i = 0; i < caret && bytes < text.size(); ++i)
+        static_cast<void>(QLX_NextCodePoint(text, bytes));
+    SetComposition(text, bytes);
     return true;
+}
+
+void TEditText::SetComposition(const std::string& text, std::size_t caret) {
+    if (text.empty() && mComposition.empty())
+        return;
+    const Look before = GetLook();
+    if (mComposition.empty()) {
+        mCompositionAt = mEditing.GetCaret();
+        mShown = GetText();
+    }
+    const std::size_t replaced = mComposition.size();
+    // One line, and well-formed, whatever the input method sends.
+    QLX_TextEditing clean;
+    clean.SetText(text);
+    mComposition = clean.GetText();
+    mCompositionCaret = mComposition == text ? caret : mComposition.size();
+    mShown.replace(mCompositionAt, replaced, mComposition);
+    const QLX_TextLines::Change lines =
+        mLines.Replace(mShown, mCompositionAt, replaced, mComposition.size());
+    if (mComposition.empty())
+        mShown.clear();
+    mCaretOn = true;
+    RevealCaret();
+    InvalidateFrom(before);
+    if (GetText().empty() && !mPlaceholder.empty())
+        ForceRedraw();
+    else
+        InvalidateChange(lines, mLines.Begin(std::min(lines.mFirst, mLines.Count() - 1)));
+}
+
+std::size_t TEditText::ToShown(std::size_t offset) const {
+    if (mComposition.empty() || offset < mCompositionAt)
+        return offset;
+    return offset + (offset == mCompositionAt ? mCompositionCaret : mComposition.size());
+}
+
+std::size_t TEditText::FromShown(std::size_t offset) const {
+    if (offset <= mCompositionAt || mComposition.empty())
+        return offset;
+    return std::max(mCompositionAt, offset - std::min(offset, mComposition.size()));
 }
 
 bool TEditText::GetTextInputArea(VRect& caret) const {
@@ -531,7 +655,7 @@ void TEditText::BecameTarget() {
 void TEditText::ResignedTarget() {
     const StDispatch dispatch;
     SetIdleFreq(kNoIdle);
-    mComposition.clear();
+    SetComposition({}, 0);
     TControl::ResignedTarget();
     if (!mChangedSinceTarget)
         return;
@@ -557,30 +681,30 @@ bool TEditText::DoIdle(IdlePhase phase) {
 
 // Drawing
 
-void TEditText::DrawLine(std::size_t index, const VRect& area) {
+void TEditText::DrawLine(std::size_t line, const VRect& area) {
     const PainterPtr& painter = GetPainter();
-    const Line line = mLines[index];
-    VRect box = CaretRect(line.mBegin);
-    box.Left() = GetTextArea().Left(); // the caret's place is not the line's start in every script
-    box.Right() = GetTextArea().Right();
-    if ((box & area).Empty())
+    const VCoordinate top = LineTop(line);
+    const VCoordinate bottom = top + GetLineHeight();
+    if (bottom + kInkBeyond <= area.Top() || top - kInkBeyond >= area.Bottom())
         return;
-    const std::size_t from = std::clamp(mEditing.GetSelectionStart(), line.mBegin, line.mEnd);
-    const std::size_t to = std::clamp(mEditing.GetSelectionEnd(), line.mBegin, line.mEnd);
-    const float left = static_cast<float>(LineLeft(line));
-    const float baseline =
-        static_cast<float>(box.Top() + GetControlFont().GetMetrics().GetBaseline());
-    const std::string text = GetText().substr(line.mBegin, line.mEnd - line.mBegin);
+    const std::size_t begin = mLines.Begin(line);
+    const std::string text(TextOf(line));
+    const std::size_t end = begin + text.size();
+    const std::size_t from = std::clamp(mEditing.GetSelectionStart(), begin, end);
+    const std::size_t to = std::clamp(mEditing.GetSelectionEnd(), begin, end);
+    const auto left = static_cast<float>(LineLeft(line));
+    const auto baseline = static_cast<float>(top + GetControlFont().GetMetrics().GetBaseline());
     painter->SetForegroundColor(GetTextColor(kThemeColor_FieldText));
     painter->MoveTo(left, baseline, QLX_Painter::kResolution_Logical);
     painter->DrawString(text);
+    if (!mComposition.empty())
+        return UnderlineComposition(line, left);
     if (from >= to || !ShowsFocus())
         return;
-    for (const QLX_TextCarets::Span& span : QLX_TextCarets::Get().SpansOf(
-             GetControlFont(), TextOf(line), from - line.mBegin, to - line.mBegin)) {
-        const VRect selected(static_cast<VCoordinate>(std::lround(left + span.left)), box.Top(),
-                             static_cast<VCoordinate>(std::lround(left + span.right)),
-                             box.Bottom());
+    for (const QLX_TextCarets::Span& span :
+         QLX_TextCarets::Get().SpansOf(GetControlFont(), text, from - begin, to - begin)) {
+        const VRect selected(static_cast<VCoordinate>(std::lround(left + span.left)), top,
+                             static_cast<VCoordinate>(std::lround(left + span.right)), bottom);
         DrawSelected(selected, text, left, baseline);
     }
 }
@@ -598,36 +722,43 @@ void TEditText::DrawSelected(const VRect& selected, const std::string& text, flo
     painter->DrawString(text);
 }
 
-void TEditText::DrawComposition() {
-    const PainterPtr& painter = GetPainter();
-    const VRect caret = CaretRect(mEditing.GetCaret());
-    const QLX_Font font = GetControlFont();
-    const int width = painter->MeasureStringWidth(mComposition);
-    VRect box = caret;
-    box.Right() = box.Left() + width;
-    painter->SetForegroundColor(GetControlColor(kThemeColor_FieldBackground));
-    painter->FillRect(box);
-    painter->SetForegroundColor(GetTextColor(kThemeColor_FieldText));
-    painter->MoveTo(static_cast<float>(caret.Left()),
-                    static_cast<float>(caret.Top() + font.GetMetrics().GetBaseline()),
-                    QLX_Painter::kResolution_Logical);
-    painter->DrawString(mComposition);
-    painter->FillRect(VRect(box.Left(), box.Bottom() - 1, box.Right(), box.Bottom()));
-    const float before = QLX_TextMeasure::Get().MeasureWidth(
-        font, std::string_view(mComposition).substr(0, mCompositionCaret));
-    const auto at = caret.Left() + static_cast<VCoordinate>(std::lround(before));
-    painter->FillRect(VRect(at, caret.Top(), at + 1, caret.Bottom()));
+void TEditText::UnderlineComposition(std::size_t line, float left) {
+    const std::string_view text = TextOf(line);
+    const std::size_t begin = mLines.Begin(line);
+    const std::size_t end = begin + text.size();
+    const std::size_t from = std::clamp(mCompositionAt, begin, end);
+    const std::size_t to = std::clamp(mCompositionAt + mComposition.size(), begin, end);
+    if (from >= to)
+        return;
+    const VCoordinate bottom = LineTop(line) + GetLineHeight();
+    for (const QLX_TextCarets::Span& span :
+         QLX_TextCarets::Get().SpansOf(GetControlFont(), text, from - begin, to - begin))
+        GetPainter()->FillRect(
+            VRect(static_cast<VCoordinate>(std::lround(left + span.left)), bottom - 1,
+                  static_cast<VCoordinate>(std::lround(left + span.right)), bottom));
 }
 
-void TEditText::Draw(const VRect& area) {
+// What is typed changes the inside of the field: its frame and focus ring are left alone then.
+void TEditText::DrawFrame(const VRect& area) {
     const PainterPtr& painter = GetPainter();
     const VRect extent = GetExtent();
     painter->SetForegroundColor(
         GetControlColor(IsEnabled() ? kThemeColor_FieldBackground : kThemeColor_WindowBackground));
-    painter->FillRect(extent);
+    VRect inside = extent;
+    inside.Inset(VPoint(kEdge, kEdge));
+    if (inside.Contains(area))
+        return painter->FillRect(area);
+    painter->FillRoundRect(extent, kCornerRadius, kCornerRadius, /*antialias*/ true,
+                           /*topOnly*/ false);
     painter->SetForegroundColor(
         GetControlColor(mShowsError ? kThemeColor_Error : kThemeColor_FieldFrame));
-    painter->DrawRect(extent);
+    painter->DrawRoundRect(extent, kCornerRadius, kCornerRadius, /*antialias*/ true,
+                           /*topOnly*/ false);
+}
+
+void TEditText::Draw(const VRect& area) {
+    const PainterPtr& painter = GetPainter();
+    DrawFrame(area);
     {
         QLX_StClipRgnState clip(painter);
         clip.SectWithCurrent(GetTextArea());
@@ -636,16 +767,21 @@ void TEditText::Draw(const VRect& area) {
             painter->SetForegroundColor(GetControlColor(kThemeColor_DisabledText));
             painter->DrawSingleLineTextBox(GetTextArea(), mPlaceholder, /*ellipsis*/ true, nullptr);
         }
-        for (std::size_t index = 0; index < mLines.size(); ++index)
-            DrawLine(index, area);
-        if (!mComposition.empty()) {
-            DrawComposition();
-        } else if (ShowsFocus() && mCaretOn && !mEditing.HasSelection()) {
+        const int height = GetLineHeight();
+        const VCoordinate above = area.Top() - kInkBeyond - LineTop(0);
+        const auto first = static_cast<std::size_t>(std::max<VCoordinate>(0, above / height));
+        for (std::size_t line = first;
+             line < mLines.Count() && LineTop(line) < area.Bottom() + kInkBeyond; ++line)
+            DrawLine(line, area);
+        if (ShowsFocus() && mCaretOn && !mEditing.HasSelection()) {
             painter->SetForegroundColor(GetTextColor(kThemeColor_FieldText));
             painter->FillRect(CaretRect(mEditing.GetCaret()));
         }
     }
-    DrawFocusRing(/*inset*/ 0, /*radius*/ 0);
+    VRect inside = GetExtent();
+    inside.Inset(VPoint(kEdge, kEdge));
+    if (!inside.Contains(area))
+        DrawFocusRing(/*inset*/ 0, kCornerRadius);
 }
 
 // Object

@@ -1,9 +1,9 @@
 // TEditText: a text that the user edits, in one line or many.
 #pragma once
 
-#include "qlx/imaging/qlx_textlayout.h"
 #include "qlx/views/ucontrol.h"
 #include "qlx/views/utextediting.h"
+#include "qlx/views/utextlines.h"
 
 class TTypingCommand;
 
@@ -36,6 +36,9 @@ class QLX_API TEditText : public TControl {
     void SetPlaceholder(const std::string& text, bool redraw);
     void SetMaximumLength(std::size_t codePoints) { mEditing.SetMaximumLength(codePoints); }
     void SetMultiline(bool multiline, bool redraw);
+    /// Bytes of text that were laid out so far: a letter that is typed costs its lines, not the
+    /// text.
+    [[nodiscard]] std::uint64_t GetLaidOutBytes() const { return mLines.GetLaidOutBytes(); }
     void SetReadOnly(bool readOnly) { mReadOnly = readOnly; }
     [[nodiscard]] bool IsReadOnly() const { return mReadOnly; }
     void SetValidator(Validator validator);
@@ -83,35 +86,57 @@ class QLX_API TEditText : public TControl {
   private:
     friend class TTypingCommand;
     friend class TTextTracker;
-    struct Line {
-        std::size_t mBegin;
-        std::size_t mEnd;
+    /// What is shown of caret and selection, to know what a change of them touches.
+    struct Look {
+        std::size_t mAnchor;
+        std::size_t mCaret;
+        VRect mCaretRect;
+        VPoint mScroll;
+        bool mEmpty;
     };
 
-    void Edited(bool changed);
-    void SelectionMoved();
+    void Edited();
+    void Announce();
+    void SelectionMoved(const Look& before);
+    [[nodiscard]] Look GetLook();
+    void InvalidateFrom(const Look& before);
+    void InvalidateChange(const QLX_TextLines::Change& lines, std::size_t from);
+    void InvalidateLines(std::size_t first, std::size_t behind, std::size_t from);
+    void InvalidateOffsets(std::size_t a, std::size_t b);
     void BeginTyping(const QLX_TextEditing& before);
     void Change(const std::function<bool(QLX_TextEditing&)>& change);
     void MoveByLines(int lines, bool extend);
     void LayOutIfNeeded();
     [[nodiscard]] std::size_t LineOf(std::size_t offset);
+    [[nodiscard]] int GetLineHeight() const;
     [[nodiscard]] VRect GetTextArea() const;
-    [[nodiscard]] std::string_view TextOf(const Line& line) const;
-    [[nodiscard]] double LineLeft(const Line& line);
-    [[nodiscard]] double WidthOf(std::size_t from, std::size_t to) const;
+    [[nodiscard]] VCoordinate LineTop(std::size_t line) const;
+    [[nodiscard]] std::string_view TextOf(std::size_t line) const {
+        return mLines.TextOf(line, Shown());
+    }
+    /// The text as it is laid out: with the composition in its place.
+    [[nodiscard]] const std::string& Shown() const {
+        return mComposition.empty() ? GetText() : mShown;
+    }
+    [[nodiscard]] std::size_t ToShown(std::size_t offset) const;
+    [[nodiscard]] std::size_t FromShown(std::size_t offset) const;
+    void SetComposition(const std::string& text, std::size_t caret);
+    [[nodiscard]] double LineLeft(std::size_t line);
     void RevealCaret();
-    void DrawLine(std::size_t index, const VRect& area);
+    void DrawFrame(const VRect& area);
+    void DrawLine(std::size_t line, const VRect& area);
     void DrawSelected(const VRect& selected, const std::string& text, float left, float baseline);
-    void DrawComposition();
+    void UnderlineComposition(std::size_t line, float left);
     [[nodiscard]] bool EditKey(TToolboxEvent* event);
 
     QLX_TextEditing mEditing;
     std::string mPlaceholder;
     std::string mComposition;
+    std::size_t mCompositionAt = 0;    // offset in the text
     std::size_t mCompositionCaret = 0; // bytes into the composition
+    std::string mShown;                // the text with the composition; empty without one
     Validator mValidator;
-    QLX_TextLayout mLayout;
-    std::vector<Line> mLines;
+    QLX_TextLines mLines;
     bool mLayoutValid = false;
     VPoint mScroll;           // how far the text is moved up and left, logical pixels
     double mWantedPlace = -1; // of the caret while it goes through lines; negative: none

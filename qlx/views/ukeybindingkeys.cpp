@@ -72,6 +72,34 @@ const CKeyBinding* CKeyBindings::Find(DAW_EKeyCode keyCode, const DAW_EventModif
     return best;
 }
 
+const CKeyBinding* CKeyBindings::FindOf(const std::string& commandName,
+                                        TEventHandler* target) const {
+    const CKeyBinding* best = nullptr;
+    for (const CKeyBinding& binding : mBindings) {
+        const bool isEverywhere = binding.mContext == CKeyBinding::kEverywhere;
+        if (binding.mCommandName != commandName || (best && !isEverywhere))
+            continue;
+        // The stroke as it is shown: what may be held or not is not held.
+        const DAW_EventModifiers& pattern = *binding.mPattern;
+        const auto held = [](int state) { return state == 1 ? 1 : 0; };
+        const auto stroke = DAW_EventModifiers::New(
+            static_cast<DAW_EMenuCommandKeyState>(held(pattern.GetMenuCommandKeyState())),
+            static_cast<DAW_EAlternateKeyState>(held(pattern.GetAlternateKeyState())),
+            static_cast<DAW_EMetaKeyState>(held(pattern.GetMetaKeyState())),
+            static_cast<DAW_EShiftKeyState>(held(pattern.GetShiftKeyState())),
+            kDAW_LeftButton_NotPressed, kDAW_MiddleButton_NotPressed, kDAW_RightButton_NotPressed,
+            /*scrollDirectionInverted*/ false,
+            pattern.UsedByCustomKeyCommandsOnly_TargetsKeyboardFocusMode());
+        const CKeyBinding* performed = Find(binding.mKeyCode, *stroke, target);
+        if (!performed || performed->mCommandName != commandName)
+            continue;
+        best = &binding;
+        if (isEverywhere)
+            break;
+    }
+    return best;
+}
+
 bool CKeyBindings::TargetComesFirst(TEventHandler* target, const DAW_EventModifiers& modifiers) {
     const bool isPlain = !modifiers.MenuCommandKeyIsDown() && !modifiers.AlternateKeyIsDown() &&
                          !modifiers.MetaKeyIsDown();

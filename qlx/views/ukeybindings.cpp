@@ -1,6 +1,7 @@
 #include "qlx/views/ukeybindings.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "newfilelibs/daw/daw_keynames.h"
 #include "qlx/views/ukeybindingpattern.h"
@@ -71,6 +72,7 @@ void CKeyBindings::RemoveAll() {
     mBindings.clear();
     mByKeyCode.clear();
     mHasByteOrderMark = false;
+    TellOfChange();
 }
 
 void CKeyBindings::RemoveBinding(std::size_t index) {
@@ -84,12 +86,27 @@ void CKeyBindings::RemoveBinding(std::size_t index) {
 void CKeyBindings::Append(CKeyBinding binding) {
     mByKeyCode[binding.mKeyCode].push_back(mBindings.size());
     mBindings.push_back(std::move(binding));
+    TellOfChange();
 }
 
 void CKeyBindings::Reindex() {
     mByKeyCode.clear();
     for (std::size_t i = 0; i < mBindings.size(); ++i)
         mByKeyCode[mBindings[i].mKeyCode].push_back(i);
+    TellOfChange();
+}
+
+namespace {
+CKeyBindings::ChangeListener sChangeListener = nullptr;
+}
+
+CKeyBindings::ChangeListener CKeyBindings::SetChangeListener(ChangeListener listener) {
+    return std::exchange(sChangeListener, listener);
+}
+
+void CKeyBindings::TellOfChange() {
+    if (sChangeListener)
+        sChangeListener();
 }
 
 // Contexts

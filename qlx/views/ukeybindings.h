@@ -135,6 +135,18 @@ class QLX_API CKeyBindings {
     [[nodiscard]] const CKeyBinding* Find(DAW_EKeyCode keyCode, const DAW_EventModifiers& modifiers,
                                           TEventHandler* target) const;
 
+    /// The binding of a command to show to the user, by its unique persisted name: the first one
+    /// that performs it while the target is the given handler, one that holds everywhere before one
+    /// of a context. Null when no stroke does.
+    [[nodiscard]] const CKeyBinding* FindOf(const std::string& commandName,
+                                            TEventHandler* target) const;
+    /// Called after every change of any bindings: menus that are open show them. Null for nobody.
+    /// Returns the previous one.
+    using ChangeListener = void (*)();
+    static ChangeListener SetChangeListener(ChangeListener listener);
+    /// Tells the listener: bindings were changed, or others put in their place.
+    static void TellOfChange();
+
     /// Whether the key is in any binding, or held for a command. Keys of which this is false need
     /// not be delivered through the bindings. Allocates nothing.
     [[nodiscard]] bool Concerns(DAW_EKeyCode keyCode) const;

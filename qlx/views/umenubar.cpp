@@ -1,5 +1,6 @@
 #include "qlx/views/umenubar.h"
 
+#include "basekit/cmn/cmn_string.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/uevent.h"
@@ -11,32 +12,6 @@ QLX_DEFINE_CLASS(TMenuBar, TControl)
 namespace {
 
 constexpr int kTitlePadding = 10;
-
-std::string PlainTitle(const std::string& title) {
-    std::string plain;
-    for (std::size_t i = 0; i < title.size(); ++i)
-        if (title[i] != '&' || (i + 1 < title.size() && title[i + 1] == '&' && ++i))
-            plain += title[i];
-    return plain;
-}
-
-// The letter behind the first single '&'; 0 when there is none.
-char Mnemonic(const std::string& title) {
-    for (std::size_t i = 0; i + 1 < title.size(); ++i) {
-        if (title[i] != '&')
-            continue;
-        if (title[i + 1] != '&')
-            return title[i + 1];
-        ++i;
-    }
-    return 0;
-}
-
-char Upper(std::uint32_t character) {
-    if (character >= 'a' && character <= 'z')
-        return static_cast<char>(character - 'a' + 'A');
-    return character < 128 ? static_cast<char>(character) : '\0';
-}
 
 } // namespace
 
@@ -61,7 +36,8 @@ VRect TMenuBar::GetTitleRect(int menu) const {
         const TMenu* shown = TMenuManager::GetMenu(static_cast<std::size_t>(i));
         if (!shown)
             return VRect();
-        const float text = QLX_TextMeasure::Get().MeasureWidth(font, PlainTitle(shown->GetTitle()));
+        const float text =
+            QLX_TextMeasure::Get().MeasureWidth(font, QLX_ParseMenuText(shown->GetTitle()).mPlain);
         const VCoordinate width = static_cast<VCoordinate>(text) + 1 + 2 * kTitlePadding;
         if (i == menu)
             return VRect(left, extent.Top(), left + width, extent.Bottom());
@@ -106,6 +82,18 @@ void TMenuBar::OpenNext(int direction) {
         OpenMenu((mOpen + direction + count) % count);
 }
 
+bool TMenuBar::OpenMnemonic(char32_t letter) {
+    for (std::size_t i = 0; i < TMenuManager::CountMenus(); ++i) {
+        const TMenuText title = QLX_ParseMenuText(TMenuManager::GetMenu(i)->GetTitle());
+        std::size_t at = title.mMnemonicAt;
+        if (title.mMnemonicSize == 0 || !QLX_IsSameLetter(Cmn_DecodeUTF8(title.mPlain, at), letter))
+            continue;
+        OpenMenu(static_cast<int>(i));
+        return true;
+    }
+    return false;
+}
+
 bool TMenuBar::HandleMenuKey(TToolboxEvent* event) {
     const StDispatch dispatch;
     if (event->mKeyCode == kDAW_Key_F1 + 9) { // F10
@@ -113,14 +101,8 @@ bool TMenuBar::HandleMenuKey(TToolboxEvent* event) {
         return true;
     }
     if (event->IsOptionKeyPressed() && !event->IsCommandKeyPressed())
-        for (std::size_t i = 0; i < TMenuManager::CountMenus(); ++i) {
-            const char mnemonic = Mnemonic(TMenuManager::GetMenu(i)->GetTitle());
-            if (mnemonic &&
-                Upper(static_cast<unsigned char>(mnemonic)) == Upper(event->mCharacterCode)) {
-                OpenMenu(static_cast<int>(i));
-                return true;
-            }
-        }
+        if (OpenMnemonic(event->mCharacterCode))
+            return true;
     const TMenuKey key{static_cast<DAW_EKeyCode>(event->mKeyCode), event->GetEventModifiers()};
     TMenuItem* item = TMenuManager::FindItem(key);
     if (!item || !gApplication)
@@ -156,9 +138,8 @@ void TMenuBar::Draw(const VRect&) {
         }
         painter->SetForegroundColor(
             GetTextColor(open ? kThemeColor_MenuHighlightText : kThemeColor_MenuText));
-        painter->DrawStringJustified(rect, PlainTitle(TMenuManager::GetMenu(i)->GetTitle()),
-                                     QLX_Painter::kJustify_Center, QLX_Painter::kJustify_Middle,
-                                     QLX_Painter::kResolution_Logical);
+        QLX_DrawMenuText(painter, rect, QLX_ParseMenuText(TMenuManager::GetMenu(i)->GetTitle()),
+                         QLX_Painter::kJustify_Center);
     }
 }
 

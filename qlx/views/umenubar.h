@@ -18,6 +18,8 @@ class QLX_API TMenuBar : public TControl {
     /// The menu that is open; -1 when none is.
     [[nodiscard]] int GetOpenMenu() const { return mOpen; }
     void OpenNext(int direction);
+    /// Opens the menu whose title has this mnemonic; false when none has.
+    bool OpenMnemonic(char32_t letter);
     /// Opens a menu when the key is one of the bar's own; a key equivalent of an enabled item sends
     /// its command. False when the key means nothing here.
     bool HandleMenuKey(TToolboxEvent* event);

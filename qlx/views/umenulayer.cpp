@@ -1,18 +1,24 @@
 #include "qlx/views/umenulayer.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/cmn/cmn_string.h"
 #include "basekit/sys/sys_clock.h"
 #include "newfilelibs/cmn/cmn_polygon.h"
+#include "newfilelibs/daw/daw_eventmodifiers.h"
 #include "newfilelibs/daw/daw_keynames.h"
 #include "qlx/imaging/qlx_font.h"
 #include "qlx/imaging/qlx_statesavers.h"
+#include "qlx/imaging/qlx_textcaret.h"
 #include "qlx/imaging/qlx_themecolor.h"
 #include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/qlx_windowevents.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/uevent.h"
+#include "qlx/views/ukeybindings.h"
 #include "qlx/views/umenubar.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uwindow.h"
@@ -60,28 +66,70 @@ bool BeginsWith(const std::string& text, const std::string& typed) {
                       [](char a, char b) { return Lower(a) == Lower(b); });
 }
 
-const std::string& TitleOf(const TMenuItem* item, std::string& buffer) {
-    buffer = item->GetPlainText();
-    if (buffer.empty() && item->GetSubmenu())
-        buffer = item->GetSubmenu()->GetTitle();
-    return buffer;
+TMenuText TextOf(const TMenuItem* item) {
+    const bool isSubmenus = item->GetText().empty() && item->GetSubmenu();
+    return QLX_ParseMenuText(isSubmenus ? item->GetSubmenu()->GetTitle() : item->GetText());
+}
+
+std::vector<std::string> KeysOf(const std::vector<TMenuItem*>& items) {
+    std::vector<std::string> keys;
+    keys.reserve(items.size());
+    for (const TMenuItem* item : items)
+        keys.push_back(QLX_MenuKeyText(item->GetShownKey()));
+    return keys;
+}
+
+std::map<std::string, std::string>& KeyNames() {
+    static std::map<std::string, std::string> names;
+    return names;
+}
+
+std::string UsersName(const std::string& name) {
+    const auto entry = KeyNames().find(name);
+    return entry == KeyNames().end() ? name : entry->second;
 }
 
 } // namespace
+
+std::map<std::string, std::string> QLX_SetMenuKeyNames(std::map<std::string, std::string> names) {
+    return std::exchange(KeyNames(), std::move(names));
+}
+
+void QLX_DrawMenuText(const TView::PainterPtr& painter, const Cmn_Rect<int>& rect,
+                      const TMenuText& text, QLX_Painter::EJustification justification) {
+    painter->DrawStringJustified(rect, text.mPlain, justification, QLX_Painter::kJustify_Middle,
+                                 QLX_Painter::kResolution_Logical);
+    if (text.mMnemonicSize == 0)
+        return;
+    const QLX_Font font = painter->GetFont();
+    const QLX_FontMetrics metrics = font.GetMetrics();
+    auto left = static_cast<float>(rect.left);
+    const float spare = static_cast<float>(rect.GetWidth()) -
+                        QLX_TextMeasure::Get().MeasureWidth(font, text.mPlain);
+    if (justification != QLX_Painter::kJustify_Left)
+        left += justification == QLX_Painter::kJustify_Center ? spare / 2 : spare;
+    const int top =
+        rect.top + (rect.GetHeight() - metrics.GetLineHeight()) / 2 + metrics.GetBaseline() + 1;
+    for (const QLX_TextCarets::Span& span : QLX_TextCarets::Get().SpansOf(
+             font, text.mPlain, text.mMnemonicAt, text.mMnemonicAt + text.mMnemonicSize)) {
+        const auto from = static_cast<int>(std::lround(left + span.left));
+        const auto to = static_cast<int>(std::lround(left + span.right));
+        painter->FillRect({from, top, std::max(from + 1, to), top + 1});
+    }
+}
 
 std::string QLX_MenuKeyText(const TMenuKey& key) {
     if (key.mKey == kDAW_Key_None)
         return {};
     std::string text;
-    if (key.mModifiers & kQLX_Modifier_Command)
-        text += "Ctrl+";
-    if (key.mModifiers & kQLX_Modifier_Option)
-        text += "Alt+";
-    if (key.mModifiers & kQLX_Modifier_Control)
-        text += "Win+";
-    if (key.mModifiers & kQLX_Modifier_Shift)
-        text += "Shift+";
-    return text + DAW_KeyCodeToName(key.mKey);
+    for (const std::uint32_t modifier :
+         {kQLX_Modifier_Command, kQLX_Modifier_Option, kQLX_Modifier_Control, kQLX_Modifier_Shift})
+        if (key.mModifiers & modifier)
+            text += UsersName(QLX_Keyboard::GetDAWModifiers(static_cast<std::uint16_t>(modifier))
+                                  ->GetKeyModifiersShortNameString(
+                                      /*macStyle*/ false, /*includeFocus*/ false, "")) +
+                    "+";
+    return text + UsersName(DAW_KeyCodeToName(key.mKey));
 }
 
 /// Follows a press through the menus. A press released at once where it was leaves them open.
@@ -140,6 +188,10 @@ TMenuLayer* TMenuLayer::Open(TWindow* window, TMenu* menu, const VRect& anchor, 
     TMenu::SetWatcher([](TMenu* changed, bool gone) {
         if (sOpen)
             sOpen->MenuChanged(changed, gone);
+    });
+    CKeyBindings::SetChangeListener([] {
+        if (sOpen)
+            sOpen->RefreshKeys();
     });
     if (gApplication) {
         gApplication->BeginMenuLoop();
@@ -202,9 +254,10 @@ void TMenuLayer::FollowPress(const VPoint& windowPoint, TToolboxEvent* event) {
 // Panels
 
 void TMenuLayer::PushPanel(TMenu* menu, const VRect& anchor, bool beside, int initialItem) {
-    Panel panel{menu, menu->GetVisibleItems(), VRect(), -1, 0};
+    Panel panel{menu, menu->GetVisibleItems(), {}, VRect(), -1, 0};
     if (panel.mItems.empty())
         return;
+    panel.mKeys = KeysOf(panel.mItems);
     panel.mRect = PlacePanel(panel, anchor, beside, initialItem);
     mPanels.push_back(std::move(panel));
     const int index = CountPanels() - 1;
@@ -241,6 +294,7 @@ void TMenuLayer::RefreshPanel(int index) {
     Panel& panel = mPanels[static_cast<std::size_t>(index)];
     const TMenuItem* hilited = GetHilited(index);
     panel.mItems = panel.mMenu->GetVisibleItems();
+    panel.mKeys = KeysOf(panel.mItems);
     const auto place = std::find(panel.mItems.begin(), panel.mItems.end(), hilited);
     panel.mHilited =
         place == panel.mItems.end() ? -1 : static_cast<int>(place - panel.mItems.begin());
@@ -258,18 +312,21 @@ void TMenuLayer::RefreshPanel(int index) {
     InvalidateVRect(panel.mRect);
 }
 
+void TMenuLayer::RefreshKeys() {
+    for (int index = 0; index < CountPanels(); ++index)
+        RefreshPanel(index);
+}
+
 VPoint TMenuLayer::MeasurePanel(const Panel& panel) const {
     const QLX_Font font = MenuFont();
     QLX_TextMeasure& measure = QLX_TextMeasure::Get();
     float widestText = 60;
     float widestKey = 0;
-    std::string title;
-    for (const TMenuItem* item : panel.mItems) {
-        widestText = std::max(widestText, measure.MeasureWidth(font, TitleOf(item, title)));
-        const std::string key = QLX_MenuKeyText(item->GetKey());
+    for (const TMenuItem* item : panel.mItems)
+        widestText = std::max(widestText, measure.MeasureWidth(font, TextOf(item).mPlain));
+    for (const std::string& key : panel.mKeys)
         if (!key.empty())
             widestKey = std::max(widestKey, measure.MeasureWidth(font, key) + kKeyGap);
-    }
     return VPoint(kMarkWidth + static_cast<int>(widestText + widestKey) + 1 + kArrowWidth,
                   HeightOf(panel.mItems));
 }
@@ -493,8 +550,32 @@ void TMenuLayer::DoKeyEvent(TToolboxEvent* event) {
         break;
     }
     const std::uint32_t character = event->mCharacterCode;
-    if (character >= 0x20 && character < 0x7F)
-        TypeAhead(std::string(1, static_cast<char>(character)));
+    const bool isText = character >= 0x20 && character != 0x7F && character < 0x110000 &&
+                        event->mKeyCode < kDAW_FirstNamedKeyCode;
+    if (!isText)
+        return;
+    if (event->IsOptionKeyPressed()) { // a mnemonic of this menu, else of the bar
+        if (!ChooseMnemonic(character) && mBar)
+            mBar->OpenMnemonic(character);
+        return;
+    }
+    std::string typed;
+    Cmn_AppendUTF8(typed, character);
+    TypeAhead(typed);
+}
+
+bool TMenuLayer::ChooseMnemonic(char32_t letter) {
+    const std::vector<TMenuItem*>& items = mPanels.back().mItems;
+    for (int i = 0; i < static_cast<int>(items.size()); ++i) {
+        const std::string mnemonic = items[static_cast<std::size_t>(i)]->GetMnemonic();
+        std::size_t at = 0;
+        if (mnemonic.empty() || !QLX_IsSameLetter(Cmn_DecodeUTF8(mnemonic, at), letter))
+            continue;
+        Hilite(CountPanels() - 1, i, /*openSubmenu*/ false);
+        Choose(CountPanels() - 1, i);
+        return true;
+    }
+    return false;
 }
 
 void TMenuLayer::DoCommandKeyEvent(TToolboxEvent*) {
@@ -515,18 +596,12 @@ void TMenuLayer::TypeAhead(const std::string& typed) {
     if (now - mTypedAt >= kTypeAheadSeconds)
         mTyped.clear();
     mTypedAt = now;
-    if (mTyped.empty())
-        for (int i = 0; i < static_cast<int>(items.size()); ++i) {
-            const std::string mnemonic = items[static_cast<std::size_t>(i)]->GetMnemonic();
-            if (!mnemonic.empty() && BeginsWith(mnemonic, typed)) {
-                Hilite(CountPanels() - 1, i, /*openSubmenu*/ false);
-                return Choose(CountPanels() - 1, i);
-            }
-        }
+    std::size_t at = 0;
+    if (mTyped.empty() && !typed.empty() && ChooseMnemonic(Cmn_DecodeUTF8(typed, at)))
+        return;
     mTyped += typed;
-    std::string title;
     for (int i = 0; i < static_cast<int>(items.size()); ++i)
-        if (BeginsWith(TitleOf(items[static_cast<std::size_t>(i)], title), mTyped))
+        if (BeginsWith(TextOf(items[static_cast<std::size_t>(i)]).mPlain, mTyped))
             return Hilite(CountPanels() - 1, i, /*openSubmenu*/ false);
 }
 
@@ -564,12 +639,10 @@ void TMenuLayer::DrawItem(const Panel& panel, int index) {
         const int middle = (rect.top + rect.bottom) / 2;
         painter->FillRect({rect.left + 6, middle - 1, rect.left + 14, middle + 1});
     }
-    std::string title;
     const Cmn_Rect<int> text{rect.left + kMarkWidth, rect.top, rect.right - kArrowWidth,
                              rect.bottom};
-    painter->DrawStringJustified(text, TitleOf(item, title), QLX_Painter::kJustify_Left,
-                                 QLX_Painter::kJustify_Middle, QLX_Painter::kResolution_Logical);
-    const std::string key = QLX_MenuKeyText(item->GetKey());
+    QLX_DrawMenuText(painter, text, TextOf(item), QLX_Painter::kJustify_Left);
+    const std::string& key = panel.mKeys[static_cast<std::size_t>(index)];
     if (!key.empty())
         painter->DrawStringJustified(text, key, QLX_Painter::kJustify_Right,
                                      QLX_Painter::kJustify_Middle,

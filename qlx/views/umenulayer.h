@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -12,6 +13,14 @@ class TMenuBar;
 
 /// A key stroke as menus show it: "Ctrl+Shift+Z". Empty for an item without one.
 [[nodiscard]] QLX_API std::string QLX_MenuKeyText(const TMenuKey& key);
+/// What keys are called in the user's language: "Strg" for "Ctrl", "Eingabe" for "Return". Names
+/// that are not there stay as they are. Returns the previous names.
+QLX_API std::map<std::string, std::string>
+QLX_SetMenuKeyNames(std::map<std::string, std::string> names);
+/// Draws the text of a menu, in the middle of a rectangle's height, in the painter's font and
+/// colour, its mnemonic underlined.
+QLX_API void QLX_DrawMenuText(const TView::PainterPtr& painter, const Cmn_Rect<int>& rect,
+                              const TMenuText& text, QLX_Painter::EJustification justification);
 
 /// Where menus are open: a view over the whole of a window that takes every press and key until one
 /// item was chosen or the menus are closed (Escape, a press outside, the window going away). The
@@ -73,6 +82,7 @@ class QLX_API TMenuLayer : public TView {
     struct Panel {
         TMenu* mMenu; // not owned
         std::vector<TMenuItem*> mItems;
+        std::vector<std::string> mKeys; // the texts of their keys
         VRect mRect;
         int mHilited = -1;
         VCoordinate mScroll = 0; // how far the items are moved up
@@ -83,6 +93,7 @@ class QLX_API TMenuLayer : public TView {
     /// A menu that may be open has changed, or goes away now.
     void MenuChanged(const TMenu* menu, bool gone);
     void RefreshPanel(int panel);
+    void RefreshKeys();
     [[nodiscard]] VRect PlacePanel(const Panel& panel, const VRect& anchor, bool beside,
                                    int initialItem) const;
     [[nodiscard]] VPoint MeasurePanel(const Panel& panel) const;
@@ -94,6 +105,7 @@ class QLX_API TMenuLayer : public TView {
     void HoverAt(const VPoint& local);
     void Choose(int panel, int item);
     void TypeAhead(const std::string& typed);
+    [[nodiscard]] bool ChooseMnemonic(char32_t letter);
     void ScrollPanel(Panel& panel, VCoordinate scroll);
     void Finish(TMenuItem* chosen);
     void DrawPanel(const Panel& panel, const VRect& area);

@@ -3,8 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "basekit/cmn/cmn_string.h"
+#include "newfilelibs/daw/daw_command.h"
+#include "newfilelibs/daw/daw_eventmodifiers.h"
+#include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ucommandmanager.h"
+#include "qlx/views/ukeybindings.h"
 
 QLX_DEFINE_CLASS(TMenuItem, TObject)
 QLX_DEFINE_CLASS(TMenu, TObject)
@@ -19,13 +24,67 @@ std::vector<std::unique_ptr<TMenu>>& MenuBar() {
 
 std::uint32_t sBarChangeCount = 0;
 
+// Capital letters of the alphabets whose small ones lie a fixed distance behind them.
+char32_t Capital(char32_t code) {
+    constexpr struct {
+        char32_t first, last, distance;
+    } kSmall[] = {{'a', 'z', 0x20},     {0xE0, 0xF6, 0x20},   {0xF8, 0xFE, 0x20},
+                  {0x3B1, 0x3C1, 0x20}, {0x3C3, 0x3CB, 0x20}, {0x430, 0x44F, 0x20},
+                  {0x450, 0x45F, 0x50}};
+    for (const auto& range : kSmall)
+        if (code >= range.first && code <= range.last)
+            return code - range.distance;
+    // From here to U+017F, and among the later Cyrillic letters, capital and small ones take turns.
+    if ((code >= 0x100 && code <= 0x137) || (code >= 0x14A && code <= 0x177) ||
+        (code >= 0x460 && code <= 0x481) || (code >= 0x48A && code <= 0x4BF))
+        return code & ~char32_t{1};
+    return code;
+}
+
 } // namespace
+
+TMenuText QLX_ParseMenuText(const std::string& marked) {
+    TMenuText text;
+    text.mPlain.reserve(marked.size());
+    for (std::size_t i = 0; i < marked.size(); ++i) {
+        const bool isMark = marked[i] == '&' && i + 1 < marked.size();
+        if (isMark && marked[++i] != '&' && text.mMnemonicSize == 0) {
+            std::size_t end = i;
+            static_cast<void>(Cmn_DecodeUTF8(marked, end));
+            text.mMnemonicAt = text.mPlain.size();
+            text.mMnemonicSize = end - i;
+        }
+        text.mPlain += marked[i];
+    }
+    return text;
+}
+
+bool QLX_IsSameLetter(char32_t a, char32_t b) { return Capital(a) == Capital(b); }
 
 // TMenuItem
 
 TMenuItem::TMenuItem() = default;
 
 TMenuItem::~TMenuItem() { TMenuManager::RemoveItem(this); }
+
+TMenuKey TMenuItem::GetShownKey() const {
+    const CKeyBindings* bindings = gApplication ? gApplication->GetKeyBindings() : nullptr;
+    const DAW_Command* command =
+        bindings && mCommand != 0 ? DAW_CommandRegistry::FindCommandByID(mCommand) : nullptr;
+    if (!command)
+        return mKey;
+    TEventHandler* target = TApplicationData::GetPreMenuLoopTarget();
+    const CKeyBinding* binding = bindings->FindOf(command->GetUniquePersistedName(),
+                                                  target ? target : gApplication->GetTarget());
+    if (!binding)
+        return mKey;
+    const DAW_EventModifiers& pattern = *binding->mPattern;
+    const auto bit = [](bool down, std::uint32_t modifier) { return down ? modifier : 0u; };
+    return {binding->mKeyCode, bit(pattern.MenuCommandKeyIsDown(), kQLX_Modifier_Command) |
+                                   bit(pattern.AlternateKeyIsDown(), kQLX_Modifier_Option) |
+                                   bit(pattern.MetaKeyIsDown(), kQLX_Modifier_Control) |
+                                   bit(pattern.ShiftKeyIsDown(), kQLX_Modifier_Shift)};
+}
 
 std::unique_ptr<TMenuItem> TMenuItem::NewCommand(std::int32_t command, const std::string& text,
                                                  TMenuKey key) {
@@ -87,31 +146,11 @@ void TMenuItem::SetText(const std::string& text) {
     Touch();
 }
 
-std::string TMenuItem::GetPlainText() const {
-    std::string plain;
-    plain.reserve(mText.size());
-    for (std::size_t i = 0; i < mText.size(); ++i) {
-        if (mText[i] == '&' && i + 1 < mText.size())
-            ++i;
-        plain += mText[i];
-    }
-    return plain;
-}
+std::string TMenuItem::GetPlainText() const { return QLX_ParseMenuText(mText).mPlain; }
 
 std::string TMenuItem::GetMnemonic() const {
-    for (std::size_t i = 0; i + 1 < mText.size(); ++i) {
-        if (mText[i] != '&')
-            continue;
-        if (mText[i + 1] == '&') {
-            ++i;
-            continue;
-        }
-        std::size_t end = i + 2;
-        while (end < mText.size() && (static_cast<unsigned char>(mText[end]) & 0xC0) == 0x80)
-            ++end;
-        return mText.substr(i + 1, end - i - 1);
-    }
-    return {};
+    const TMenuText text = QLX_ParseMenuText(mText);
+    return text.mPlain.substr(text.mMnemonicAt, text.mMnemonicSize);
 }
 
 void TMenuItem::SetEnabled(bool enabled) {
@@ -251,7 +290,7 @@ TMenuItem* TMenu::FindItem(const TMenuKey& key) const {
     for (const auto& item : mItems) {
         if (!item->mShown)
             continue;
-        if (item->mKey == key)
+        if (item->mKey == key && item->GetShownKey() == key)
             return item.get();
         if (item->mSubmenu)
             if (TMenuItem* const found = item->mSubmenu->FindItem(key))

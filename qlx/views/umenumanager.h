@@ -12,6 +12,19 @@
 
 class TMenu;
 
+/// A menu's or an item's text as it is shown, and where its mnemonic stands in it.
+struct TMenuText {
+    std::string mPlain;
+    std::size_t mMnemonicAt = 0;   ///< bytes into the plain text
+    std::size_t mMnemonicSize = 0; ///< 0 when there is none
+};
+/// Takes the marks out: '&' before a letter makes it the mnemonic (the first one counts), "&&" is
+/// an ampersand.
+[[nodiscard]] QLX_API TMenuText QLX_ParseMenuText(const std::string& marked);
+/// Whether two code points are one letter apart from its case, in the Latin, Greek and Cyrillic
+/// alphabets.
+[[nodiscard]] QLX_API bool QLX_IsSameLetter(char32_t a, char32_t b);
+
 /// The key stroke that chooses an item. An item without one has key kDAW_Key_None.
 struct TMenuKey {
     DAW_EKeyCode mKey = kDAW_Key_None;
@@ -61,6 +74,10 @@ class QLX_API TMenuItem : public TObject {
     void SetShown(bool shown);
     [[nodiscard]] const TMenuKey& GetKey() const { return mKey; }
     void SetKey(const TMenuKey& key);
+    /// The key stroke that menus show and that chooses the item: the one that the user has bound to
+    /// the named command with the item's number, where there is such a command (DAW_Command) and
+    /// such a binding of the application's, else GetKey.
+    [[nodiscard]] TMenuKey GetShownKey() const;
     [[nodiscard]] bool IsSeparator() const { return mSeparator; }
     [[nodiscard]] TMenu* GetSubmenu() const { return mSubmenu.get(); }
     void SetSubmenu(std::unique_ptr<TMenu> submenu);
@@ -116,7 +133,8 @@ class QLX_API TMenu : public TObject {
     void RemoveAllItems();
     /// The first item of a command, submenus included, depth first.
     [[nodiscard]] TMenuItem* FindItem(std::int32_t command) const;
-    /// The first shown item with this key equivalent, submenus included.
+    /// The first shown item with this key equivalent, submenus included. One that shows a key of
+    /// the user's has lost its own.
     [[nodiscard]] TMenuItem* FindItem(const TMenuKey& key) const;
     /// What is to be seen: the shown items, without separators at either end or next to each other.
     [[nodiscard]] std::vector<TMenuItem*> GetVisibleItems() const;

@@ -204,7 +204,7 @@ void TMeterView::DrawScale() {
         const int y = all.bottom - PositionOf(level);
         // The outermost figures move inwards rather than lose their edge.
         const int top = std::max(all.top, std::min(y - 6, all.bottom - 12));
-        const Cmn_Rect<int> box{all.left, top, all.left + kScaleWidth - 6, top + 12};
+        const Cmn_Rect<int> box{all.left, top, all.left + kScaleWidth - 8, top + 12};
         if (box.top < nextTop)
             continue; // no room for this one
         nextTop = box.bottom;

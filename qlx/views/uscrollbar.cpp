@@ -321,11 +321,19 @@ void TScroller::PlaceBar(TScrollBar*& bar, bool wanted, const VRect& frame, VCoo
         bar->IView(this, frame);
         bar->SetLineSize(16);
     }
+    bar->SetEnable(IsEnabled());
     bar->SetFrame(frame, redraw, /*layOut*/ true);
     bar->SetPageSize(Cmn_ClampTo<std::int32_t>(std::max<VCoordinate>(1, visible)), redraw);
     bar->SetRange(0, Cmn_ClampTo<std::int32_t>(std::max<VCoordinate>(0, content - visible)),
                   redraw);
     bar->Show(wanted, redraw);
+}
+
+void TScroller::SetEnable(bool enable) {
+    TControl::SetEnable(enable);
+    for (TScrollBar* bar : {mHorizontal, mVertical})
+        if (bar)
+            bar->SetEnable(enable);
 }
 
 void TScroller::SetFrame(const VRect& frame, bool redraw, bool layOut) {

@@ -64,6 +64,7 @@ class QLX_API TScroller : public TControl {
     /// The content has changed its size.
     void ContentChanged(bool redraw);
 
+    void SetEnable(bool enable) override;
     void SetFrame(const VRect& frame, bool redraw, bool layOut) override;
     void AddedASubView(TView* sub) override;
     void DoKeyEvent(TToolboxEvent* event) override;

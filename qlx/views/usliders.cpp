@@ -176,9 +176,18 @@ namespace {
 /// Of the part of the way up to the value.
 CRGBColor FillColor(TControl& control) {
     if (control.IsEnabled())
-        return control.GetControlColor(kThemeColor_Highlight);
+        return control.GetControlColor(kThemeColor_ControlMark);
     return control.GetControlColor(QLX_Theme::IsHighContrast() ? kThemeColor_DisabledText
                                                                : kThemeColor_ControlFrame);
+}
+
+/// A thin outline, or the focus ring, around what the user moves.
+void OutlineMoved(TControl& control, const TView::PainterPtr& painter) {
+    const bool focused = control.ShowsFocus();
+    const short thickness = !focused ? 1 : QLX_Theme::IsHighContrast() ? 3 : 2;
+    painter->SetPenSize(thickness, thickness);
+    painter->SetForegroundColor(
+        control.GetControlColor(focused ? kThemeColor_FocusRing : kThemeColor_ControlFrame));
 }
 
 } // namespace
@@ -252,8 +261,8 @@ void TSlider::Draw(const VRect&) {
     painter->SetForegroundColor(
         GetControlColor(IsHilited() ? kThemeColor_ControlPressed : kThemeColor_ControlFace));
     painter->FillRoundRect(thumb, 3, 3, /*antialias*/ true, /*topOnly*/ false);
-    painter->SetForegroundColor(
-        GetControlColor(ShowsFocus() ? kThemeColor_FocusRing : kThemeColor_ControlFrame));
+    const QLX_StPenState pen(painter);
+    OutlineMoved(*this, painter);
     painter->DrawRoundRect(thumb, 3, 3, /*antialias*/ true, /*topOnly*/ false);
 }
 
@@ -291,9 +300,7 @@ void TKnob::Draw(const VRect&) {
     painter->SetForegroundColor(
         GetControlColor(IsHilited() ? kThemeColor_ControlPressed : kThemeColor_ControlFace));
     painter->FillOval(face, /*antialias*/ true);
-    painter->SetPenSize(1, 1);
-    painter->SetForegroundColor(
-        GetControlColor(ShowsFocus() ? kThemeColor_FocusRing : kThemeColor_ControlFrame));
+    OutlineMoved(*this, painter);
     painter->DrawOval(face);
 
     const double angle = (start + swept) * kPi / 180.0;

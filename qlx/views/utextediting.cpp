@@ -74,7 +74,7 @@ std::string QLX_TextEditing::Clean(std::string_view text) const {
 
 void QLX_TextEditing::SetText(std::string_view text) {
     mText.clear();
-    mCaret = mAnchor = 0;
+    mCaret = mAnchor = mCodePoints = 0;
     Insert(text);
 }
 
@@ -166,10 +166,10 @@ void QLX_TextEditing::Select(std::size_t anchor, std::size_t caret) {
     mCaret = held(caret);
 }
 
-void QLX_TextEditing::SelectWordAt(std::size_t offset) {
+std::pair<std::size_t, std::size_t> QLX_TextEditing::GetWordAt(std::size_t offset) const {
     offset = std::min(offset, mText.size());
     if (mText.empty())
-        return;
+        return {0, 0};
     const std::size_t inside = offset < mText.size() ? offset : PreviousCharacter(offset);
     const EKind kind = KindOf(CodeAt(mText, inside));
     std::size_t from = inside;
@@ -178,6 +178,11 @@ void QLX_TextEditing::SelectWordAt(std::size_t offset) {
     std::size_t to = inside;
     while (to < mText.size() && KindOf(CodeAt(mText, to)) == kind)
         to = NextCharacter(to);
+    return {from, to};
+}
+
+void QLX_TextEditing::SelectWordAt(std::size_t offset) {
+    const auto [from, to] = GetWordAt(offset);
     Select(from, to);
 }
 
@@ -188,14 +193,26 @@ void QLX_TextEditing::SelectLineAt(std::size_t offset) {
 // Changes
 
 void QLX_TextEditing::Replace(std::size_t from, std::size_t to, std::string_view text) {
+    mCodePoints -= CountCodePoints(std::string_view(mText).substr(from, to - from));
+    mCodePoints += CountCodePoints(text);
     mText.replace(from, to - from, text);
     mCaret = mAnchor = from + text.size();
+    mLastReplaced = {from, to - from, text.size()};
+}
+
+void QLX_TextEditing::SwapContent(QLX_TextEditing& other) noexcept {
+    mText.swap(other.mText);
+    std::swap(mCaret, other.mCaret);
+    std::swap(mAnchor, other.mAnchor);
+    std::swap(mCodePoints, other.mCodePoints);
 }
 
 bool QLX_TextEditing::Insert(std::string_view text) {
     std::string clean = Clean(text);
     if (mMaximumLength > 0) {
-        const std::size_t kept = CountCodePoints(mText) - CountCodePoints(GetSelectedText());
+        const std::size_t kept =
+            mCodePoints - CountCodePoints(std::string_view(mText).substr(
+                              GetSelectionStart(), GetSelectionEnd() - GetSelectionStart()));
         std::size_t room = mMaximumLength > kept ? mMaximumLength - kept : 0;
         std::size_t place = 0;
         for (; place < clean.size() && room > 0; --room)

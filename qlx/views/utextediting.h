@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "basekit/cmn/cmn_types.h"
 
@@ -41,6 +42,9 @@ class QLX_API QLX_TextEditing {
     /// The paragraph around an offset, without its line end.
     void SelectLineAt(std::size_t offset);
 
+    /// Exchanges text, caret and anchor with another one; the settings stay.
+    void SwapContent(QLX_TextEditing& other) noexcept;
+
     // What keys do. Each answers whether the text changed.
 
     /// Replaces the selection; cut to what the limit leaves room for.
@@ -50,8 +54,18 @@ class QLX_API QLX_TextEditing {
     /// Without extend, a motion by a character from a selection goes to its edge.
     void Move(ETextMotion motion, bool forward, bool extend);
 
+    /// What the last change of the text did: so many bytes at an offset became so many others.
+    struct Replaced {
+        std::size_t mFrom = 0;
+        std::size_t mRemoved = 0;
+        std::size_t mInserted = 0;
+    };
+    [[nodiscard]] const Replaced& GetLastReplaced() const { return mLastReplaced; }
+
     // Boundaries
 
+    /// The word, or the blanks or other characters together, around an offset.
+    [[nodiscard]] std::pair<std::size_t, std::size_t> GetWordAt(std::size_t offset) const;
     [[nodiscard]] std::size_t NextCharacter(std::size_t offset) const;
     [[nodiscard]] std::size_t PreviousCharacter(std::size_t offset) const;
     /// The start of the next word, or the end of the text.
@@ -69,6 +83,8 @@ class QLX_API QLX_TextEditing {
     std::string mText;
     std::size_t mCaret = 0;
     std::size_t mAnchor = 0;
+    std::size_t mCodePoints = 0; // of the text
     std::size_t mMaximumLength = 0;
+    Replaced mLastReplaced;
     bool mMultiline = false;
 };

@@ -11,8 +11,7 @@ TObject* TTypingCommand::Clone() {
     auto* copy = static_cast<TTypingCommand*>(TCommand::Clone());
     if (!copy)
         return nullptr;
-    new (&copy->mBefore) QLX_TextEditing(mBefore);
-    new (&copy->mAfter) QLX_TextEditing(mAfter);
+    new (&copy->mOther) QLX_TextEditing(mOther);
     return copy;
 }
 
@@ -20,28 +19,27 @@ void TTypingCommand::ITypingCommand(TEditText* field, const QLX_TextEditing& bef
     ICommand(kNumber, field, /*canUndo*/ true, /*causesChange*/ true, nullptr);
     SetCommandName("Typing");
     mField = field;
-    mBefore = before;
-    mAfter = field->mEditing;
+    mOther = before;
 }
-
-void TTypingCommand::Grow() { mAfter = mField->mEditing; }
 
 // The first time the field has the text already: the key that made the command went into it.
 void TTypingCommand::DoIt() {
-    if (!mFirst && mField) {
-        mField->mEditing = mAfter;
-        mField->Edited(/*changed*/ true);
-    }
+    if (!mFirst && mField)
+        Exchange();
     mFirst = false;
 }
 
 void TTypingCommand::UndoIt() {
     if (!mField)
         return;
-    mField->mEditing = mBefore;
     // What is typed from here on is a change of its own.
     mField->mTyping = nullptr;
-    mField->Edited(/*changed*/ true);
+    Exchange();
+}
+
+void TTypingCommand::Exchange() {
+    mField->mEditing.SwapContent(mOther);
+    mField->Edited();
 }
 
 void TTypingCommand::Completed() {
@@ -54,6 +52,5 @@ bool TTypingCommand::ShouldTraceCommand() {
 }
 
 std::int64_t TTypingCommand::GetMemoryFootPrint() {
-    return static_cast<std::int64_t>(sizeof *this + mBefore.GetText().size() +
-                                     mAfter.GetText().size());
+    return static_cast<std::int64_t>(sizeof *this + mOther.GetText().size());
 }

@@ -7,7 +7,8 @@
 class TEditText;
 
 /// Made by a text field with its first change and kept as the field's last command; every further
-/// change goes into it. The context is the field itself.
+/// change belongs to it and costs nothing: the field has the text after, the command the one
+/// before, and undoing exchanges them. The context is the field itself.
 class QLX_API TTypingCommand : public TCommand {
   public:
     QLX_DECLARE_CLASS(TTypingCommand);
@@ -16,9 +17,6 @@ class QLX_API TTypingCommand : public TCommand {
     TTypingCommand();
     ~TTypingCommand() override;
     void ITypingCommand(TEditText* field, const QLX_TextEditing& before);
-    /// Takes the field's state as the one to redo.
-    void Grow();
-
     [[nodiscard]] TObject* Clone() override;
     void DoIt() override;
     void UndoIt() override;
@@ -27,8 +25,9 @@ class QLX_API TTypingCommand : public TCommand {
     std::int64_t GetMemoryFootPrint() override;
 
   private:
+    void Exchange();
+
     TEditText* mField = nullptr; // not owned; the context, which frees this command with itself
-    QLX_TextEditing mBefore;
-    QLX_TextEditing mAfter;
+    QLX_TextEditing mOther; // what the field does not show: the text from before, or the undone one
     bool mFirst = true;
 };

@@ -90,8 +90,13 @@ TWindow* MakeGallery(const std::string& folder) {
     Find<TTextList>(*window, Cmn_FourChar("lst1")).SetSelection(rows, /*redraw*/ false);
     rows.Set(1, 2);
     Find<TTextList>(*window, Cmn_FourChar("lst2")).SetSelection(rows, /*redraw*/ false);
-    for (const std::uint32_t field : {Cmn_FourChar("num0"), Cmn_FourChar("num3")})
+    for (const std::uint32_t field :
+         {Cmn_FourChar("num0"), Cmn_FourChar("num1"), Cmn_FourChar("num3")})
         Find<TNumericEntryText>(*window, field).SetTextFromIntegerValue(120);
+    auto& focused = Find<TNumericEntryText>(*window, Cmn_FourChar("num1"));
+    const std::string value = focused.GetText();
+    focused.SetSelection(static_cast<short>(value.find('|') + 1),
+                         static_cast<short>(value.rfind('|')));
     return window;
 }
 

@@ -9,6 +9,7 @@
 
 #include "newfilelibs/cmn/cmn_polygon.h"
 #include "qlx/imaging/cairo/qlx_cairoclip.h"
+#include "qlx/imaging/cairo/qlx_roundmasks.h"
 #include "qlx/imaging/qlx_path.h"
 
 #include <cairo.h>
@@ -218,33 +219,112 @@ void QLX_PainterCairo::FillShape(const QLX_Path& path, const Cmn_Rect<int>& boun
         LayMask(area, paint);
 }
 
-// A frame is what lies between two round rectangles.
+namespace {
+
+// Renders a rounded rectangle, or with thicknesses what lies between two of them, into the mask.
+[[nodiscard]] bool RenderRound(const Cmn_Rect<int>& pixels, const Cmn_Rect<int>& area,
+                               const QLX_RoundMaskKey& key) {
+    return Render(area, key.antialias, [&](cairo_t* context) {
+        const FloatRect outer = HeldRect(pixels);
+        AddRoundRect(context, outer, key.radiusX, key.radiusY, key.topOnly);
+        cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+        if (key.across > 0 || key.down > 0) {
+            const FloatRect inner{outer.left + key.across, outer.top + key.down,
+                                  outer.right - key.across, outer.bottom - key.down};
+            const double outerX = std::min(key.radiusX, (outer.right - outer.left) / 2);
+            const double outerY = std::min(key.radiusY, (outer.bottom - outer.top) / 2);
+            AddRoundRect(context, inner, outerX - key.across, outerY - key.down, key.topOnly);
+        }
+        cairo_fill(context);
+    });
+}
+
+// The mask of a key, rendered when it is asked for the first time. Null without memory.
+[[nodiscard]] const QLX_RoundMask* KeptRound(const QLX_RoundMaskKey& key) {
+    if (const QLX_RoundMask* mask = QLX_RoundMasks::Find(key))
+        return mask;
+    const Cmn_Rect<int> pixels(0, 0, key.width, key.height);
+    if (!RenderRound(pixels, pixels, key))
+        return nullptr;
+    return &QLX_RoundMasks::Keep(key, Mask().At(0, 0), Mask().Row());
+}
+
+} // namespace
+
+// Corners are the same however large the rectangle is: with their coverage kept, a rounded
+// rectangle is four small masks and the rectangles between them. One too small for four corners is
+// kept whole, one too large for that (an oval) is rendered.
 void QLX_PainterCairo::RoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool topOnly,
                                  bool antialias, ELook look, const QLX_SpanPaint& paint) {
     if (rect.Empty())
         return;
     const Cmn_Rect<int> pixels = ToCanvas(rect);
-    const double rx = std::max(0, radiusX) * mScale.GetFactor();
-    const double ry = std::max(0, radiusY) * mScale.GetFactor();
     (void)Clip();
+    if (pixels.Empty() || !pixels.Overlaps(mClip.bounds))
+        return;
+    QLX_RoundMaskKey key;
+    key.radiusX = std::max(0, radiusX) * mScale.GetFactor();
+    key.radiusY = std::max(0, radiusY) * mScale.GetFactor();
+    key.antialias = antialias;
+    key.topOnly = topOnly;
+    if (look == ELook::Stroke) {
+        key.across = mScale.ThicknessToDevice(mPenSize.x);
+        key.down = mScale.ThicknessToDevice(mPenSize.y);
+    }
+    const std::int64_t width = std::int64_t{pixels.right} - pixels.left;
+    const std::int64_t height = std::int64_t{pixels.bottom} - pixels.top;
+    const double sideX = std::max(key.radiusX, double(key.across)) + 1;
+    const double sideY = std::max(key.radiusY, double(key.down)) + 1;
+    const bool hasCorners =
+        2 * sideX + 1 < double(std::min<std::int64_t>(width, QLX_RoundMasks::kMostSide)) &&
+        2 * sideY + 1 < double(std::min<std::int64_t>(height, QLX_RoundMasks::kMostSide));
+    if (hasCorners)
+        return LayCorners(pixels, key, int(std::ceil(sideX)), int(std::ceil(sideY)), paint);
+    key.width = int(std::min<std::int64_t>(width, INT32_MAX));
+    key.height = int(std::min<std::int64_t>(height, INT32_MAX));
+    const bool isKept = width <= QLX_RoundMasks::kMostSide && height <= QLX_RoundMasks::kMostSide;
+    if (const QLX_RoundMask* mask = isKept ? KeptRound(key) : nullptr)
+        return LayKept(pixels, mask->bytes.get(), key.width, paint);
     const Cmn_Rect<int> area = RenderedArea(pixels, mClip.bounds);
-    const bool drawn = Render(area, antialias, [&](cairo_t* context) {
-        const FloatRect outer = HeldRect(pixels);
-        AddRoundRect(context, outer, rx, ry, topOnly);
-        cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
-        if (look == ELook::Stroke) {
-            const double across = mScale.ThicknessToDevice(mPenSize.x);
-            const double down = mScale.ThicknessToDevice(mPenSize.y);
-            const FloatRect inner{outer.left + across, outer.top + down, outer.right - across,
-                                  outer.bottom - down};
-            const double outerX = std::min(rx, (outer.right - outer.left) / 2);
-            const double outerY = std::min(ry, (outer.bottom - outer.top) / 2);
-            AddRoundRect(context, inner, outerX - across, outerY - down, topOnly);
-        }
-        cairo_fill(context);
-    });
-    if (drawn)
+    if (RenderRound(pixels, area, key))
         LayMask(area, paint);
+}
+
+// Lays kept coverage down; its first byte is that of the rectangle's corner.
+void QLX_PainterCairo::LayKept(const Cmn_Rect<int>& at, const std::uint8_t* bytes, int row,
+                               const QLX_SpanPaint& paint) {
+    ForClipped(at, [&](const Cmn_Rect<int>& part) {
+        QLX_MaskSpans(mCanvas->GetSurface(), part,
+                      bytes + std::ptrdiff_t{part.top - at.top} * row + (part.left - at.left), row,
+                      paint, /*paddedMask*/ false);
+    });
+}
+
+void QLX_PainterCairo::LayCorners(const Cmn_Rect<int>& at, QLX_RoundMaskKey& key, int sideX,
+                                  int sideY, const QLX_SpanPaint& paint) {
+    key.width = 2 * sideX + 1;
+    key.height = 2 * sideY + 1;
+    const QLX_RoundMask* mask = KeptRound(key);
+    if (!mask)
+        return;
+    const std::uint8_t* bytes = mask->bytes.get();
+    const int left = at.left + sideX, right = at.right - sideX;
+    const int top = at.top + sideY, bottom = at.bottom - sideY;
+    const std::uint8_t* low = bytes + std::ptrdiff_t{sideY + 1} * key.width;
+    LayKept({at.left, at.top, left, top}, bytes, key.width, paint);
+    LayKept({right, at.top, at.right, top}, bytes + sideX + 1, key.width, paint);
+    LayKept({at.left, bottom, left, at.bottom}, low, key.width, paint);
+    LayKept({right, bottom, at.right, at.bottom}, low + sideX + 1, key.width, paint);
+    if (key.across == 0 && key.down == 0) {
+        Fill({left, at.top, right, top}, paint);
+        Fill({at.left, top, at.right, bottom}, paint);
+        Fill({left, bottom, right, at.bottom}, paint);
+        return;
+    }
+    Fill({left, at.top, right, at.top + key.down}, paint);
+    Fill({left, at.bottom - key.down, right, at.bottom}, paint);
+    Fill({at.left, top, at.left + key.across, bottom}, paint);
+    Fill({at.right - key.across, top, at.right, bottom}, paint);
 }
 
 void QLX_PainterCairo::DrawSlantedLine(Cmn_Point<double> from, Cmn_Point<double> to, int width,

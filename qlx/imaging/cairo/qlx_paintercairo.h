@@ -10,6 +10,7 @@
 
 class QLX_FontAtSize;
 struct QLX_GlyphMask;
+struct QLX_RoundMaskKey;
 struct QLX_ShapedText;
 
 /// The pixels that painters draw on, shared by a painter and its clones.
@@ -144,6 +145,10 @@ class QLX_API QLX_PainterCairo final : public QLX_CanvasPainter {
                    const QLX_SpanPaint& paint);
     void RoundRect(const Cmn_Rect<int>& rect, int radiusX, int radiusY, bool topOnly,
                    bool antialias, ELook look, const QLX_SpanPaint& paint);
+    void LayKept(const Cmn_Rect<int>& at, const std::uint8_t* bytes, int row,
+                 const QLX_SpanPaint& paint);
+    void LayCorners(const Cmn_Rect<int>& at, QLX_RoundMaskKey& key, int sideX, int sideY,
+                    const QLX_SpanPaint& paint);
 
     // Text
 
