@@ -288,6 +288,10 @@ void TNumericEntryText::ImageText(const PainterPtr& painter, const VRect& area) 
         drawAt(static_cast<float>(area.Left() + cInset),
                mArithmetic == kArithmetic_Adding ? "+" : "-", GetTextColor(kThemeColor_FocusRing));
 
+    if (!mComposition.empty()) {
+        drawAt(left, mText, textColor);
+        return DrawComposition(painter);
+    }
     const bool hilited = mSelectionStart != mSelectionEnd && mEditable && ShowsFocus();
     drawAt(left, mText, textColor);
     if (!hilited)

@@ -335,6 +335,7 @@ bool TNumericEntryText::DoTextInput(const std::string& text) {
     if (!mTextCompositing || !mEditable)
         return TControl::DoTextInput(text);
     const StDispatch dispatch;
+    DoTextComposition({}, 0, 0);
     bool taken = false;
     for (std::size_t at = 0; at < text.size() && !mGone;) {
         const std::uint32_t codePoint = Cmn_DecodeUTF8(text, at);
@@ -348,13 +349,6 @@ bool TNumericEntryText::DoTextInput(const std::string& text) {
             UseKey(key, nullptr);
     }
     return taken || TControl::DoTextInput(text);
-}
-
-bool TNumericEntryText::GetTextInputArea(VRect& caret) const {
-    if (!mTextCompositing || !mEditable)
-        return false;
-    caret = GetExtent();
-    return true;
 }
 
 // ---- The clipboard and menus ----

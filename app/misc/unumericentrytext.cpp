@@ -700,6 +700,7 @@ void TNumericEntryText::ResignedTarget() {
     mBackup = mText;
     mTypedCount = 0;
     mPendingInput.clear();
+    mComposition.clear();
     CollapseSelection();
     GetHelper()->EditingEnded(this);
     if (mUpdateWhenResigning && !mNotified)

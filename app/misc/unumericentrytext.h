@@ -283,7 +283,10 @@ class QLX_API TNumericEntryText : public TControl {
     void DoMouseEnter(const VPoint& where, TToolboxEvent* event) override;
     void DoMouseLeave(TToolboxEvent* event) override;
     bool DoTextInput(const std::string& text) override;
+    bool DoTextComposition(const std::string& text, int caret, int selectionLength) override;
     [[nodiscard]] bool GetTextInputArea(VRect& caret) const override;
+    /// What an input method is composing; empty when none is. Not part of the value yet.
+    [[nodiscard]] const std::string& GetComposition() const { return mComposition; }
     [[nodiscard]] bool WantsToBeTarget() override;
     bool BecomeTarget() override;
     void BecameTarget() override;
@@ -323,6 +326,8 @@ class QLX_API TNumericEntryText : public TControl {
     void EndArithmetic();
     void PassOn(TToolboxEvent* event);
     void InvalidateCharacters(std::size_t first, std::size_t last, bool all);
+    [[nodiscard]] float GetCompositionLeft() const;
+    void DrawComposition(const PainterPtr& painter);
     void GetTextRows(VCoordinate& top, VCoordinate& bottom) const;
     /// Where the value's first character begins, in local coordinates.
     [[nodiscard]] float GetValueLeft() const;
@@ -404,6 +409,8 @@ class QLX_API TNumericEntryText : public TControl {
     bool mInKey = false;    // a key is under way
     bool mNotified = false; // the client has heard of it
     bool mGone = false;     // freed; the memory lives on until the outermost dispatch returns
+    std::string mComposition;
+    std::size_t mCompositionCaret = 0; // bytes into the composition
 };
 
 /// The field without arithmetic, time capture and tap keys.

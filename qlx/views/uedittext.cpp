@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "basekit/sys/sys_clock.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/imaging/qlx_statesavers.h"
 #include "qlx/imaging/qlx_textcaret.h"
@@ -19,11 +20,11 @@ QLX_DEFINE_CLASS(TEditText, TControl)
 
 namespace {
 
-constexpr int kMargin = 6;               // around the text, logical pixels
-constexpr int kCornerRadius = 3;         // of the frame
-constexpr int kEdge = 3;                 // the frame and the focus ring are no wider
-constexpr int kInkBeyond = 3;            // letters may reach this far out of their place
-constexpr std::int32_t kBlinkTicks = 32; // half a blink of the caret
+constexpr int kMargin = 6;                // around the text, logical pixels
+constexpr int kCornerRadius = 3;          // of the frame
+constexpr int kEdge = 3;                  // the frame and the focus ring are no wider
+constexpr int kInkBeyond = 3;             // letters may reach this far out of their place
+constexpr std::uint32_t kBlinkTicks = 32; // half a blink of the caret
 constexpr std::int32_t kRefusal_Invalid = 1;
 constexpr std::size_t kMostPasted = 16u << 20; // bytes; more than any name or comment
 
@@ -255,7 +256,7 @@ void TEditText::InvalidateLines(std::size_t first, std::size_t behind, std::size
 // Selection
 
 void TEditText::SelectionMoved(const Look& before) {
-    mCaretOn = true;
+    ShowCaret();
     RevealCaret();
     InvalidateFrom(before);
     AccessibilityNotification(kAccessibility_SelectionChanged, nullptr);
@@ -593,7 +594,7 @@ void TEditText::SetComposition(const std::string& text, std::size_t caret) {
         mLines.Replace(mShown, mCompositionAt, replaced, mComposition.size());
     if (mComposition.empty())
         mShown.clear();
-    mCaretOn = true;
+    ShowCaret();
     RevealCaret();
     InvalidateFrom(before);
     if (GetText().empty() && !mPlaceholder.empty())
@@ -648,6 +649,7 @@ void TEditText::Paste() {
 
 void TEditText::BecameTarget() {
     mChangedSinceTarget = false;
+    ShowCaret();
     SetIdleFreq(kBlinkTicks);
     TControl::BecameTarget();
 }
@@ -671,9 +673,17 @@ void TEditText::ValidationFailed(std::int32_t code) {
     TControl::ValidationFailed(code);
 }
 
+// For a whole half of a blink from now on.
+void TEditText::ShowCaret() {
+    mCaretOn = true;
+    mCaretSince = Sys_Clock_Ticks();
+}
+
 bool TEditText::DoIdle(IdlePhase phase) {
-    if (phase == kIdlePhase_Continue && IsTarget()) {
+    const std::uint32_t now = Sys_Clock_Ticks();
+    if (phase == kIdlePhase_Continue && IsTarget() && now - mCaretSince >= kBlinkTicks) {
         mCaretOn = !mCaretOn;
+        mCaretSince = now;
         InvalidateVRect(CaretRect(mEditing.GetCaret()));
     }
     return TControl::DoIdle(phase);

@@ -123,6 +123,7 @@ class QLX_API TEditText : public TControl {
     void SetComposition(const std::string& text, std::size_t caret);
     [[nodiscard]] double LineLeft(std::size_t line);
     void RevealCaret();
+    void ShowCaret();
     void DrawFrame(const VRect& area);
     void DrawLine(std::size_t line, const VRect& area);
     void DrawSelected(const VRect& selected, const std::string& text, float left, float baseline);
@@ -145,5 +146,6 @@ class QLX_API TEditText : public TControl {
     bool mChangedSinceTarget = false;
     bool mShowsError = false;
     bool mCaretOn = true;
+    std::uint32_t mCaretSince = 0;     // ticks
     TTypingCommand* mTyping = nullptr; // not owned: the field's last command while it grows
 };

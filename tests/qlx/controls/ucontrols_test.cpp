@@ -198,13 +198,26 @@ TEST_F(Controls, ThousandControlsHilitedTouchOnlyTheirOwnPixels) {
     for (int i = 0; i < 1000; ++i)
         buttons.push_back(&Add<TButton>(
             VRect(i % 40 * 10, i / 40 * 12, i % 40 * 10 + 8, i / 40 * 12 + 10), kOther));
-    mDriver.WaitForIdle();
-    mDriver.ResetCosts();
-    for (TButton* button : buttons)
-        button->SetHilite(true, /*redraw*/ true);
-    mDriver.WaitForIdle();
-    EXPECT_EQ(mDriver.GetCosts().mPixelsPainted, 1000u * 80);
-    EXPECT_LE(mDriver.GetCosts().mViewsDrawn, 1001u);
+    for (const bool hilited : {true, false}) {
+        mDriver.WaitForIdle();
+        mDriver.ResetCosts();
+        for (TButton* button : buttons)
+            button->SetHilite(hilited, /*redraw*/ true);
+        EXPECT_EQ(mWindow->GetInvalidRegion().GetRectList().size(), 1000u) << hilited;
+        mDriver.WaitForIdle();
+        EXPECT_EQ(mDriver.GetCosts().mPixelsPainted, 1000u * 80) << hilited;
+        EXPECT_EQ(mDriver.GetCosts().mPixelsShown, 1000u * 80) << hilited;
+        EXPECT_LE(mDriver.GetCosts().mViewsDrawn, 1001u) << hilited;
+    }
+    // One of them pressed and released by the mouse touches itself alone.
+    mDriver.MoveTo(Cmn_Point<int>{4, 4});
+    for (const bool pressed : {true, false}) {
+        mDriver.WaitForIdle();
+        mDriver.ResetCosts();
+        pressed ? mDriver.Press({4, 4}) : mDriver.Release();
+        mDriver.WaitForIdle();
+        EXPECT_EQ(mDriver.GetCosts().mPixelsPainted, 80u) << pressed;
+    }
 }
 
 TEST_F(Controls, TextIsTypedSelectedCutAndUndoneAsOneCommand) {
@@ -268,6 +281,21 @@ TEST_F(Controls, AMillionRowsCostWhatIsSeen) {
     scroller.ScrollContentTo(VPoint(0, list.GetRowHeight() * 3), /*redraw*/ true);
     mDriver.WaitForIdle();
     EXPECT_LE(list.GetDrawnRows() - before, 5u) << "three rows came into sight";
+    // A page: the rows that were not there, no pixel of another one, and the bar.
+    const int page = 200 / list.GetRowHeight() * list.GetRowHeight() - list.GetRowHeight();
+    for (const int pages : {1, 2, 30'000}) {
+        const std::uint64_t rowsBefore = list.GetDrawnRows();
+        mDriver.ResetCosts();
+        scroller.ScrollContentTo(VPoint(0, VCoordinate{pages} * page), /*redraw*/ true);
+        mDriver.WaitForIdle();
+        const bool stays = pages == 2; // a row of the page before is still in sight
+        EXPECT_LE(list.GetDrawnRows() - rowsBefore, static_cast<unsigned>(rows + (stays ? 0 : 2)))
+            << pages;
+        if (stays) {
+            EXPECT_LE(mDriver.GetCosts().mPixelsPainted,
+                      static_cast<unsigned>(186 * page + 14 * 200));
+        }
+    }
     ASSERT_TRUE(list.BecomeTarget());
     mDriver.Key(kDAW_Key_End);
     EXPECT_EQ(list.GetFocusRow(), 999'999);

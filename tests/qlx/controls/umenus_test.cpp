@@ -4,12 +4,17 @@
 
 #include <random>
 
+#include "newfilelibs/daw/daw_command.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/platform/testing/qlx_testdriver.h"
+#include "qlx/views/qlx_event.h"
 #include "qlx/views/qlx_keyboard.h"
+#include "qlx/views/qlx_windowevents.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubuttons.h"
 #include "qlx/views/ucommandmanager.h"
+#include "qlx/views/uevent.h"
+#include "qlx/views/ukeybindings.h"
 #include "qlx/views/umenubar.h"
 #include "qlx/views/umenulayer.h"
 #include "qlx/views/umenumanager.h"
@@ -138,6 +143,132 @@ TEST_F(Menus, KeyTextsAreTheOnesPeopleKnow) {
     EXPECT_EQ(QLX_MenuKeyText(TMenuManager::FindItem(2006)->GetKey()), "Ctrl+Shift+S");
     EXPECT_EQ(QLX_MenuKeyText(TMenuManager::FindItem(2010)->GetKey()), "F5");
     EXPECT_EQ(QLX_MenuKeyText({}), "");
+}
+
+TEST_F(Menus, ItemsShowTheKeysThatTheUserHasBoundAndFollowThem) {
+    DAW_Command save(2005, "Save", "File.Save");
+    DAW_Command open(2002, "Open", "File.Open");
+    DAW_CommandRegistry::RegisterCommand(&save);
+    DAW_CommandRegistry::RegisterCommand(&open);
+    CKeyBindings bindings;
+    gApplication->SetKeyBindings(&bindings);
+    const auto shown = [](std::int32_t command) {
+        return QLX_MenuKeyText(TMenuManager::FindItem(command)->GetShownKey());
+    };
+    const struct {
+        const char* mWhy;
+        const char* mBindings;
+        const char* mSave;
+        const char* mOpen;
+    } rows[] = {
+        {"no binding: the item's own", "", "Ctrl+S", "Ctrl+O"},
+        {"the user's own", "<Cmd>+<Shift> - K File.Save\n", "Ctrl+Shift+K", "Ctrl+O"},
+        {"a named key", "- - F7 File.Save\n", "F7", "Ctrl+O"},
+        {"the first of two", "<Opt> - K File.Save\n<Opt> - L File.Save\n", "Alt+K", "Ctrl+O"},
+        {"a key that may be held is not shown", "<Opt> [Shift] K File.Save\n", "Alt+K", "Ctrl+O"},
+        {"a stroke that performs another command", "<Opt> - K File.Open\n<Opt> - K File.Save\n",
+         "Ctrl+S", "Alt+K"},
+        {"where the target is not", "<Opt> - K File.Save list\n", "Ctrl+S", "Ctrl+O"},
+        {"where the target is", "<Opt> - K File.Save here\n", "Alt+K", "Ctrl+O"},
+        {"everywhere before somewhere", "<Opt> - K File.Save here\n<Opt> - L File.Save\n", "Alt+L",
+         "Ctrl+O"},
+        {"a command of no item", "<Opt> - K File.Close\n", "Ctrl+S", "Ctrl+O"},
+    };
+    mListener->SetIdentifier(Cmn_FourChar("here"));
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mWhy);
+        ASSERT_TRUE(bindings.ReadText(row.mBindings, "keys"));
+        EXPECT_EQ(shown(2005), row.mSave);
+        EXPECT_EQ(shown(2002), row.mOpen);
+    }
+
+    // An open menu follows; the key that the user took away chooses nothing.
+    bindings.ReadText("<Cmd>+<Shift> - K File.Save\n", "keys");
+    const auto press = [&](std::uint32_t code, std::uint32_t modifiers) {
+        TToolboxEvent event;
+        event.IToolboxEvent(mWindow,
+                            QLX_MakeKeyEvent(kQLX_EventKind_KeyDown, code, code, modifiers));
+        event.mKeyCode = code;
+        event.mCharacterCode = code;
+        return mBar->HandleMenuKey(&event);
+    };
+    EXPECT_FALSE(press('S', kQLX_Modifier_Command));
+    mBar->OpenMenu(0);
+    mDriver.WaitForIdle();
+    const auto isDrawn = [&](const char* text) {
+        return mDriver.GetDrawing().find(text) != std::string::npos;
+    };
+    EXPECT_TRUE(isDrawn("Ctrl+Shift+K"));
+    const VCoordinate width = TMenuLayer::GetOpen()->GetPanelRect(0).GetWidth();
+    bindings.ReadText("<Cmd>+<Opt>+<Ctrl>+<Shift> - Backspace File.Save\n", "keys");
+    mDriver.WaitForIdle();
+    EXPECT_TRUE(isDrawn("Ctrl+Alt+Start+Shift+Backspace"));
+    EXPECT_GT(TMenuLayer::GetOpen()->GetPanelRect(0).GetWidth(), width);
+    gApplication->SetKeyBindings(nullptr);
+    mDriver.WaitForIdle();
+    EXPECT_TRUE(isDrawn("\"Ctrl+S\""));
+    TMenuLayer::GetOpen()->Close();
+    EXPECT_TRUE(press('S', kQLX_Modifier_Command));
+    EXPECT_EQ(mListener->mHeard, Commands{2005});
+}
+
+TEST_F(Menus, KeysHaveTheNamesOfTheUsersLanguage) {
+    const auto before =
+        QLX_SetMenuKeyNames({{"Ctrl", "Strg"}, {"Shift", "Umschalt"}, {"Return", "Eingabe"}});
+    EXPECT_EQ(QLX_MenuKeyText(TMenuManager::FindItem(2006)->GetKey()), "Strg+Umschalt+S");
+    EXPECT_EQ(QLX_MenuKeyText({kDAW_Key_Return, kQLX_Modifier_Option}), "Alt+Eingabe");
+    QLX_SetMenuKeyNames(before);
+}
+
+TEST_F(Menus, MnemonicsAreReadUnderlinedAndTyped) {
+    const struct {
+        const char* mMarked;
+        const char* mPlain;
+        std::size_t mAt;
+        std::size_t mSize;
+    } rows[] = {{"&File", "File", 0, 1},
+                {"Save &As...", "Save As...", 5, 1},
+                {"R && B", "R & B", 0, 0},
+                {"R && &B", "R & B", 4, 1},
+                {"&a and &b", "a and b", 0, 1},
+                {"A &", "A &", 0, 0},
+                {"&&", "&", 0, 0},
+                {"", "", 0, 0},
+                {"&\xC3\x84ndern", "\xC3\x84ndern", 0, 2},
+                {"&\xFF", "\xFF", 0, 1}};
+    for (const auto& row : rows) {
+        const TMenuText text = QLX_ParseMenuText(row.mMarked);
+        EXPECT_EQ(text.mPlain, row.mPlain) << row.mMarked;
+        EXPECT_EQ(text.mMnemonicAt, row.mAt) << row.mMarked;
+        EXPECT_EQ(text.mMnemonicSize, row.mSize) << row.mMarked;
+    }
+    for (const auto& [a, b, same] : {std::tuple{U'a', U'A', true},
+                                     {U'\u00E4', U'\u00C4', true},
+                                     {U'\u0436', U'\u0416', true},
+                                     {U'\u03C3', U'\u03A3', true},
+                                     {U'\u0161', U'\u0160', true},
+                                     {U'a', U'b', false},
+                                     {U'\u00F7', U'\u00D7', false},
+                                     {U'1', U'1', true}})
+        EXPECT_EQ(QLX_IsSameLetter(a, b), same) << static_cast<std::uint32_t>(a);
+
+    TMenuManager::GetMenu(1)->SetTitle("\xC3\x84ndern &\xC3\x84");
+    const auto press = [&](std::uint32_t character) {
+        TToolboxEvent event;
+        event.IToolboxEvent(mWindow, QLX_MakeKeyEvent(kQLX_EventKind_KeyDown, character, character,
+                                                      kQLX_Modifier_Option));
+        event.mKeyCode = character;
+        event.mCharacterCode = character;
+        return mBar->HandleMenuKey(&event);
+    };
+    EXPECT_FALSE(press('q'));
+    EXPECT_TRUE(press('f'));
+    EXPECT_EQ(mBar->GetOpenMenu(), 0);
+    mDriver.Key(0xE4, kQLX_Modifier_Option); // of the bar, as the open menu has none
+    EXPECT_EQ(mBar->GetOpenMenu(), 1);
+    mDriver.Key('F', kQLX_Modifier_Option); // of the menu
+    EXPECT_EQ(TMenuLayer::GetOpen(), nullptr);
+    EXPECT_EQ(mListener->mHeard, Commands{2010});
 }
 
 TEST_F(Menus, AContextMenuOpensWhereItIsAskedForAndStaysInTheWindow) {
