@@ -1,6 +1,6 @@
-// How long drawing takes beside Cairo used directly, QPainter on a QImage, and plain loops that
-// write the same pixels and nothing else. Names: Painter_<what>/<who>. All draw on 1920 by 1080
-// pixels of 32 bits.
+// How long drawing takes beside Cairo used directly, QPainter on a QImage, JUCE's software renderer
+// on an image, and plain loops that write the same pixels and nothing else. Names:
+// Painter_<what>/<who>. All draw on 1920 by 1080 pixels of 32 bits.
 //
 // Views1000: small views, each a fill, a frame and a short text. Waveform1920: columns from arrays
 // of minima and maxima. Meters1000: bars of a background and three coloured parts. Field: one
@@ -19,6 +19,9 @@
 
 #include <cairo.h>
 
+#ifdef BENCH_JUCE
+#include "bench/peers/juce_painter.h"
+#endif
 #ifdef BENCH_QT
 #include <QGuiApplication>
 #include <QImage>
@@ -325,6 +328,58 @@ void FieldCairo(benchmark::State& state) {
     }
 }
 BENCHMARK(FieldCairo)->Name("Painter_Field/cairo");
+
+#ifdef BENCH_JUCE
+
+// JUCE, with its texts laid out beforehand
+
+void ViewsJuce(benchmark::State& state) {
+    JucePainter juce(kWidth, kHeight);
+    for (int i = 0; i < kViews; ++i)
+        juce.PrepareText(Labels()[std::size_t(i)], float(ViewBox(i).left + 4),
+                         float(ViewBox(i).top + 24));
+    for (auto _ : state)
+        for (int i = 0; i < kViews; ++i) {
+            const Box b = ViewBox(i);
+            juce.Fill(b.left, b.top, b.width, b.height, 0xFFE0E4E8);
+            juce.Frame(b.left, b.top, b.width, b.height, 0xFF808090);
+            juce.DrawText(i, 0xFF101010);
+        }
+}
+BENCHMARK(ViewsJuce)->Name("Painter_Views1000/juce")->Unit(benchmark::kMicrosecond);
+
+void WaveformJuce(benchmark::State& state) {
+    JucePainter juce(kWidth, kHeight);
+    for (auto _ : state)
+        juce.Columns(TheWave().minima, TheWave().maxima, 0xFF2EAF5B);
+}
+BENCHMARK(WaveformJuce)->Name("Painter_Waveform1920/juce")->Unit(benchmark::kMicrosecond);
+
+void MetersJuce(benchmark::State& state) {
+    JucePainter juce(kWidth, kHeight);
+    for (auto _ : state)
+        for (int i = 0; i < kMeters; ++i) {
+            const Box b = MeterBox(i);
+            juce.Fill(b.left, b.top, b.width, 20, 0xFF101010);
+            juce.Fill(b.left, b.top + 20, b.width, 10, 0xFFE0352F);
+            juce.Fill(b.left, b.top + 30, b.width, 20, 0xFFE2B93B);
+            juce.Fill(b.left, b.top + 50, b.width, 50, 0xFF2EAF5B);
+        }
+}
+BENCHMARK(MetersJuce)->Name("Painter_Meters1000/juce")->Unit(benchmark::kMicrosecond);
+
+void FieldJuce(benchmark::State& state) {
+    JucePainter juce(kWidth, kHeight);
+    const int text = juce.PrepareText(kTimeCode, 104, 114);
+    for (auto _ : state) {
+        juce.Fill(100, 100, 90, 18, 0xFFE0E4E8);
+        juce.Fill(124, 102, 16, 14, 0xFFB3D7FF);
+        juce.DrawText(text, 0xFF101010);
+    }
+}
+BENCHMARK(FieldJuce)->Name("Painter_Field/juce");
+
+#endif
 
 #ifdef BENCH_QT
 
