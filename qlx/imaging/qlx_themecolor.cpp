@@ -5,7 +5,9 @@
 #include <cmath>
 #include <fstream>
 #include <map>
+#include <set>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "basekit/cmn/cmn_assert.h"
@@ -166,10 +168,12 @@ class ThemeReader {
 
   private:
     struct Reference {
-        int variant, line;
+        int line;
         std::size_t column;
-        std::string name, to;
+        std::string to;
     };
+    using Key = std::pair<int, std::string>; // variant and name
+    using References = std::map<Key, Reference>;
 
     [[noreturn]] void Fail(int line, std::size_t column, const std::string& reason) const {
         throw std::runtime_error(mSource + ":" + std::to_string(line) + ":" +
@@ -222,7 +226,7 @@ class ThemeReader {
         const std::string name(line.substr(begin, nameEnd - begin));
         const std::string_view text = line.substr(value);
         if (text.starts_with('$')) {
-            mReferences.push_back({mVariant, mLine, value, name, std::string(text.substr(1))});
+            mReferences[{mVariant, name}] = {mLine, value, std::string(text.substr(1))};
             return;
         }
         CRGBColor color;
@@ -230,14 +234,7 @@ class ThemeReader {
             Fail(mLine, value,
                  "expected #RRGGBB, #RRGGBBAA or $Name, not \"" + std::string(text) + "\"");
         Set(mVariant, name, color);
-        DropReference(name);
-    }
-
-    // A later value of a name replaces an earlier reference of it in the same section.
-    void DropReference(const std::string& name) {
-        std::erase_if(mReferences, [&](const Reference& reference) {
-            return reference.variant == mVariant && reference.name == name;
-        });
+        mReferences.erase({mVariant, name}); // a later value replaces an earlier reference
     }
 
     void Set(int variant, const std::string& name, const CRGBColor& color) {
@@ -261,32 +258,41 @@ class ThemeReader {
         return true;
     }
 
-    [[nodiscard]] const Reference* PendingFor(int variant, const std::string& name) const {
-        for (const Reference& reference : mReferences)
-            if (reference.variant == variant && reference.name == name)
-                return &reference;
-        return nullptr;
+    // References may name what is defined further down. Each chain is followed to the colour at its
+    // end, which all of its names take; none is walked twice.
+    void Resolve() {
+        std::vector<References::const_iterator> inOrder;
+        for (auto place = mReferences.cbegin(); place != mReferences.cend(); ++place)
+            inOrder.push_back(place);
+        std::sort(inOrder.begin(), inOrder.end(),
+                  [](const auto& a, const auto& b) { return a->second.line < b->second.line; });
+        std::set<Key> settled;
+        for (const auto& first : inOrder)
+            if (!settled.contains(first->first))
+                Follow(first, settled);
     }
 
-    // References may name what is defined further down: each is settled once its own target is, and
-    // a round that settles none has only circles left.
-    void Resolve() {
-        while (!mReferences.empty()) {
-            std::vector<Reference> waiting;
-            for (const Reference& reference : mReferences) {
-                CRGBColor color;
-                if (PendingFor(reference.variant, reference.to))
-                    waiting.push_back(reference);
-                else if (Find(reference.variant, reference.to, color))
-                    Set(reference.variant, reference.name, color);
-                else
-                    Fail(reference.line, reference.column,
-                         "unknown colour \"" + reference.to + "\"");
-            }
-            if (waiting.size() == mReferences.size())
-                Fail(waiting.front().line, waiting.front().column,
-                     "\"" + waiting.front().name + "\" refers to itself");
-            mReferences = std::move(waiting);
+    void Follow(References::const_iterator place, std::set<Key>& settled) {
+        const int variant = place->first.first;
+        std::vector<References::const_iterator> chain;
+        std::set<Key> seen;
+        for (;;) {
+            if (!seen.insert(place->first).second)
+                Fail(place->second.line, place->second.column,
+                     "\"" + place->first.second + "\" refers to itself");
+            chain.push_back(place);
+            const auto next = mReferences.find({variant, place->second.to});
+            if (next == mReferences.end() || settled.contains(next->first))
+                break;
+            place = next;
+        }
+        CRGBColor color;
+        if (!Find(variant, place->second.to, color))
+            Fail(place->second.line, place->second.column,
+                 "unknown colour \"" + place->second.to + "\"");
+        for (const auto& link : chain) {
+            Set(variant, link->first.second, color);
+            settled.insert(link->first);
         }
     }
 
@@ -295,7 +301,7 @@ class ThemeReader {
     int mLine = 0;
     int mVariant = -1;
     ThemeTable mTable;
-    std::vector<Reference> mReferences;
+    References mReferences;
 };
 
 } // namespace

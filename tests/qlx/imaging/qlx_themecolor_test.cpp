@@ -135,6 +135,10 @@ TEST_F(Theme, WhatIsNoThemeIsToldWithItsPlace) {
          "f:2:8: expected #RRGGBB, #RRGGBBAA or $Name, not \"#12345\""},
         {"nothing of that name", "[dark]\nText = $Gone\n", "f:2:8: unknown colour \"Gone\""},
         {"a circle", "[dark]\nA = $B\nB = $A\n", "f:2:5: \"A\" refers to itself"},
+        {"a way into a circle", "[dark]\nIn = $A\nA = $B\nB = $A\n",
+         "f:3:5: \"A\" refers to itself"},
+        {"the end of a chain is missing", "[dark]\nA = $B\nB = $Gone\n",
+         "f:3:5: unknown colour \"Gone\""},
     };
     const std::string before = QLX_Theme::AsText();
     for (const auto& row : rows) {
@@ -146,6 +150,21 @@ TEST_F(Theme, WhatIsNoThemeIsToldWithItsPlace) {
         }
         EXPECT_EQ(QLX_Theme::AsText(), before) << row.why;
     }
+}
+
+// A chain from top to bottom, of which every name waits for the next: done in one walk.
+TEST_F(Theme, LongChainsAreNotWalkedAgainAndAgain) {
+    std::string text = "[light]\n";
+    constexpr int kLinks = 20000;
+    for (int i = 0; i < kLinks; ++i)
+        text += "N" + std::to_string(i) + " = $N" + std::to_string(i + 1) + "\n";
+    QLX_Theme::LoadText(text + "N" + std::to_string(kLinks) + " = #102030\nText = $N0\n", "t");
+    EXPECT_EQ(QLX_Theme::GetColor(kThemeColor_Text), CRGBColor(0x1010, 0x2020, 0x3030));
+    QLX_Theme::LoadText("[light]\nA = #000000\nA = $B\nB = #102030\nText = $B\nText = $A\n"
+                        "MenuText = $A\nMenuText = #FFFFFF\n",
+                        "t");
+    EXPECT_EQ(QLX_Theme::GetColor(kThemeColor_Text), CRGBColor(0x1010, 0x2020, 0x3030));
+    EXPECT_EQ(QLX_Theme::GetColor(kThemeColor_MenuText), CRGBColor(65535, 65535, 65535));
 }
 
 TEST_F(Theme, NamedColoursRegisterWithIt) {
