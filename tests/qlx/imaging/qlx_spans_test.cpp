@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <sstream>
 #include <vector>
@@ -253,6 +254,118 @@ TEST(Spans, PremultipliedPixelsStayPremultiplied) {
         for (const std::uint32_t pixel : canvas.memory)
             for (int shift = 0; shift < 24; shift += 8)
                 ASSERT_LE(pixel >> shift & 255, pixel >> 24) << "seed " << seed;
+    }
+}
+
+TEST(Spans, ColumnsAreFilledRowByRowAsTheyWouldBeOneByOne) {
+    for (unsigned seed = 1; seed <= 200; ++seed) {
+        std::mt19937 random(seed);
+        constexpr int kWide = 150, kHigh = 24;
+        Canvas canvas(kWide, kHigh, seed % 2 == 0, random);
+        const Rect rect(int(random() % 20), int(random() % 5), kWide - int(random() % 20),
+                        kHigh - int(random() % 5));
+        const int count = 1 + int(random() % 140), columnWidth = 1 + int(random() % 3);
+        const int x = int(random() % 60) - 30;
+        std::vector<int> tops, bottoms;
+        for (int i = 0; i < count; ++i) {
+            tops.push_back(int(random() % 40) - 8);
+            bottoms.push_back(random() % 6 == 0 ? -1000 : tops.back() + int(random() % 30));
+        }
+        QLX_SpanPaint paint;
+        paint.color = random() | 0xFF000000;
+        paint.alpha = seed % 3 == 0 ? 100 : 255;
+        std::vector<std::uint32_t> should = canvas.memory;
+        for (int i = 0; i < count; ++i)
+            for (int y = rect.top; y < rect.bottom; ++y)
+                for (int column = x + i * columnWidth; column < x + (i + 1) * columnWidth; ++column)
+                    if (y >= tops[std::size_t(i)] && y < bottoms[std::size_t(i)] &&
+                        column >= rect.left && column < rect.right) {
+                        Canvas one(1, 1, canvas.surface.hasAlpha, random);
+                        std::uint32_t& pixel =
+                            should[std::size_t(y * canvas.surface.rowPixels + column)];
+                        *one.surface.pixels = pixel;
+                        QLX_FillSpans(one.surface, Rect(0, 0, 1, 1), paint);
+                        pixel = *one.surface.pixels;
+                    }
+        std::vector<int> scratch(std::size_t(4 * ((count + 31) / 32)));
+        QLX_FillColumns(canvas.surface, rect, x, count, tops.data(), bottoms.data(), columnWidth,
+                        paint, scratch.data());
+        ASSERT_EQ(canvas.memory, should) << "seed " << seed;
+    }
+}
+
+TEST(Spans, StretchedPicturesLookAtTheirPartOnly) {
+    for (unsigned seed = 1; seed <= 300; ++seed) {
+        std::mt19937 random(seed);
+        const int width = 1 + int(random() % 12), height = 1 + int(random() % 12);
+        // One colour within the part, another around it that must not bleed in.
+        const Rect part(3, 2, 3 + width, 2 + height);
+        std::vector<std::uint32_t> picture(20 * 20, 0xFFFF00FF);
+        for (int y = part.top; y < part.bottom; ++y)
+            for (int x = part.left; x < part.right; ++x)
+                picture[std::size_t(y * 20 + x)] = 0xFF204060;
+        const int left = int(random() % 50) - 25, top = int(random() % 50) - 25;
+        const Rect to(left, top, left + 1 + int(random() % 40), top + 1 + int(random() % 40));
+        std::vector<std::uint32_t> out(std::size_t(to.GetWidth()) * std::size_t(to.GetHeight()));
+        QLX_ScalePixels(picture.data(), 20, part, to, to, out.data(), to.GetWidth());
+        for (const std::uint32_t pixel : out)
+            ASSERT_EQ(pixel, 0xFF204060) << "seed " << seed;
+        // A piece alone is what it is in the whole.
+        std::generate(picture.begin(), picture.end(), [&] { return Canvas::Pixel(random, true); });
+        QLX_ScalePixels(picture.data(), 20, part, to, to, out.data(), to.GetWidth());
+        const Rect piece(to.left + to.GetWidth() / 3, to.top + to.GetHeight() / 4, to.right,
+                         to.bottom);
+        std::vector<std::uint32_t> again(std::size_t(piece.GetWidth()) *
+                                         std::size_t(piece.GetHeight()));
+        QLX_ScalePixels(picture.data(), 20, part, to, piece, again.data(), piece.GetWidth());
+        for (int y = piece.top; y < piece.bottom; ++y)
+            for (int x = piece.left; x < piece.right; ++x)
+                ASSERT_EQ(again[std::size_t((y - piece.top) * piece.GetWidth() + x - piece.left)],
+                          out[std::size_t((y - to.top) * to.GetWidth() + x - to.left)])
+                    << "seed " << seed;
+        // At its own size a picture stays as it is.
+        const Rect same(left, top, left + width, top + height);
+        std::vector<std::uint32_t> copy(std::size_t(width) * std::size_t(height));
+        QLX_ScalePixels(picture.data(), 20, part, same, same, copy.data(), width);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                ASSERT_EQ(copy[std::size_t(y * width + x)],
+                          picture[std::size_t((y + 2) * 20 + x + 3)])
+                    << "seed " << seed;
+    }
+}
+
+TEST(Spans, CopiesWeighAlphaTwiceAndLeaveTheBackgroundOut) {
+    std::mt19937 random(3);
+    const struct {
+        const char* why;
+        std::uint32_t there, source;
+        EPenMode mode;
+        unsigned alpha;
+        bool opaque;
+        std::uint32_t is;
+    } rows[] = {
+        {"opaque over anything", 0xFF102030, 0xFF405060, kPenMode_Copy, 255, false, 0xFF405060},
+        {"nothing over anything", 0xFF102030, 0x00000000, kPenMode_Copy, 255, false, 0xFF102030},
+        {"half of white over black", 0xFF000000, 0x80808080, kPenMode_Copy, 255, false, 0xFF808080},
+        {"half of an opaque one", 0xFF000000, 0xFFFFFFFF, kPenMode_Copy, 128, false, 0xFF808080},
+        {"alpha that does not count", 0xFF000000, 0x00405060, kPenMode_Copy, 255, true, 0x00405060},
+        {"the background colour", 0xFF102030, 0xFFFFFFFF, kPenMode_Transparent, 255, false,
+         0xFF102030},
+        {"another colour", 0xFF102030, 0xFF010203, kPenMode_Transparent, 255, false, 0xFF010203},
+        {"inverted", 0xFF102030, 0xFF0000FF, kPenMode_NotCopy, 255, false, 0xFFFFFF00},
+        {"added", 0xFF102030, 0xFFF00101, kPenMode_Add, 255, false, 0xFFFF2131},
+    };
+    for (const auto& row : rows) {
+        Canvas canvas(5, 1, false, random);
+        std::fill(canvas.memory.begin(), canvas.memory.end(), row.there);
+        const std::vector<std::uint32_t> source(3, row.source);
+        QLX_CopySpans(canvas.surface, Rect(1, 0, 4, 1), source.data(), 3, row.mode, row.alpha,
+                      row.opaque, 0xFFFFFFFF);
+        for (int x = 0; x < 5; ++x)
+            EXPECT_EQ(Counted(canvas.memory[std::size_t(x)], false),
+                      Counted(x >= 1 && x < 4 ? row.is : row.there, false))
+                << row.why << ", pixel " << x;
     }
 }
 
