@@ -137,14 +137,7 @@ void QLX_CanvasPainter::DrawIcon(const QLX_Icon& icon, const Cmn_Rect<int>& rect
     const ImagePtr image = icon.GetImageFor(pixels.GetWidth());
     if (!image)
         return;
-    // In the rectangle's middle, whole, and never enlarged beyond it.
-    const double fit = std::min({1.0, double(rect.GetWidth()) / image->GetWidth(),
-                                 double(rect.GetHeight()) / image->GetHeight()});
-    const int width = std::max(1, int(image->GetWidth() * fit + 0.5));
-    const int height = std::max(1, int(image->GetHeight() * fit + 0.5));
-    const int left = rect.left + (rect.GetWidth() - width) / 2;
-    const int top = rect.top + (rect.GetHeight() - height) / 2;
-    DrawImage(image, {left, top, left + width, top + height}, kPenMode_Copy);
+    DrawImage(image, QLX_Icon::GetPlace(*image, rect), kPenMode_Copy);
 }
 
 // Canvases

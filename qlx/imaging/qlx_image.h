@@ -98,6 +98,10 @@ class QLX_API QLX_Icon {
     /// The picture that suits a size in pixels best: the smallest at least as wide, else the
     /// widest. Null when the icon is empty.
     [[nodiscard]] QLX_Image::Ptr GetImageFor(int width) const noexcept;
+    /// Where a picture of an icon stands in a rectangle that is not empty: in the middle, whole,
+    /// never larger than it is.
+    [[nodiscard]] static Cmn_Rect<int> GetPlace(const QLX_Image& image,
+                                                const Cmn_Rect<int>& rect) noexcept;
     /// Ascending by width.
     [[nodiscard]] const std::vector<QLX_Image::Ptr>& GetImages() const noexcept { return mImages; }
 

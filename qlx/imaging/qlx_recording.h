@@ -187,7 +187,7 @@ class QLX_API QLX_Recording : public Cmn_RefCountObject {
     void Replay(const QLX_Painter::Ptr& painter) const;
     /// A picture of the drawing calls for looking at: an SVG document. Patterns are tiles, modes the
     /// blend modes that give the same pixels. Where there is none (bitwise modes of colours between
-    /// black and white, highlighting, scrolling) the nearest is shown; the document's description
+    /// black and white, subtracting, highlighting) the nearest is shown; the document's description
     /// counts these, and each has a title that says so. Offscreen canvases appear where they are
     /// copied.
     [[nodiscard]] std::string AsSVG() const;

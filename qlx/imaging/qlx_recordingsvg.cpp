@@ -6,6 +6,38 @@
 #include "qlx/imaging/qlx_recordingtable.h"
 #include "qlx/imaging/qlx_svgwriter.h"
 
+namespace {
+
+[[nodiscard]] QLX_Region Moved(const QLX_Region& region, Cmn_Point<int> by) {
+    QLX_Region moved;
+    for (const Cmn_Rect<int>& rect : region.GetRectList())
+        moved.UniteWith(Cmn_Rect<int>(
+            Cmn_SaturatingAdd(rect.left, by.x), Cmn_SaturatingAdd(rect.top, by.y),
+            Cmn_SaturatingAdd(rect.right, by.x), Cmn_SaturatingAdd(rect.bottom, by.y)));
+    return moved;
+}
+
+// Whether the call asks for edges without steps between.
+[[nodiscard]] bool HasHardEdges(const QLX_RecordedCall& call) {
+    const auto smooth = [&](std::size_t i) { return std::get<bool>(call.arguments[i]); };
+    switch (call.call) {
+    case EPainterCall::DrawRoundRect:
+    case EPainterCall::FillRoundRect:
+    case EPainterCall::EraseRoundRect:
+    case EPainterCall::DrawArc:
+        return !smooth(3);
+    case EPainterCall::DrawPolygon:
+        return !smooth(2);
+    case EPainterCall::FillOval:
+    case EPainterCall::DrawPath:
+        return !smooth(1);
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
 std::string QLX_Recording::AsSVG() const { return QLX_SVGWriter(*this).Write(); }
 
 std::string QLX_SVGWriter::RectAttributes(const Cmn_Rect<int>& rect) {
@@ -27,7 +59,13 @@ std::string QLX_SVGWriter::Write() {
                       size + ">\n" + Notes();
     if (!mDefinitions.empty())
         out += "<defs>\n" + mDefinitions + "</defs>\n";
-    return out + "<rect" + size + " fill=\"#FFFFFF\"/>\n" + mCanvases[0] + "</svg>\n";
+    return out + Ground() + mCanvases[0] + "</svg>\n";
+}
+
+// The first canvas is white before anything is drawn.
+std::string QLX_SVGWriter::Ground() const {
+    return "<rect" + Attribute("width", mRecording.GetWidth()) +
+           Attribute("height", mRecording.GetHeight()) + " fill=\"#FFFFFF\"/>\n";
 }
 
 std::string QLX_SVGWriter::Notes() const {
@@ -64,6 +102,8 @@ void QLX_SVGWriter::WriteGroup(const Call& call, const QLX_SVGLook& look, std::s
         group += Attribute("clip-path", "url(#" + clip + ")");
     if (!look.style.empty())
         group += Attribute("style", look.style);
+    if (HasHardEdges(call))
+        group += Attribute("shape-rendering", std::string("crispEdges"));
     if (look.isPicture && state.alpha * look.opacity < 1)
         group += Attribute("opacity", state.alpha * look.opacity);
     if (look.isPicture && look.inverted)
@@ -91,11 +131,19 @@ double QLX_SVGWriter::UnitOf(const Call& call) const {
 void QLX_SVGWriter::FollowCall(const Call& call) {
     if (call.call == EPainterCall::SetWindowOrigin) {
         mOrigins[call.canvas] = Get<Cmn_Point<int>>(call, 0);
+    } else if (call.call == EPainterCall::CreateImage) {
+        const int canvas = Get<QLX_RecordedCanvas>(call, 0).number;
+        Take(canvas == QLX_RecordedCanvas::kNone ? call.canvas : canvas,
+             Get<QLX_RecordedImage>(call, 1));
+    } else if (call.call == EPainterCall::SaveIntoImage) {
+        Take(call.canvas, Get<QLX_RecordedImage>(call, 0));
     } else if (call.call == EPainterCall::CreateOffscreenPainter) {
         const int made = Get<QLX_RecordedCanvas>(call, 3).number;
         if (made <= 0 || made == call.canvas)
             return;
         mOrigins[made] = call.state.origin;
+        mCorners[made] = {Cmn_ClampTo<int>(std::int64_t{R(call).left} - call.state.origin.x),
+                          Cmn_ClampTo<int>(std::int64_t{R(call).top} - call.state.origin.y)};
         Call inMade = call;
         inMade.canvas = made;
         inMade.state.clipped = false;
@@ -121,6 +169,7 @@ std::string QLX_SVGWriter::Defined(const char* kind, const std::string& before,
 }
 
 std::string QLX_SVGWriter::ClipOf(const Call& call) {
+    const bool scrolled = call.call == EPainterCall::ScrollCanvas;
     const bool cut = (call.call == EPainterCall::DrawTextBox && Get<bool>(call, 5)) ||
                      call.call == EPainterCall::DrawSingleLineTextBox;
     const auto* mask = call.call == EPainterCall::CopyCanvas
@@ -131,7 +180,7 @@ std::string QLX_SVGWriter::ClipOf(const Call& call) {
     const auto* limit = limitPlace != std::string_view::npos
                             ? std::get_if<Cmn_Rect<int>>(&call.arguments[limitPlace])
                             : nullptr;
-    if (!call.state.clipped && !cut && !mask && !limit)
+    if (!call.state.clipped && !cut && !mask && !limit && !scrolled)
         return "";
     const QLX_Region wide(Cmn_Rect<int>(-(1 << 29), -(1 << 29), 1 << 29, 1 << 29));
     QLX_Region clip = call.state.clipped ? call.state.clip : wide;
@@ -142,14 +191,11 @@ std::string QLX_SVGWriter::ClipOf(const Call& call) {
         clip = QLX_Region(clip.Intersection(QLX_Region(Cmn_Rect<int>(
             edge(limit->left), edge(limit->top), edge(limit->right), edge(limit->bottom)))));
     }
-    if (mask) {
-        const auto by = Get<Cmn_Point<int>>(call, 5);
-        QLX_Region moved;
-        for (const Cmn_Rect<int>& rect : mask->GetRectList())
-            moved.UniteWith(Cmn_Rect<int>(
-                Cmn_SaturatingAdd(rect.left, by.x), Cmn_SaturatingAdd(rect.top, by.y),
-                Cmn_SaturatingAdd(rect.right, by.x), Cmn_SaturatingAdd(rect.bottom, by.y)));
-        clip = QLX_Region(clip.Intersection(moved));
+    if (mask)
+        clip = QLX_Region(clip.Intersection(Moved(*mask, Get<Cmn_Point<int>>(call, 5))));
+    if (scrolled) { // what comes from within the rectangle and the clip and stays within them
+        clip = QLX_Region(clip.Intersection(QLX_Region(R(call))));
+        clip = QLX_Region(clip.Intersection(Moved(clip, {Get<int>(call, 1), Get<int>(call, 2)})));
     }
     std::string rects;
     for (const Cmn_Rect<int>& rect : clip.GetRectList())
@@ -169,7 +215,8 @@ std::string QLX_SVGWriter::InvertingFilter() {
 // copied to and fro do not double each time.
 std::string QLX_SVGWriter::Used(int canvas) {
     const std::string& content = mCanvases[canvas];
-    if (content.empty())
+    const std::string ground = canvas == 0 ? Ground() : std::string();
+    if (content.empty() && ground.empty())
         return "";
     std::string& name = mUsed[{canvas, content.size()}];
     if (name.empty()) {
@@ -178,4 +225,9 @@ std::string QLX_SVGWriter::Used(int canvas) {
             "<g" + Attribute("id", name) + " style=\"isolation:isolate\">\n" + content + "</g>\n";
     }
     return "<use" + Attribute("xlink:href", "#" + name) + "/>\n";
+}
+
+void QLX_SVGWriter::Take(int canvas, QLX_RecordedImage image) {
+    if (canvas >= 0 && image.number != 0)
+        mTaken[image.number] = {Used(canvas), mCorners[canvas]};
 }

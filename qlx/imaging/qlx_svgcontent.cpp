@@ -46,10 +46,8 @@ std::string QLX_SVGWriter::TextOrImage(const Call& call) {
         return ManyImages(call);
     case EPainterCall::OptimizedDrawBackgroundImage:
         return NineParts(call);
-    case EPainterCall::DrawIcon: {
-        const auto& images = Get<std::vector<QLX_RecordedImage>>(call, 0);
-        return images.empty() ? "" : Image(images.back(), R(call, 1));
-    }
+    case EPainterCall::DrawIcon:
+        return Icon(call);
     default:
         return Lines(call);
     }
@@ -99,10 +97,28 @@ std::string QLX_SVGWriter::Image(QLX_RecordedImage number, const Cmn_Rect<int>& 
     const QLX_Painter::ImagePtr image = mRecording.GetImage(number);
     if (!image)
         return "";
+    if (const auto taken = mTaken.find(number.number); taken != mTaken.end())
+        return View(taken->second.content, taken->second.corner.x, taken->second.corner.y,
+                    image->GetWidth(), image->GetHeight(), rect);
     if (!QLX_ImageCodec::Get()) // no way to pack the pixels: show where they go
         return "<rect fill=\"none\" stroke=\"#FF00FF\"" + RectAttributes(rect) + "/>";
     return "<image preserveAspectRatio=\"none\"" + RectAttributes(rect) +
            Attribute("xlink:href", "data:image/png;base64," + Base64(image->ToPNG())) + "/>";
+}
+
+// The smallest of the pictures that is as wide as the place in pixels, else the widest.
+std::string QLX_SVGWriter::Icon(const Call& call) const {
+    const Cmn_Rect<int>& rect = R(call, 1);
+    if (rect.Empty())
+        return "";
+    const double pixels = rect.GetWidth() * mRecording.GetScale().GetFactor();
+    for (const auto& images = Get<std::vector<QLX_RecordedImage>>(call, 0);
+         const QLX_RecordedImage& number : images) {
+        const QLX_Painter::ImagePtr image = mRecording.GetImage(number);
+        if (image && (image->GetWidth() >= pixels || number == images.back()))
+            return Image(number, QLX_Icon::GetPlace(*image, rect));
+    }
+    return "";
 }
 
 // Part of an image: a window onto the whole of it.
@@ -113,10 +129,8 @@ std::string QLX_SVGWriter::Portion(QLX_RecordedImage number, const Cmn_Rect<int>
         return "";
     if (source == image->GetBounds())
         return Image(number, rect);
-    return "<svg preserveAspectRatio=\"none\"" + RectAttributes(rect) +
-           Attribute("viewBox", Number(source.left) + " " + Number(source.top) + " " +
-                                    Number(source.GetWidth()) + " " + Number(source.GetHeight())) +
-           ">" + Image(number, image->GetBounds()) + "</svg>";
+    return View(Image(number, image->GetBounds()), source.left, source.top, source.GetWidth(),
+                source.GetHeight(), rect);
 }
 
 std::string QLX_SVGWriter::ManyImages(const Call& call) const {
@@ -173,9 +187,27 @@ std::string QLX_SVGWriter::Copied(const Call& call) {
     if (number < 0 || from.Empty() || to.Empty())
         return "";
     const Cmn_Point<int> origin = mOrigins[number];
+    return View(Used(number), double(from.left) - origin.x, double(from.top) - origin.y,
+                from.GetWidth(), from.GetHeight(), to);
+}
+
+// What is in the rectangle now is shown again where it is moved to; the clip does the rest.
+std::string QLX_SVGWriter::Scrolled(const Call& call) {
+    const int dx = Get<int>(call, 1), dy = Get<int>(call, 2);
+    const QLX_DeviceScale scale = mRecording.GetScale();
+    if (R(call).Empty() || !scale.IsExactDistance(dx) || !scale.IsExactDistance(dy))
+        return "";
+    const Cmn_Rect<int>& from = R(call);
+    const Cmn_Rect<int> to(Cmn_SaturatingAdd(from.left, dx), Cmn_SaturatingAdd(from.top, dy),
+                           Cmn_SaturatingAdd(from.right, dx), Cmn_SaturatingAdd(from.bottom, dy));
+    return View(Used(call.canvas), double(from.left) - call.state.origin.x,
+                double(from.top) - call.state.origin.y, from.GetWidth(), from.GetHeight(), to);
+}
+
+std::string QLX_SVGWriter::View(const std::string& content, double left, double top, double width,
+                                double height, const Cmn_Rect<int>& to) {
     return "<svg preserveAspectRatio=\"none\"" + RectAttributes(to) +
-           Attribute("viewBox", Number(double(from.left) - origin.x) + " " +
-                                    Number(double(from.top) - origin.y) + " " +
-                                    Number(from.GetWidth()) + " " + Number(from.GetHeight())) +
-           ">" + Used(number) + "</svg>";
+           Attribute("viewBox", Number(left) + " " + Number(top) + " " + Number(width) + " " +
+                                    Number(height)) +
+           ">" + content + "</svg>";
 }

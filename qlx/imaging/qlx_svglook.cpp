@@ -112,11 +112,6 @@ QLX_SVGLook QLX_LookOfCall(const QLX_RecordedCall& call) {
         look.note = "highlighting exchanges two colours, shown by multiply";
         return look;
     }
-    case EPainterCall::ScrollCanvas: {
-        QLX_SVGLook look;
-        look.note = "scrolling is left out";
-        return look;
-    }
     default:
         break;
     }

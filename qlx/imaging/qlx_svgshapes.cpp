@@ -223,6 +223,8 @@ std::string QLX_SVGWriter::OtherShape(const Call& call) {
         return Outline(call);
     case EPainterCall::CopyCanvas:
         return Copied(call);
+    case EPainterCall::ScrollCanvas:
+        return Scrolled(call);
     default:
         return TextOrImage(call);
     }

@@ -39,6 +39,7 @@ class QLX_SVGWriter {
 
     /// What is not the same, counted, for who reads the file.
     [[nodiscard]] std::string Notes() const;
+    [[nodiscard]] std::string Ground() const;
     void WriteCall(const Call& call);
     void WriteGroup(const Call& call, const QLX_SVGLook& look, std::string shape);
     [[nodiscard]] double UnitOf(const Call& call) const;
@@ -51,7 +52,10 @@ class QLX_SVGWriter {
     [[nodiscard]] std::string ClipOf(const Call& call);
     [[nodiscard]] std::string PatternOf(const QLX_RecordedState& state);
     [[nodiscard]] std::string InvertingFilter();
+    /// A canvas as it is now.
     [[nodiscard]] std::string Used(int canvas);
+    /// Remembers that an image holds what a canvas shows now.
+    void Take(int canvas, QLX_RecordedImage image);
 
     // Paints
 
@@ -83,11 +87,22 @@ class QLX_SVGWriter {
                                       const Cmn_Rect<int>& rect) const;
     [[nodiscard]] std::string ManyImages(const Call& call) const;
     [[nodiscard]] std::string NineParts(const Call& call) const;
+    [[nodiscard]] std::string Icon(const Call& call) const;
     [[nodiscard]] std::string Copied(const Call& call);
+    [[nodiscard]] std::string Scrolled(const Call& call);
+    /// A part of some content, stretched to a rectangle.
+    [[nodiscard]] static std::string View(const std::string& content, double left, double top,
+                                          double width, double height, const Cmn_Rect<int>& to);
 
     const QLX_Recording& mRecording; // not owned
     std::map<int, std::string> mCanvases;
+    struct Taken {
+        std::string content;
+        Cmn_Point<int> corner;
+    };
     std::map<int, Cmn_Point<int>> mOrigins;                   // of canvases' painters
+    std::map<int, Cmn_Point<int>> mCorners;                   // of canvases, in window coordinates
+    std::map<int, Taken> mTaken;                              // images that canvases were copied to
     std::map<std::pair<int, std::size_t>, std::string> mUsed; // by canvas and length
     std::map<std::string, std::string> mNames;                // of definitions, by their text
     std::map<std::string, int> mNotes;                        // how often

@@ -159,6 +159,16 @@ TEST(RecordingSVG, FramesAndLinesCoverThePixelsThatTheyCover) {
         << svg;
 }
 
+TEST(RecordingSVG, EdgesAreHardWhereTheCallSaysSo) {
+    const Painter p = NewRecorder();
+    for (const bool antialias : {false, true}) {
+        p->FillOval({0, 0, 9, 9}, antialias);
+        p->DrawRoundRect({0, 0, 9, 9}, 2, 2, antialias, !antialias);
+        p->DrawArc({0, 0, 9, 9}, 0, 90, antialias);
+    }
+    EXPECT_EQ(CountOf(SVGOf(p), "<g shape-rendering=\"crispEdges\">"), 3);
+}
+
 TEST(RecordingSVG, CanvasesCopiedToAndFroDoNotDouble) {
     const Painter p = NewRecorder();
     const Painter q = p->CreateOffscreenPainter({10, 10, 50, 50}, false, false);
@@ -170,6 +180,41 @@ TEST(RecordingSVG, CanvasesCopiedToAndFroDoNotDouble) {
     const std::string svg = SVGOf(p);
     EXPECT_LT(svg.size(), 2000000U);
     EXPECT_EQ(CountOf(svg, "<g id=\"canvas"), 128);
+}
+
+TEST(RecordingSVG, ScrolledPixelsAndImagesOfCanvasesAreShownAgain) {
+    const Painter p = NewRecorder();
+    const Painter q = p->CreateOffscreenPainter({10, 20, 50, 60}, true, false);
+    q->FillRect({12, 22, 20, 30});
+    p->SetClip(Cmn_Rect<int>(0, 0, 60, 60));
+    QLX_Region toRepaint;
+    p->ScrollCanvas({0, 0, 40, 40}, 10, -5, toRepaint);
+    p->DrawImage(p->CreateImage(q), {5, 5, 25, 25}, kPenMode_Copy);
+    const std::string svg = SVGOf(p);
+    EXPECT_NE(svg.find("<rect x=\"10\" y=\"0\" width=\"30\" height=\"35\"/></clipPath>"),
+              std::string::npos)
+        << svg;
+    EXPECT_NE(svg.find("x=\"10\" y=\"-5\" width=\"40\" height=\"40\" viewBox=\"0 0 40 40\"><use"),
+              std::string::npos)
+        << svg;
+    EXPECT_NE(svg.find("x=\"5\" y=\"5\" width=\"20\" height=\"20\" viewBox=\"10 20 40 40\"><use"),
+              std::string::npos)
+        << svg;
+    EXPECT_EQ(svg.find("<desc>"), std::string::npos);
+}
+
+TEST(RecordingSVG, IconsStandInTheMiddleAndAreNotEnlarged) {
+    const Painter p = NewRecorder();
+    QLX_Icon icon(QLX_Image::Create(8, 8));
+    icon.AddImage(QLX_Image::Create(16, 16));
+    p->DrawIcon(icon, {0, 0, 10, 30}); // the wide one, made smaller
+    p->DrawIcon(icon, {0, 0, 40, 30}); // the wide one at its size
+    p->DrawIcon(icon, {0, 0, 8, 8});
+    const std::string svg = SVGOf(p);
+    for (const char* place : {"x=\"0\" y=\"10\" width=\"10\" height=\"10\"",
+                              "x=\"12\" y=\"7\" width=\"16\" height=\"16\"",
+                              "x=\"0\" y=\"0\" width=\"8\" height=\"8\""})
+        EXPECT_NE(svg.find(place), std::string::npos) << place << " in " << svg;
 }
 
 TEST(RecordingSVG, AnOffscreenCanvasStartsInItsBackgroundAndIsSeenThroughItsMask) {
