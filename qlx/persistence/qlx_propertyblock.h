@@ -35,21 +35,24 @@ struct Ends {
     std::uint64_t mFirst;
     std::uint64_t mLast;
     friend bool operator==(const Ends& a, const Ends& b) noexcept {
-        return ((a.mFirst ^ b.mFirst) | (a.mLast ^ b.mLast)) == 0;
+        return a.mFirst == b.mFirst && a.mLast == b.mLast;
     }
 };
+
+/// Of one to three bytes.
+inline Ends EndsOfShort(const char* bytes, std::size_t size) noexcept {
+    const auto byte = [bytes](std::size_t at) {
+        return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[at]));
+    };
+    return {byte(0), byte(size / 2) << 8 | byte(size - 1)};
+}
 
 inline Ends EndsOf(const char* bytes, std::size_t size) noexcept {
     if (size >= 8)
         return {Load8(bytes), Load8(bytes + size - 8)};
     if (size >= 4)
         return {Load4(bytes), Load4(bytes + size - 4)};
-    if (size == 0)
-        return {0, 0};
-    const auto byte = [bytes](std::size_t at) {
-        return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[at]));
-    };
-    return {byte(0), byte(size / 2) << 8 | byte(size - 1)};
+    return size == 0 ? Ends{0, 0} : EndsOfShort(bytes, size);
 }
 
 /// What a name is looked for by.
@@ -63,11 +66,12 @@ struct Key {
 [[nodiscard]] std::uint64_t HashMiddle(std::string_view name) noexcept;
 
 /// The ends are multiplied, which the processor does for both at once, and added. The tag is the
-/// top of the sum, to which every input bit contributes.
+/// top of the sum, to which every input bit contributes. The size tells names apart that repeat one
+/// character.
 inline std::uint32_t TagOf(QLX_PropertyType type, std::size_t size, const Ends& ends,
                            std::uint64_t middle) noexcept {
-    const std::uint64_t hash = size * 0xA0761D6478BD642Fu + ends.mFirst * 0x9E3779B97F4A7C15u +
-                               ends.mLast * 0xD6E8FEB86659FD93u + middle;
+    const std::uint64_t hash =
+        ends.mFirst * 0x9E3779B97F4A7C15u + (ends.mLast + size) * 0xD6E8FEB86659FD93u + middle;
     return (static_cast<std::uint32_t>(hash >> 32) & ~kTypeMask) | static_cast<std::uint32_t>(type);
 }
 

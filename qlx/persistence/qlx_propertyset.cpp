@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/cmn/cmn_internal.h"
 #include "basekit/cmn/cmn_string.h"
 #include "basekit/sys/sys_typedstream.h"
 #include "qlx/persistence/qlx_nodepool.h"
@@ -293,11 +294,13 @@ bool QLX_PropertySet::FindText(QLX_PropertyType type, std::string_view name,
 }
 
 // Look-ups are what building a window does most. The getters of scalars therefore spell out Find
-// for what nearly all look-ups are, names of up to sixteen bytes in sets of up to 254 values,
-// without a call, and leave the others to GetAnyScalar.
+// for what nearly all look-ups are, names of one to sixteen bytes in sets of up to 254 values,
+// without a call and once for each width in which such names are read, and leave the others to
+// GetAnyScalar.
 namespace {
 template <class Block, class Value>
-bool GetAnyScalar(Block* block, QLX_PropertyType type, std::string_view name, Value& value) {
+QLX_STANDS_ALONE bool GetAnyScalar(Block* block, QLX_PropertyType type, std::string_view name,
+                                   Value& value) {
     const std::size_t index = block->Find(KeyOf(type, name));
     if (index == static_cast<std::size_t>(-1))
         return false;
@@ -305,40 +308,80 @@ bool GetAnyScalar(Block* block, QLX_PropertyType type, std::string_view name, Va
     return true;
 }
 
+/// The two pieces in which EndsOf reads a name, for names of one width; 1 for up to three bytes.
+template <std::size_t kWidth>
+inline Ends EndsOfWidth(const char* bytes, std::size_t size) noexcept {
+    if constexpr (kWidth == 8)
+        return {Load8(bytes), Load8(bytes + size - 8)};
+    else if constexpr (kWidth == 4)
+        return {Load4(bytes), Load4(bytes + size - 4)};
+    else
+        return EndsOfShort(bytes, size);
+}
+
+/// From the cell that the name belongs into to the first empty one.
+template <QLX_PropertyType kType, std::size_t kWidth, class Block, class Value>
+QLX_STANDS_ALONE bool GetScalarByProbing(Block* block, std::string_view name, Value& value) {
+    const Ends ends = EndsOfWidth<kWidth>(name.data(), name.size());
+    const std::uint32_t tag = TagOf(kType, name.size(), ends, 0);
+    const auto* const cells = reinterpret_cast<const unsigned char*>(block->Index());
+    const std::size_t mask = block->CellCount() - 1;
+    std::size_t cell = tag >> block->mIndexShift;
+    while (const std::size_t number = cells[cell]) {
+        const auto& entry = block->Entries()[number - 1];
+        const char* const found = block->Data() + entry.mNameOffset;
+        if (block->Tags()[number - 1] == tag && entry.mNameSize == name.size() &&
+            EndsOfWidth<kWidth>(found, name.size()) == ends) {
+            value = static_cast<Value>(entry.mValue);
+            return true;
+        }
+        cell = (cell + 1) & mask;
+    }
+    return false;
+}
+
+/// Where one comparison decides: the first value with the name's tag is the one that is looked for,
+/// but for one case in millions, and in an index, seldom full, it stands where it belongs.
+template <QLX_PropertyType kType, std::size_t kWidth, class Block, class Value>
+QLX_STANDS_ALONE bool GetScalarOfWidth(Block* block, std::string_view name, Value& value) {
+    const Ends ends = EndsOfWidth<kWidth>(name.data(), name.size());
+    const std::uint32_t tag = TagOf(kType, name.size(), ends, 0);
+    const std::uint32_t* const tags = block->Tags();
+    std::size_t index = 0;
+    if (!block->mIndexShift) {
+        const std::size_t count = block->mCount;
+        while (index < count && tags[index] != tag)
+            ++index;
+        if (index == count)
+            return false;
+    } else {
+        const auto* const cells = reinterpret_cast<const unsigned char*>(block->Index());
+        index = cells[tag >> block->mIndexShift];
+        if (index == 0)
+            return false;
+        if (tags[--index] != tag) [[unlikely]]
+            return GetScalarByProbing<kType, kWidth>(block, name, value);
+    }
+    const auto& entry = block->Entries()[index];
+    const char* const found = block->Data() + entry.mNameOffset;
+    if (entry.mNameSize != name.size() || EndsOfWidth<kWidth>(found, name.size()) != ends)
+        [[unlikely]]
+        return GetAnyScalar(block, kType, name, value);
+    value = static_cast<Value>(entry.mValue);
+    return true;
+}
+
 template <QLX_PropertyType kType, class Block, class Value>
 bool GetScalar(Block* block, std::string_view name, Value& value) {
     if (!block)
         return false;
-    if (name.size() > 16 || block->mCellSize != 1) [[unlikely]]
+    if (name.empty() || name.size() > 16 || block->mCellSize != 1) [[unlikely]]
         return GetAnyScalar(block, kType, name, value);
-    const Ends ends = EndsOf(name.data(), name.size());
-    const std::uint32_t tag = TagOf(kType, name.size(), ends, 0);
-    const std::uint32_t* const tags = block->Tags();
-    const auto* const entries = block->Entries();
-    const char* const data = block->Data();
-    const auto isIt = [&](std::size_t index) {
-        return tags[index] == tag && entries[index].mNameSize == name.size() &&
-               EndsOf(data + entries[index].mNameOffset, name.size()) == ends;
-    };
-    if (!block->mIndexShift) {
-        for (std::size_t i = 0, count = block->mCount; i < count; ++i) {
-            if (isIt(i)) {
-                value = static_cast<Value>(entries[i].mValue);
-                return true;
-            }
-        }
-        return false;
-    }
-    const unsigned char* const cells = reinterpret_cast<const unsigned char*>(block->Index());
-    for (std::size_t cell = tag >> block->mIndexShift;; ++cell) {
-        const std::size_t number = cells[cell & (block->CellCount() - 1)];
-        if (number == 0)
-            return false;
-        if (isIt(number - 1)) {
-            value = static_cast<Value>(entries[number - 1].mValue);
-            return true;
-        }
-    }
+    if (name.size() >= 8)
+        return GetScalarOfWidth<kType, 8>(block, name, value);
+    if (name.size() >= 4)
+        return GetScalarOfWidth<kType, 4>(block, name, value);
+    return GetScalarOfWidth<kType, 1>(block, name, value);
 }
 } // namespace
 

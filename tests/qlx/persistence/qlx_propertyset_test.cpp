@@ -5,8 +5,12 @@
 
 #include <map>
 #include <random>
+#include <string>
+#include <unordered_map>
+#include <utility>
 
 #include "basekit/sys/sys_typedstream.h"
+#include "qlx/persistence/qlx_propertyblock.h"
 #include "tests/support/allocation_counter.h"
 #include "tests/support/assertion_catcher.h"
 
@@ -95,6 +99,51 @@ TEST(PropertySet, LooksUpByTypeAndNameOnly) {
     EXPECT_FALSE(set.GetInt64Property("x", wide));
     EXPECT_FALSE(set.GetStringKeyProperty("x", text));
     EXPECT_EQ(wide, 5);
+}
+
+// Two names whose short hashes are the same, of a size that is read in pieces of so many bytes.
+std::pair<std::string, std::string> NamesWithOneTag(std::size_t width) {
+    std::mt19937 random(20250309);
+    std::unordered_map<std::uint32_t, std::string> seen;
+    while (true) {
+        std::string name(width == 4 ? 7 : 12, ' ');
+        for (char& c : name)
+            c = static_cast<char>('a' + random() % 26);
+        const std::uint32_t tag =
+            QLX_PropertyBytes::TagOf(qlx_PropType_Int32, name.size(),
+                                     QLX_PropertyBytes::EndsOf(name.data(), name.size()), 0);
+        const auto [place, isNew] = seen.try_emplace(tag, name);
+        if (!isNew && place->second != name)
+            return {place->second, name};
+    }
+}
+
+TEST(PropertySet, NamesWithOneHashAreToldApart) {
+    for (const std::size_t width : {4u, 8u}) {
+        const auto [first, second] = NamesWithOneTag(width);
+        SCOPED_TRACE(first + " and " + second);
+        for (const int others : {0, 20, 300}) { // compared in a row, indexed, indexed widely
+            for (const bool hasSecond : {false, true}) {
+                SCOPED_TRACE(testing::Message() << others << hasSecond);
+                QLX_PropertySet set;
+                set.SetInt32Property(first, 1);
+                if (hasSecond)
+                    set.SetInt32Property(second, 2);
+                for (int i = 0; i < others; ++i)
+                    set.SetInt32Property("other" + std::to_string(i), 100 + i);
+                std::int32_t value = 0;
+                EXPECT_TRUE(set.GetInt32Property(first, value));
+                EXPECT_EQ(value, 1);
+                EXPECT_EQ(set.GetInt32Property(second, value), hasSecond);
+                EXPECT_EQ(value, hasSecond ? 2 : 1);
+                EXPECT_EQ(set.HasProperty(qlx_PropType_Int32, second), hasSecond);
+                for (int i = 0; i < others; ++i) {
+                    ASSERT_TRUE(set.GetInt32Property("other" + std::to_string(i), value));
+                    ASSERT_EQ(value, 100 + i);
+                }
+            }
+        }
+    }
 }
 
 TEST(PropertySet, ALookUpAllocatesNothing) {
