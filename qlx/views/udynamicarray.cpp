@@ -35,8 +35,10 @@ class StBlock {
 /// reached.
 std::size_t RoomFor(std::int64_t size) {
     const auto bytes = static_cast<std::size_t>(size);
-    const std::size_t step = std::bit_floor(bytes) / 4;
-    return bytes <= 128 ? bytes : (bytes + step - 1) / step * step;
+    if (bytes <= 128)
+        return bytes;
+    const std::size_t step = std::bit_floor(bytes) / 4; // a power of two
+    return (bytes + step - 1) & ~(step - 1);
 }
 
 } // namespace
@@ -81,7 +83,7 @@ void TDynamicArray::SetArraySize(int n) {
         return;
     std::int64_t capacity = n;
     if (mGrowthIncrement > 0)
-        capacity = (std::int64_t{n} / mGrowthIncrement + 1) * mGrowthIncrement;
+        capacity = (std::int64_t{n / mGrowthIncrement} + 1) * mGrowthIncrement;
     if (capacity > std::numeric_limits<std::int32_t>::max())
         Cmn_RaiseFailure(kFailure_OutOfMemory);
     SetCapacity(static_cast<int>(capacity));
@@ -136,16 +138,19 @@ void TDynamicArray::ReplaceElementsAt(int index, const void* elements, int n) {
 }
 
 void TDynamicArray::InsertElementsBefore(int index, const void* elements, int n) {
-    // A list that is filled: one element at the end, where there is room.
-    if (n == 1 && index > mCount && mCount < mCapacity && !mIterators) {
-        char* const place = mStorage + (static_cast<std::size_t>(mCount) << mElementShift);
-        if (mElementSize == sizeof(void*))
-            std::memmove(place, elements, sizeof(void*));
-        else
-            std::memmove(place, elements, RunBytes(1));
-        ++mCount;
+    // A list that is filled: one pointer at the end, where there is room.
+    const bool isSimple = n == 1 && mElementSize == sizeof(void*) && index > mCount &&
+                          mCount < mCapacity && !mIterators;
+    if (!isSimple) {
+        InsertRun(index, elements, n);
         return;
     }
+    std::memmove(mStorage + static_cast<std::size_t>(mCount) * sizeof(void*), elements,
+                 sizeof(void*));
+    ++mCount;
+}
+
+void TDynamicArray::InsertRun(int index, const void* elements, int n) {
     if (n <= 0)
         return;
     index = std::clamp(index, 1, mCount + 1);
@@ -214,6 +219,9 @@ void TDynamicArray::Free() {
     DetachIterators();
     TObject::Free();
 }
+
+// Here, where the compiler can merge the question for the size into it.
+void TList::InsertLast(TObject* object) { InsertElementsBefore(GetSize() + 1, &object, 1); }
 
 QLX_DEFINE_CLASS(TSortedDynamicArray, TDynamicArray)
 

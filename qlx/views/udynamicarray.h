@@ -68,6 +68,7 @@ class QLX_API TDynamicArray : public TObject {
 
     void SetElementSize(short elementSize);
     void SetCapacity(int capacity);
+    void InsertRun(int index, const void* elements, int n);
     /// The bytes of a run that an operation copies.
     [[nodiscard]] std::size_t RunBytes(int n) const;
     [[nodiscard]] bool IsInStorage(const void* address) const;

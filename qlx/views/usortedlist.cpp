@@ -225,8 +225,6 @@ int TList::InsertElementInOrder(const void* element) {
 
 void TList::InsertFirst(TObject* object) { InsertElementsBefore(1, &object, 1); }
 
-void TList::InsertLast(TObject* object) { InsertElementsBefore(GetSize() + 1, &object, 1); }
-
 void TList::Push(TObject* object) { InsertLast(object); }
 
 TObject* TList::Pop() {
