@@ -44,7 +44,7 @@ void TApplication::PostAndConsumeEvent(TEvent* event, bool atFront) {
         Enqueue(event, atFront);
 }
 
-bool TApplication::IsPosted(const TEvent* event) const {
+inline bool TApplication::IsPosted(const TEvent* event) const {
     return std::any_of(mPosted.begin() + static_cast<std::ptrdiff_t>(mPostedHead), mPosted.end(),
                        [event](const Posted& posted) { return posted.mEvent == event; });
 }
@@ -76,7 +76,7 @@ void TApplication::Enqueue(TEvent* event, bool atFront) {
 
 std::size_t TApplication::CountPosted() const { return mPosted.size() - mPostedHead; }
 
-TEvent* TApplication::TakePosted(std::size_t index) {
+inline TEvent* TApplication::TakePosted(std::size_t index) {
     TEvent* const event = mPosted[index].mEvent;
     if (index == mPostedHead)
         ++mPostedHead;
@@ -102,7 +102,7 @@ TEvent* TApplication::RetrieveAnEvent() {
 
 // The next event of the queue that was posted before the given turn, is ready, and was not found
 // unready in this turn.
-TEvent* TApplication::TakeReady(std::uint64_t turn) {
+inline TEvent* TApplication::TakeReady(std::uint64_t turn) {
     for (std::size_t i = mPostedHead; i < mPosted.size(); ++i) {
         Posted& posted = mPosted[i];
         if (posted.mTurn >= turn || posted.mAskedInTurn == turn)
@@ -114,23 +114,7 @@ TEvent* TApplication::TakeReady(std::uint64_t turn) {
     return nullptr;
 }
 
-int TApplication::ProcessPosted() {
-    if (CountPosted() == 0)
-        return 0;
-    const StGuard self(this);
-    const std::uint64_t turn = ++mPostTurn;
-    int processed = 0;
-    while (self && CountPosted() != 0) {
-        TEvent* const event = TakeReady(turn);
-        if (!event)
-            break;
-        ++processed;
-        ProcessOne(event);
-    }
-    return processed;
-}
-
-void TApplication::ProcessOne(TEvent* event) {
+inline void TApplication::ProcessOne(TEvent* event) {
     const StGuard self(this);
     const bool isCommand = event->IsCommand();
     const bool isRecurring = event->IsRecurring();
@@ -154,6 +138,22 @@ void TApplication::ProcessOne(TEvent* event) {
         Enqueue(event, false);
     else if (!isCommand)
         DropEvent(event);
+}
+
+int TApplication::ProcessPosted() {
+    if (CountPosted() == 0)
+        return 0;
+    const StGuard self(this);
+    const std::uint64_t turn = ++mPostTurn;
+    int processed = 0;
+    while (self && CountPosted() != 0) {
+        TEvent* const event = TakeReady(turn);
+        if (!event)
+            break;
+        ++processed;
+        ProcessOne(event);
+    }
+    return processed;
 }
 
 void TApplication::DropPosted() {
