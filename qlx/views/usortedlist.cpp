@@ -239,7 +239,8 @@ TObject* TList::Dequeue() {
     return object;
 }
 
-// Lists keep the order they were given, so not by sorting. NOLINTNEXTLINE(bugprone-parent-virtual-call)
+// Lists keep the order they were given, so not by sorting.
+// NOLINTNEXTLINE(bugprone-parent-virtual-call)
 void TList::Merge(TDynamicArray* other) { TDynamicArray::Merge(other); }
 
 TObject* TList::DoSearch(SearchFunction compare, const void* key) {
