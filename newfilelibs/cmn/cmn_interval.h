@@ -9,7 +9,7 @@ class QLX_API Cmn_Interval {
     /// Whether an interval's length fits the coordinate type, so that widths and heights may be
     /// computed without overflow. Intervals that are not in order have no length and pass.
     [[nodiscard]] static constexpr bool IsInRange(int low, int high) noexcept {
-        return low >= high || low >= 0 || high <= std::numeric_limits<int>::max() + low;
+        return std::int64_t{high} - std::int64_t{low} <= std::numeric_limits<int>::max();
     }
 
     /// Reports (as a trace assertion; nothing is changed) a rectangle whose width or height does

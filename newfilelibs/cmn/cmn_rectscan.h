@@ -202,7 +202,10 @@ template <class Found>
 inline void ForEachTouching(const TouchProbe& probe, const Rect* rects, std::size_t count,
                             Found found) {
     for (std::size_t i = 0; i < count; i += 4) {
-        for (unsigned bits = probe.Four(rects + i); bits != 0; bits &= bits - 1) {
+        unsigned bits = probe.Four(rects + i);
+        if (bits == 0) [[likely]]
+            continue;
+        for (; bits != 0; bits &= bits - 1) {
             const std::size_t index = i + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
             if (index >= count || !found(index))
                 return;

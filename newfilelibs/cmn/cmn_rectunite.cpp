@@ -190,7 +190,7 @@ bool UniteByCutting(Cmn_RectList& list, const Rect& rect) {
 
 bool Cmn_UniteWithRect(Cmn_RectList& joined, const Rect& rect) {
     const Partners partners = FindPartners(joined, rect);
-    if (partners.mCount == 0) {
+    if (partners.mCount == 0) [[likely]] {
         Rect* const rects = joined.Extend();
         Cmn_InsertSorted(rects, joined.size() - 1, rect);
         return true;
