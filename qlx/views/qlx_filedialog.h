@@ -37,6 +37,8 @@ class QLX_API QLX_FileDialogs {
 
     /// Those in use: the platform's, or the ones that the framework draws.
     [[nodiscard]] static QLX_FileDialogs& Get();
+    /// Those that the framework draws, whatever is installed.
+    [[nodiscard]] static QLX_FileDialogs& GetDrawn();
     /// Not owned; null brings back the framework's. Returns the previous ones, null for the
     /// framework's.
     static QLX_FileDialogs* Install(QLX_FileDialogs* dialogs);

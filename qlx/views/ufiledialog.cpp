@@ -98,6 +98,8 @@ QLX_FileDialogs::~QLX_FileDialogs() = default;
 
 QLX_FileDialogs& QLX_FileDialogs::Get() { return sInstalled ? *sInstalled : sDrawn; }
 
+QLX_FileDialogs& QLX_FileDialogs::GetDrawn() { return sDrawn; }
+
 QLX_FileDialogs* QLX_FileDialogs::Install(QLX_FileDialogs* dialogs) {
     return std::exchange(sInstalled, dialogs);
 }

@@ -30,7 +30,8 @@ void FollowMonitors() {
 
 // The platform
 
-QLX_Win32Platform::State::State() : loop(*this), factory(*this), clipboard(*this) {}
+QLX_Win32Platform::State::State()
+    : loop(*this), factory(*this), clipboard(*this), fileDialogs(*this) {}
 
 QLX_Win32Platform::State::~State() {
     if (waker)
@@ -72,6 +73,8 @@ QLX_WindowPortFactory& QLX_Win32Platform::GetWindowFactory() { return mState->fa
 QLX_KeyboardSource& QLX_Win32Platform::GetKeyboard() { return mState->keyboard; }
 
 QLX_Clipboard& QLX_Win32Platform::GetClipboard() { return mState->clipboard; }
+
+QLX_FileDialogs* QLX_Win32Platform::GetFileDialogs() { return &mState->fileDialogs; }
 
 int QLX_Win32Platform::GetDisplayScale() const {
     return QLX_PainterWindows::GetWindowScale(nullptr).Get120ths();

@@ -21,6 +21,7 @@ class QLX_API QLX_Win32Platform : public QLX_Platform {
     QLX_KeyboardSource& GetKeyboard() override;
     QLX_Clipboard& GetClipboard() override;
     int GetDisplayScale() const override;
+    QLX_FileDialogs* GetFileDialogs() override;
 
     struct State;
 

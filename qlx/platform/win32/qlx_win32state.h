@@ -8,6 +8,7 @@
 
 #include "qlx/imaging/win32/qlx_windows.h"
 #include "qlx/platform/win32/qlx_win32.h"
+#include "qlx/platform/win32/qlx_win32filedialogs.h"
 #include "qlx/views/qlx_clipboard.h"
 #include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/qlx_keyboard.h"
@@ -89,6 +90,7 @@ struct QLX_Win32Platform::State {
     QLX_Win32Factory factory;
     QLX_Win32Keyboard keyboard;
     QLX_Win32Clipboard clipboard;
+    QLX_Win32FileDialogs fileDialogs;
     std::vector<QLX_Win32Window*> windows; // not owned
     HWND waker = nullptr;                  // owned; a window for messages only
     DWORD thread = 0;
