@@ -12,9 +12,17 @@
 
 TEventHandler* TEventHandler::GetNextHandler() { return mNextHandler; }
 
+namespace {
+
+QLX_STANDS_ALONE TBehavior* FirstEnabledFrom(TBehavior* first) {
+    return first->IsEnabled() ? first : first->GetNextEnabledBehavior();
+}
+
+} // namespace
+
+// Small, so that it is merged into the Handle operations where nobody overrides it.
 TBehavior* TEventHandler::GetFirstEnabledBehavior() {
-    TBehavior* const first = mFirstBehavior;
-    return !first || first->IsEnabled() ? first : first->GetNextEnabledBehavior();
+    return mFirstBehavior ? FirstEnabledFrom(mFirstBehavior) : nullptr;
 }
 
 bool TBehavior::IsEnabled() { return mEnabled; }
