@@ -179,7 +179,7 @@ const Sys_FileType* TFileDialog::GetType() {
     return type < mSettings.mTypes.size() ? &mSettings.mTypes[type] : nullptr;
 }
 
-bool TFileDialog::IsShown(const Entry& entry) {
+bool TFileDialog::IsListed(const Entry& entry) {
     if (entry.mName.empty() || entry.mName.front() == '.')
         return false;
     const Sys_FileType* type = GetType();
@@ -200,7 +200,7 @@ void TFileDialog::ReadFolder() {
          each.increment(error)) {
         std::error_code ignored; // a link that leads nowhere is shown as a file
         Entry entry{AsText(each->path().filename()), each->is_directory(ignored)};
-        if (IsShown(entry))
+        if (IsListed(entry))
             mEntries.push_back(std::move(entry));
     }
     std::sort(mEntries.begin(), mEntries.end(), [](const Entry& a, const Entry& b) {

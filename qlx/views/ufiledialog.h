@@ -56,7 +56,7 @@ class QLX_API TFileDialog : public TDialog {
     void Confirm();
     [[nodiscard]] const Sys_FileType* GetType();
     [[nodiscard]] std::string GetSaveName();
-    [[nodiscard]] bool IsShown(const Entry& entry);
+    [[nodiscard]] bool IsListed(const Entry& entry);
 
     QLX_FileDialogSettings mSettings;
     Sys_FileLoc mFolder;

@@ -103,6 +103,7 @@ TEST_F(Win32Platform, MessagesBecomeEventsOfTheTable) {
         {"right press", WM_RBUTTONDOWN, MK_RBUTTON, At(7, 9), 1, 3},
         {"middle double click", WM_MBUTTONDBLCLK, MK_MBUTTON, At(7, 9), 1, 3},
         {"release", WM_LBUTTONUP, 0, At(7, 9), 1, 1},
+        {"press on the frame", WM_NCLBUTTONDOWN, HTBORDER, At(55, 62), 1, 3},
         {"move", WM_MOUSEMOVE, 0, At(7, 9), 1, 6},
         {"wheel", WM_MOUSEWHEEL, WPARAM(-240 & 0xFFFF) << 16, At(60, 70), 1, 7},
         {"key", WM_KEYDOWN, 'A', 0x001E0001, 2, 8},
@@ -130,6 +131,39 @@ TEST_F(Win32Platform, MessagesBecomeEventsOfTheTable) {
         EXPECT_EQ(record.wParam, row.wParam);
         EXPECT_EQ(record.lParam, row.lParam);
     }
+}
+
+TEST_F(Win32Platform, HeldKeysAreModifierBits) {
+    const struct {
+        std::vector<int> held;
+        std::uint32_t bits;
+    } rows[] = {{{}, 0},
+                {{VK_SHIFT}, 1},
+                {{VK_LWIN}, 2},
+                {{VK_RWIN}, 2},
+                {{VK_MENU}, 4},
+                {{VK_CONTROL}, 8},
+                {{VK_SHIFT, VK_CONTROL}, 9},
+                {{VK_SHIFT, VK_LWIN, VK_MENU, VK_CONTROL}, 15},
+                // AltGr, which the system reports as both, types characters and is no modifier.
+                {{VK_CONTROL, VK_LCONTROL, VK_MENU, VK_RMENU}, 0}};
+    BYTE before[256] = {};
+    ASSERT_TRUE(GetKeyboardState(before));
+    for (const auto& row : rows) {
+        BYTE keys[256] = {};
+        for (const int key : row.held)
+            keys[key] = 0x80;
+        SetKeyboardState(keys);
+        for (const UINT message : {UINT(WM_LBUTTONDOWN), UINT(WM_KEYUP), UINT(WM_MOUSEMOVE)}) {
+            listener.events.clear();
+            Send(message, 'A', At(3, 4));
+            ASSERT_FALSE(listener.events.empty());
+            std::uint32_t bits = 99;
+            EXPECT_TRUE(listener.events.back().GetProperty(0x4161616C, &bits, 4));
+            EXPECT_EQ(bits, row.bits) << message;
+        }
+    }
+    SetKeyboardState(before);
 }
 
 TEST_F(Win32Platform, ActivationOfTheApplicationIsToldOnce) {
