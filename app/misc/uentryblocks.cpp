@@ -70,7 +70,8 @@ void CEntryLayout::TypeIntoBlock(CEntryState& state, int block, char digit, char
         std::fill(first, last, padding);
     std::rotate(first, first + 1, last);
     *(last - 1) = digit;
-    ++state.mTypedCount;
+    // What was typed long ago has left the block; only so much can still be there.
+    state.mTypedCount = std::min(state.mTypedCount + 1, CountDigits());
     ZeroFrom(state.mText, block + 1);
 }
 

@@ -348,7 +348,8 @@ void CMeterDenominatorEntryHelper::DoTyping(TNumericEntryText* field, char chara
     if (text.size() >= kMaxCharacters)
         return;
     text += character;
-    field->SetTypedCount(field->GetTypedCount() + 1);
+    // The value is held in its range with every digit, so that the text does not grow with them.
+    field->SetTypedCount(std::min(field->GetTypedCount() + 1, static_cast<int>(kMaxCharacters)));
     Put(field, text);
     if (!sign)
         LocalValidateAndChange(field);
