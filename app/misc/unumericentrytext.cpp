@@ -4,18 +4,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <exception>
-#include <filesystem>
 #include <utility>
 
 #include "app/misc/unumericentryhelper.h"
 #include "basekit/cmn/cmn_string.h"
-#include "basekit/cmn/cmn_trace.h"
 #include "qlx/imaging/qlx_image.h"
 #include "qlx/persistence/qlx_persistence.h"
 #include "qlx/views/qlx_comingtarget.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
+#include "qlx/views/udescribedpicture.h"
 #include "qlx/views/uevent.h"
 #include "qlx/views/uwindow.h"
 
@@ -825,17 +823,8 @@ void TNumericEntryText::ReadProperties(QLX_RawPropertyContainer* container,
 
 void TNumericEntryText::ReadBackgroundImage(QLX_RawPropertyContainer* container,
                                             const MementoPtr& memento) {
-    mBackgroundImage = {};
-    if (mBackgroundName.empty())
-        return;
-    std::filesystem::path path(mBackgroundName);
-    if (path.is_relative() && memento)
-        path = std::filesystem::path(memento->GetName()).parent_path() / path;
-    try {
-        mBackgroundImage = QLX_Image::FromPNGFile(path.string());
-    } catch (const std::exception& reason) { // the plain field does as well
-        Cmn_TraceWrite("%s: %s", container->GetPath().c_str(), reason.what());
-    }
+    // Where it cannot be read the plain field does as well.
+    mBackgroundImage = QLX_ReadDescribedPicture(container, memento, mBackgroundName);
 }
 
 // ---- Variants ----

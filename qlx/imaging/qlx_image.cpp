@@ -1,12 +1,12 @@
 #include "qlx/imaging/qlx_image.h"
 
 #include <algorithm>
-#include <fstream>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/sys/sys_file.h"
 
 namespace {
 
@@ -30,16 +30,6 @@ constinit QLX_ImageCodec* sCodec = nullptr; // not owned
     if (!sCodec)
         throw std::runtime_error("no image codec is installed");
     return *sCodec;
-}
-
-[[nodiscard]] std::string ReadWholeFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw std::runtime_error("cannot open the file");
-    std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (file.bad())
-        throw std::runtime_error("cannot read the file");
-    return bytes;
 }
 
 // "a/name.png" gives "a/name@2x.png".
@@ -80,16 +70,21 @@ QLX_Image::Ptr QLX_Image::FromPNG(std::string_view bytes) { return Codec().Decod
 
 QLX_Image::Ptr QLX_Image::FromPNGFile(const std::string& path) {
     try {
-        const Ptr image = FromPNG(ReadWholeFile(path));
-        const std::string doubleName = DoubleName(path);
-        if (!std::ifstream(doubleName))
+        // Neither waits for what a pipe may never say nor reads a device without end.
+        if (Sys_FileLoc(path).IsStream())
+            throw std::runtime_error("is no file");
+        const Ptr image = FromPNG(Sys_File::ReadAll(Sys_FileLoc(path)));
+        const Sys_FileLoc doubleLoc(DoubleName(path));
+        if (!doubleLoc.IsFile())
             return image;
-        const Ptr twice = FromPNG(ReadWholeFile(doubleName));
+        const Ptr twice = FromPNG(Sys_File::ReadAll(doubleLoc));
         if (twice->GetWidth() != 2 * image->GetWidth() ||
             twice->GetHeight() != 2 * image->GetHeight())
             throw std::runtime_error("its @2x file is not twice as wide and high");
         image->SetDouble(twice);
         return image;
+    } catch (const Sys_FileError&) {
+        throw; // it names the file already
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(path + ": " + error.what());
     }
@@ -99,12 +94,9 @@ std::string QLX_Image::ToPNG() const { return Codec().EncodePNG(*this); }
 
 void QLX_Image::ToPNGFile(const std::string& path) const {
     try {
-        const std::string bytes = ToPNG();
-        std::ofstream file(path, std::ios::binary);
-        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        file.close();
-        if (!file)
-            throw std::runtime_error("cannot write the file");
+        Sys_SafeWriter::Replace(Sys_FileLoc(path), ToPNG());
+    } catch (const Sys_FileError&) {
+        throw;
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(path + ": " + error.what());
     }

@@ -1,10 +1,9 @@
 #include "qlx/imaging/qlx_recordingpainter.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/sys/sys_file.h"
 #include "qlx/imaging/qlx_image.h"
 #include "qlx/imaging/qlx_path.h"
 #include "qlx/imaging/qlx_utf8.h"
@@ -124,11 +123,11 @@ void QLX_PainterRecording::SaveToFile(const std::wstring& path) {
     const std::string text = name.ends_with(".svg")
                                  ? mRecording->AsSVG()
                                  : mRecording->Print(QLX_Recording::kPrint_Complete);
-    std::ofstream file(std::filesystem::path(std::u8string(name.begin(), name.end())),
-                       std::ios::binary);
-    file.write(text.data(), std::streamsize(text.size()));
-    file.close();
-    CMN_ASSERT(file.good());
+    try {
+        Sys_SafeWriter::Replace(Sys_FileLoc(name), text);
+    } catch (const Sys_FileError& error) {
+        Cmn_Assert(error.what(), __FILE__, __LINE__);
+    }
 }
 
 bool QLX_PainterRecording::IsValid() { return !mTarget->gone; }

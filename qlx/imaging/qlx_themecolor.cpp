@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/sys/sys_file.h"
 #include "qlx/views/ucolortable.h"
 
 namespace {
@@ -360,14 +360,7 @@ void QLX_Theme::LoadText(std::string_view text, const std::string& source) {
 }
 
 void QLX_Theme::LoadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw std::runtime_error(path + ": cannot open the file");
-    (void)file.peek();
-    if (file.bad()) // a folder opens, but has no bytes
-        throw std::runtime_error(path + ": cannot read the file");
-    const std::string text((std::istreambuf_iterator<char>(file)),
-                           std::istreambuf_iterator<char>());
+    const std::string text = Sys_File::ReadAll(Sys_FileLoc(path));
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     LoadText(std::string_view(text).substr(text.starts_with(kByteOrderMark) ? 3 : 0), path);
 }

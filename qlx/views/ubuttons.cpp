@@ -1,14 +1,12 @@
 #include "qlx/views/ubuttons.h"
 
 #include <algorithm>
-#include <exception>
-#include <filesystem>
 
-#include "basekit/cmn/cmn_trace.h"
 #include "newfilelibs/cmn/cmn_polygon.h"
 #include "newfilelibs/daw/daw_types.h"
 #include "qlx/imaging/qlx_statesavers.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/views/udescribedpicture.h"
 #include "qlx/views/uevent.h"
 #include "qlx/views/utracker.h"
 
@@ -243,16 +241,10 @@ void TButton::ReadProperties(QLX_RawPropertyContainer* container, const MementoP
     if (container->GetStringProperty("Role", text))
         mRole = text == "default" ? kRole_Default : text == "cancel" ? kRole_Cancel : kRole_None;
     container->GetBoolProperty("Toggles", mToggles);
-    if (!container->GetStringProperty("Icon", text) || text.empty())
-        return;
-    std::filesystem::path path(text);
-    if (path.is_relative() && memento)
-        path = std::filesystem::path(memento->GetFolder()) / path;
-    try {
-        mIcon = QLX_Icon(QLX_Image::FromPNGFile(path.string()));
-    } catch (const std::exception& reason) { // the title still says what the button does
-        Cmn_TraceWrite("%s: %s", container->GetPath().c_str(), reason.what());
-    }
+    // Without its icon the title still says what the button does.
+    if (container->GetStringProperty("Icon", text))
+        if (const QLX_Image::Ptr image = QLX_ReadDescribedPicture(container, memento, text))
+            mIcon = QLX_Icon(image);
 }
 
 // TCheckBox

@@ -1,12 +1,10 @@
 #include "qlx/views/ustatictext.h"
 
 #include <algorithm>
-#include <exception>
-#include <filesystem>
 
-#include "basekit/cmn/cmn_trace.h"
 #include "qlx/imaging/qlx_statesavers.h"
 #include "qlx/persistence/qlx_persistence.h"
+#include "qlx/views/udescribedpicture.h"
 
 QLX_DEFINE_CLASS(TStaticText, TControl)
 QLX_DEFINE_CLASS(TPicture, TControl)
@@ -147,16 +145,10 @@ void TPicture::ReadProperties(QLX_RawPropertyContainer* container, const Memento
     TControl::ReadProperties(container, memento);
     container->GetBoolProperty("Stretch", mStretch);
     std::string name;
-    if (!container->GetStringProperty("Image", name) || name.empty())
-        return;
-    std::filesystem::path path(name);
-    if (path.is_relative() && memento)
-        path = std::filesystem::path(memento->GetFolder()) / path;
-    try {
-        mImage = QLX_Image::FromPNGFile(path.string());
-    } catch (const std::exception& reason) { // a window without its picture is still a window
-        Cmn_TraceWrite("%s: %s", container->GetPath().c_str(), reason.what());
-    }
+    // A window without its picture is still a window.
+    if (container->GetStringProperty("Image", name))
+        if (const QLX_Image::Ptr image = QLX_ReadDescribedPicture(container, memento, name))
+            mImage = image;
 }
 
 // TPlate

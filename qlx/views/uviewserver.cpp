@@ -87,6 +87,15 @@ std::vector<TViewServerProblem> TViewServer::TakeProblems() { return std::exchan
 
 void TViewServer::AddProblem(QLX_RawPropertyContainer* container, const MementoPtr& memento,
                              const std::string& className, const std::string& reason) {
+    // A description of nothing but mistakes is not worth a list of all of them.
+    constexpr std::size_t kMostProblems = 1000;
+    if (mProblems.size() > kMostProblems)
+        return;
+    if (mProblems.size() == kMostProblems) {
+        mProblems.push_back({"", memento ? memento->GetName() : std::string(), "",
+                             "further problems are not listed"});
+        return;
+    }
     TViewServerProblem problem{className, memento ? memento->GetName() : std::string(),
                                container ? container->GetPath() : std::string(), reason};
     Cmn_Trace(kTrace_Views, "TViewServer: %s", problem.AsString().c_str());

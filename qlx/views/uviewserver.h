@@ -33,7 +33,8 @@ class QLX_API TViewServer : public TObject {
     /// previous one, null when that was the framework's own.
     static TViewServer* Install(TViewServer* server);
 
-    // Problems are kept in order until taken, and each is traced when it is found.
+    // Problems are kept in order until taken, and each is traced when it is found; after a thousand
+    // that nobody took no more are.
 
     [[nodiscard]] const std::vector<TViewServerProblem>& GetProblems() const { return mProblems; }
     [[nodiscard]] std::vector<TViewServerProblem> TakeProblems();

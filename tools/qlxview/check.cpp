@@ -6,6 +6,7 @@
 #include "command.h"
 #include "description.h"
 #include "findings.h"
+#include "qlx/views/uviewserver.h"
 
 namespace {
 struct Options {
@@ -68,10 +69,16 @@ class Checker {
     }
 
     void CheckWellKnown() {
+        constexpr std::size_t kMostNamed = 1000;
         std::list<std::string> messages;
-        mDescription->GetRoot()->VerifyWellKnownProperties(messages);
+        const std::size_t count =
+            mDescription->GetRoot()->VerifyWellKnownProperties(messages, kMostNamed);
         for (const std::string& message : messages)
             Add(PlaceOf(message), true, "well-known", message);
+        if (count > messages.size())
+            Add({0, 0}, true, "well-known",
+                std::to_string(count - messages.size()) + " further attributes are missing, "
+                                                          "empty or of another type");
     }
 
     /// The place of the element whose path stands in a verification message.
@@ -80,17 +87,8 @@ class Checker {
         return PlaceOfPath(message.substr(start, message.find('"', start) - start));
     }
     Place PlaceOfPath(const std::string& path) {
-        if (mPaths.first != mDescription) {
-            mPaths = {mDescription, {}};
-            AddPaths(*mDescription->GetRoot());
-        }
-        const auto found = mPaths.second.find(path);
-        return found == mPaths.second.end() ? Place{0, 0} : mDescription->GetPlace(found->second);
-    }
-    void AddPaths(const QLX_RawPropertyContainer& container) {
-        mPaths.second[container.GetPath()] = &container;
-        for (const auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
-            AddPaths(*child);
+        const auto* const found = mDescription->GetRoot()->FindByPath(path);
+        return found ? mDescription->GetPlace(found) : Place{0, 0};
     }
 
     void CheckTree(QLX_RawPropertyContainer& container) {
@@ -159,8 +157,12 @@ class Checker {
                 "the class " + className + " is not known here; load its library with --load");
             return;
         }
+        (void)mSchema.Get(className);
+        (void)TViewServer::Get()->TakeProblems(); // of the schema's own empty container
         const ReadProperties reads =
             mSchema.GetFor(className, container, mDescription->GetMementoPtr());
+        for (const TViewServerProblem& problem : TViewServer::Get()->TakeProblems())
+            Add(place, true, "view", problem.mReason);
         for (const auto& [filter, set] : container.GetFilterPropertyMap())
             for (std::size_t i = 0; i < set.GetCount(); ++i)
                 CheckIsRead(container, className, reads, filter, set.GetAt(i));
@@ -234,7 +236,6 @@ class Checker {
     const Description* mDescription = nullptr;
     ClassSchema mSchema;
     std::map<std::string, Place> mUsedKeys;
-    std::pair<const Description*, std::map<std::string, const QLX_RawPropertyContainer*>> mPaths;
     std::vector<Finding> mFindings;
 };
 

@@ -59,6 +59,7 @@ const char* Explain(const std::string& rule) {
         {"hidden", "An attribute keeps a property of the same name from being written"},
         {"filter", "A layout or language that no look-up selects"},
         {"value", "A text is taken as another value than it says"},
+        {"view", "Something that a view could not make of its properties"},
         {"class", "A class that is not registered"},
         {"unread", "A property that its class does not read"},
         {"string-missing", "A key without a text"},

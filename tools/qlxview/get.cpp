@@ -19,14 +19,12 @@ struct Options {
 /// ("@mute"); null when there is none.
 const QLX_RawPropertyContainer* FindElement(const QLX_RawPropertyContainer& container,
                                             const std::string& wanted) {
-    if (!wanted.empty() && wanted[0] == '@') {
-        std::uint32_t identifier = 0;
-        if (container.GetCurrentSet().GetIDTypeProperty("Identifier", identifier) &&
-            identifier == Cmn_StringToID(std::string_view(wanted).substr(1)))
-            return &container;
-    } else if (container.GetPath() == wanted) {
+    if (wanted.empty() || wanted[0] != '@')
+        return container.FindByPath(wanted);
+    std::uint32_t identifier = 0;
+    if (container.GetCurrentSet().GetIDTypeProperty("Identifier", identifier) &&
+        identifier == Cmn_StringToID(std::string_view(wanted).substr(1)))
         return &container;
-    }
     for (const auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
         if (const QLX_RawPropertyContainer* const found = FindElement(*child, wanted))
             return found;

@@ -52,26 +52,19 @@ void Pack(const Options& options) {
                                      "\" is another description's already");
         sources.push_back(std::move(description));
     }
-    // Written beside and moved into place, so that a pack file is there whole or not at all.
-    const Sys_FileLoc output(options.mOutput);
-    const Sys_FileLoc beside = output.GetSibling(".qlx-pack-" + output.GetName() + ".tmp");
-    Sys_FileSystem& files = Sys_FileSystem::Native();
-    files.Remove(beside.GetPath());
-    bool good = true;
-    try {
-        const auto document = FF_Document::Create(beside);
-        QLX_BinaryViewFormat(document.get()).WriteMementos(mementos);
-        good = !options.mVerify || Verify(*document, sources);
-    } catch (...) {
-        files.Remove(beside.GetPath());
-        throw;
-    }
-    if (!good) {
-        files.Remove(beside.GetPath());
+    // Made in memory, so that a pack file is there whole and verified or not at all.
+    auto made = std::make_unique<Sys_File>(options.mOutput, std::string());
+    Sys_File& file = *made;
+    FF_Document document(std::move(made));
+    QLX_BinaryViewFormat(&document).WriteMementos(mementos);
+    if (options.mVerify && !Verify(document, sources)) {
         gExitStatus = kExitFound;
         return;
     }
-    files.Replace(beside.GetPath(), output.GetPath());
+    std::string bytes(static_cast<std::size_t>(file.GetSize()), '\0');
+    file.SetPosition(0);
+    bytes.resize(file.Read(bytes.data(), bytes.size()));
+    Sys_SafeWriter::Replace(Sys_FileLoc(options.mOutput), bytes);
     std::printf("%s: %zu descriptions%s\n", options.mOutput.c_str(), sources.size(),
                 options.mVerify ? ", verified" : "");
 }

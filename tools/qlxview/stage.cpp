@@ -20,21 +20,9 @@ StLook::StLook(const Description& description, const Look& look)
 
 StLook::~StLook() { QLX_Theme::SetVariant(mTheme); }
 
-namespace {
-const QLX_RawPropertyContainer* FindPath(const QLX_RawPropertyContainer& container,
-                                         const std::string& path) {
-    if (container.GetPath() == path)
-        return &container;
-    for (const auto* child = container.GetFirstChild(); child; child = child->GetNextSibling())
-        if (const QLX_RawPropertyContainer* const found = FindPath(*child, path))
-            return found;
-    return nullptr;
-}
-} // namespace
-
 void TakeServerProblems(const Description& description, std::vector<Finding>& problems) {
     for (const TViewServerProblem& problem : TViewServer::Get()->TakeProblems()) {
-        const auto place = description.GetPlace(FindPath(*description.GetRoot(), problem.mPath));
+        const auto place = description.GetPlace(description.GetRoot()->FindByPath(problem.mPath));
         std::string text = problem.mReason;
         if (!problem.mClassName.empty())
             text += ": " + problem.mClassName;
@@ -98,11 +86,35 @@ void ListViews(TView& view, std::vector<TView*>& into) {
     }
 }
 
+namespace {
+/// Pictures take four bytes a pixel; a window that no screen could show is a mistake. The scale is
+/// a display's, 120 for 1.
+void CheckSize(const Description& description, TWindow& window, int scale) {
+    constexpr double kMostPixels = 64.0 * 1024 * 1024;
+    const double height = static_cast<double>(window.GetSize().v) * scale / 120;
+    const double width = static_cast<double>(window.GetSize().h) * scale / 120;
+    if (height <= QLX_Image::kMaximumSide && width <= QLX_Image::kMaximumSide &&
+        height * width <= kMostPixels)
+        return;
+    const auto place = PlaceOfView(description, &window);
+    throw std::runtime_error(description.GetPath() + ":" + std::to_string(place.mLine) + ":" +
+                             std::to_string(place.mColumn) +
+                             ": the window is too large: " + std::to_string(window.GetSize().h) +
+                             " by " + std::to_string(window.GetSize().v));
+}
+} // namespace
+
 Stage::Stage(const Description& description, const Look& look, std::vector<Finding>& problems)
-    : mLook(description, look), mWindow(nullptr) {
+    : mLook(description, look), mFile(description.GetPath()), mWindow(nullptr) {
     mDriver.SetScale(look.mScale);
     mWindow = MakeDescribedWindow(description, problems);
-    mDriver.OpenWindow(*mWindow);
+    try {
+        CheckSize(description, *mWindow, look.mScale);
+        mDriver.OpenWindow(*mWindow);
+    } catch (...) {
+        mWindow->Free();
+        throw;
+    }
 }
 
 Stage::~Stage() {
@@ -114,7 +126,7 @@ QLX_Image::Ptr Stage::GetPicture() {
     try {
         return mDriver.GetPicture();
     } catch (const QLX_TestDriverError& error) {
-        throw std::runtime_error(error.what());
+        throw std::runtime_error(mFile + ": " + error.what());
     }
 }
 

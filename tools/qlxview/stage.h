@@ -67,6 +67,7 @@ class Stage {
 
   private:
     StLook mLook;
+    std::string mFile;
     QLX_TestDriver mDriver;
     TWindow* mWindow; // ended here
 };

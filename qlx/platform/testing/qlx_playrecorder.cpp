@@ -66,7 +66,8 @@ std::string NameOfKey(std::uint32_t key) {
 /// Turns events into lines. Movements without a button count only where the next press comes from.
 class QLX_PlayRecorder::Listener : public TWindow::EventListener {
   public:
-    explicit Listener(const std::string& path) : mFile(std::fopen(path.c_str(), "wb")) {
+    explicit Listener(const std::string& path)
+        : mPath(path), mFile(std::fopen(path.c_str(), "wb")) {
         if (!mFile)
             throw std::runtime_error(path + ": " + std::strerror(errno));
         mPrevious = TWindow::SetEventListener(this);
@@ -87,10 +88,18 @@ class QLX_PlayRecorder::Listener : public TWindow::EventListener {
             std::fprintf(mFile, "step %.3f\n", now - mLast);
         mLast = now;
         std::fprintf(mFile, "%s\n", line.c_str());
-        std::fflush(mFile);
+        Flush();
     }
 
   private:
+    /// A line is in the file before the next event, so that a crash leaves what led to it. Where
+    /// the file takes no more that is said once.
+    void Flush() {
+        if (std::fflush(mFile) == 0 || mFailed)
+            return;
+        mFailed = true;
+        Cmn_Assert((mPath + ": not written: " + std::strerror(errno)).c_str(), __FILE__, __LINE__);
+    }
     std::string AsLine(const QLX_EventRef& event) {
         Cmn_Point<int> where{0, 0};
         std::uint32_t modifiers = 0;
@@ -131,7 +140,9 @@ class QLX_PlayRecorder::Listener : public TWindow::EventListener {
         }
     }
 
-    std::FILE* mFile;                            // owned
+    std::string mPath;
+    std::FILE* mFile; // owned
+    bool mFailed = false;
     TWindow::EventListener* mPrevious = nullptr; // not owned
     double mLast = 0;                            // seconds
     bool mButtonDown = false;

@@ -5,13 +5,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 
 #include "basekit/cmn/cmn_string.h"
+#include "basekit/sys/sys_file.h"
 #include "qlx/platform/testing/qlx_testdriver.h"
 #include "qlx/views/qlx_keyboard.h"
 #include "qlx/views/uapplication.h"
@@ -437,9 +436,5 @@ QLX_PlayResult QLX_PlayScript::PlayText(QLX_TestDriver& driver, std::string_view
 }
 
 QLX_PlayResult QLX_PlayScript::PlayFile(QLX_TestDriver& driver, const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw std::runtime_error(path + ": " + std::strerror(errno));
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    return PlayText(driver, text, path);
+    return PlayText(driver, Sys_File::ReadAll(Sys_FileLoc(path)), path);
 }
