@@ -1,5 +1,8 @@
 #include "qlx/persistence/qlx_property.h"
 
+#include <algorithm>
+#include <array>
+
 #include "basekit/cmn/cmn_assert.h"
 #include "basekit/cmn/cmn_string.h"
 
@@ -9,6 +12,18 @@ constexpr std::string_view kTypeNames[kQLX_PropertyTypeCount] = {
     "", "bool", "int32", "idtype", "string", "stringidx", "rgbcolor", "point", "rect", "int64"};
 
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// What each character counts as a hexadecimal digit, -1 for those that are none. A table: digits
+/// and letters come in no order that a processor could guess.
+constexpr auto kHexDigits = [] {
+    std::array<signed char, 256> digits{};
+    digits.fill(-1);
+    for (std::size_t i = 0; i < 10; ++i)
+        digits['0' + i] = static_cast<signed char>(i);
+    for (std::size_t i = 0; i < 6; ++i)
+        digits['a' + i] = digits['A' + i] = static_cast<signed char>(10 + i);
+    return digits;
+}();
 
 /// What is left of a text while numbers are read from its front.
 class Scanner {
@@ -22,23 +37,19 @@ class Scanner {
     bool ScanInt32(std::int32_t& value) {
         const char* at = SkipBlanks();
         const bool negative = at != mEnd && *at == '-';
-        if (at != mEnd && (*at == '-' || *at == '+'))
+        if (negative || (at != mEnd && *at == '+'))
             ++at;
         const char* const digits = at;
-        std::int64_t number = 0;
-        for (; at != mEnd && IsDigit(*at); ++at) {
+        std::int32_t number = 0;
+        // So many digits cannot overflow, and hardly a number has more.
+        for (int left = 9; left > 0 && at != mEnd && IsDigit(*at); --left, ++at)
             number = number * 10 + (*at - '0');
-            if (number > kBeyond) {
-                number = kBeyond;
-                mInRange = false;
-            }
-        }
         if (at == digits)
             return false;
         mAt = at;
-        number = negative ? -number : number;
-        value = Cmn_ClampTo<std::int32_t>(number);
-        mInRange = mInRange && value == number;
+        if (at != mEnd && IsDigit(*at)) [[unlikely]]
+            return ScanFurtherDigits(number, negative, value);
+        value = negative ? -number : number;
         return true;
     }
 
@@ -50,13 +61,15 @@ class Scanner {
         at += 2;
         const char* const digits = at;
         std::uint32_t number = 0;
+        std::uint32_t lost = 0; // what was shifted out of the low 16 bits
         for (int digit; at != mEnd && (digit = HexDigit(*at)) >= 0; ++at) {
-            mInRange = mInRange && number <= 0xFFF;
-            number = number << 4 | static_cast<std::uint32_t>(digit);
+            lost |= number >> 12;
+            number = (number << 4 & 0xFFFF) | static_cast<std::uint32_t>(digit);
         }
         if (at == digits)
             return false;
         mAt = at;
+        mInRange = mInRange && lost == 0;
         value = static_cast<std::uint16_t>(number);
         return true;
     }
@@ -67,13 +80,16 @@ class Scanner {
   private:
     static constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
 
-    static bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
-    static int HexDigit(char c) {
-        if (IsDigit(c))
-            return c - '0';
-        const char lower = static_cast<char>(c | 0x20);
-        return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+    bool ScanFurtherDigits(std::int64_t number, bool negative, std::int32_t& value) {
+        for (; mAt != mEnd && IsDigit(*mAt); ++mAt)
+            number = std::min(number * 10 + (*mAt - '0'), kBeyond);
+        number = negative ? -number : number;
+        value = Cmn_ClampTo<std::int32_t>(number);
+        mInRange = mInRange && value == number;
+        return true;
     }
+    static bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
+    static int HexDigit(char c) { return kHexDigits[static_cast<unsigned char>(c)]; }
     const char* SkipBlanks() {
         while (mAt != mEnd && IsBlank(*mAt))
             ++mAt;

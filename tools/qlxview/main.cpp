@@ -1,6 +1,8 @@
 // qlxview: checks, formats, shows, translates, compares and packs view descriptions.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <string_view>
 #include <vector>
@@ -61,6 +63,11 @@ int main(int argc, char** argv) {
         return app.exit(error) == 0 ? kExitWell : kExitFailed;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "qlxview: %s\n", error.what());
+        return kExitFailed;
+    }
+    // Findings that went nowhere are no findings.
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        std::fprintf(stderr, "qlxview: standard output: not written: %s\n", std::strerror(errno));
         return kExitFailed;
     }
     return gExitStatus;

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+
 #include <memory>
 
 #include "tests/support/assertion_catcher.h"
@@ -96,5 +100,58 @@ TEST(GenericProperty, WritesAttributesInNameOrder) {
     EXPECT_EQ(value.GetAttributesAsString(), "a=\"1\" b=\"2\" ");
     EXPECT_EQ(value.GetAttributeValue("b"), "2");
     EXPECT_EQ(value.GetAttributeValue("c"), "");
+}
+
+/// Numbers as the C library reads them, held at the limits of 32 bits.
+VRect SlowRect(const char* text) {
+    std::int32_t numbers[4] = {};
+    for (std::int32_t& number : numbers) {
+        char* end = nullptr;
+        const long long wide = std::strtoll(text, &end, 10);
+        if (end == text)
+            break;
+        number = static_cast<std::int32_t>(std::clamp<long long>(wide, INT32_MIN, INT32_MAX));
+        text = end;
+    }
+    return VRect(numbers[1], numbers[0], numbers[3], numbers[2]);
+}
+
+TEST(PropertyText, RectanglesAreWhatASlowReaderMakesOfThem) {
+    std::mt19937 random(7);
+    const std::string characters = "0123456789012345678901234567890    -+-x\t";
+    for (int round = 0; round < 20'000; ++round) {
+        std::string text;
+        for (std::uint32_t size = random() % 40; size > 0; --size)
+            text += characters[random() % characters.size()];
+        const VRect slow = SlowRect(text.c_str());
+        // A text that ends with its NUL, and one that goes on behind its end.
+        EXPECT_EQ(QLX_TextToRect(text.c_str()), slow) << text;
+        const std::string longer = text + "7";
+        EXPECT_EQ(QLX_TextToRect(std::string_view(longer).substr(0, text.size())), slow) << text;
+    }
+}
+
+TEST(PropertyText, ColoursKeepTheLowBitsOfWhatIsTooLarge) {
+    const struct {
+        const char* mText;
+        CRGBColor mColor;
+        const char* mComplaint;
+    } rows[] = {
+        {"0xff 0x80 0x0", CRGBColor(0xFF, 0x80, 0), ""},
+        {"0xFFFF 0xabcd\t0xABCD", CRGBColor(0xFFFF, 0xABCD, 0xABCD), ""},
+        {"0x1FFFF 0x10000 0x000012", CRGBColor(0xFFFF, 0, 0x12), "a number is out of range"},
+        {"0x100000001 0x1 0x1", CRGBColor(1, 1, 1), "a number is out of range"},
+        {"0x1 0x 0x1", CRGBColor(1, 0, 0),
+         "1 of 3 numbers could be read, the others are taken as 0"},
+        {"0x1 0x2 0x3 ", CRGBColor(1, 2, 3), "there is more after the last number"},
+        {"1 2 3", CRGBColor(0, 0, 0), "0 of 3 numbers could be read, the others are taken as 0"},
+        {"0", CRGBColor(0, 0, 0), "0 of 3 numbers could be read, the others are taken as 0"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(QLX_TextToColor(row.mText), row.mColor) << row.mText;
+        EXPECT_EQ(QLX_TextToColor(std::string_view(row.mText)), row.mColor) << row.mText;
+        EXPECT_EQ(QLX_CheckPropertyText(qlx_PropType_Color, row.mText), row.mComplaint)
+            << row.mText;
+    }
 }
 } // namespace

@@ -123,6 +123,20 @@ TEST_P(ToolWriter, LeavesTheOldFileWhenItIsKilled) {
     EXPECT_EQ(ReadText(mOutput), mOld);
 }
 
+TEST(ToolOutput, IsMissedWhenItCannotBeWritten) {
+    const std::string file = " " QLX_TEST_DATA "/views/Transport.xml";
+    for (const char* command : {"tree", "format --stdout", "schema", "schema -o /dev/stdout"}) {
+        const std::string said = QLX_TEST_OUTPUT "/writers.said";
+        const std::string arguments =
+            std::string(command) + (std::string(command).rfind("schema", 0) == 0 ? "" : file);
+        const int status = std::system(
+            (QLX_TEST_OUTPUT "/../bin/qlxview " + arguments + " >/dev/full 2>" + said).c_str());
+        EXPECT_EQ(WEXITSTATUS(status), 2) << command;
+        EXPECT_NE(ReadText(said).find("not written: No space left on device"), std::string::npos)
+            << command << ": " << ReadText(said);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Every, ToolWriter, testing::ValuesIn(kWriters),
                          [](const auto& info) { return std::string(info.param.mName); });
 } // namespace
