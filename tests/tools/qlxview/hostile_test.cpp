@@ -69,7 +69,7 @@ TEST(HostileDescription, IsReportedWhereItIsWrong) {
         {"a picture that is not there", "check",
          Wrap("<view class='TPicture' Identifier='pict'>"
               "<property name='Image' type='string' value='none.png'/></view>"),
-         1, "none.png: No such file or directory [view]"},
+         1, "none.png: "}, // the reason in the system's own words
         {"an entity in another file", "tree",
          "<!DOCTYPE c [<!ENTITY x SYSTEM 'file:///etc/passwd'>]>" + Wrap("&x;"), 2,
          "Bad.xml:2:1: an entity lies outside the file: file:///etc/passwd"},
