@@ -48,7 +48,8 @@ foreach(program IN LISTS test_programs)
     # in for a program that crashed.
     add_test(NAME ${program} COMMAND ${program} --gtest_output=xml:reports/${program}.xml
              WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
-    set_tests_properties(${program} PROPERTIES TIMEOUT 600)
+    set_tests_properties(${program} PROPERTIES TIMEOUT 600 ENVIRONMENT
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.txt:print_suppressions=0")
     if(MINGW)
         set_tests_properties(${program} PROPERTIES FIXTURES_REQUIRED wine)
     endif()

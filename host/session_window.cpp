@@ -204,8 +204,9 @@ void TSessionWindow::TakeSizeOfLayout() {
     if (mLook.mLayout == mShownLayout)
         return;
     mShownLayout = mLook.mLayout;
+    const auto windows = mMemento->GetRoot()->GetChildren("view");
     VPoint size;
-    if (mMemento->GetRoot()->GetChildren("view").front()->GetPointProperty("Size", size))
+    if (!windows.empty() && windows.front()->GetPointProperty("Size", size))
         SetFrame(VRect(VPoint(0, 0), size), /*redraw*/ true, /*layOut*/ true);
 }
 
