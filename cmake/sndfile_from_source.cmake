@@ -10,6 +10,7 @@ if(NOT EXISTS ${QLX_SNDFILE_SOURCE}/include/sndfile.h)
 endif()
 
 function(qlx_add_sndfile)
+    set(CMAKE_POLICY_DEFAULT_CMP0077 NEW) # or its options overrule what is set here, the first time only
     set(BUILD_SHARED_LIBS ON)
     foreach(option ENABLE_EXTERNAL_LIBS ENABLE_MPEG BUILD_PROGRAMS BUILD_EXAMPLES BUILD_TESTING BUILD_REGTEST
             ENABLE_CPACK ENABLE_PACKAGE_CONFIG INSTALL_MANPAGES INSTALL_PKGCONFIG_MODULE)

@@ -48,6 +48,7 @@ QLX_SDLPlatform::QLX_SDLPlatform() : mState(std::make_unique<State>()) {
         QLX_SDL().QuitSubSystem(SDL_INIT_VIDEO);
         throw std::runtime_error("no display: neither X11 nor Wayland can be reached");
     }
+    mState->xErrors = std::make_unique<QLX_SDLXErrors>();
     mState->wakeEvent = QLX_SDL().RegisterEvents(1);
     mState->displayScale = ScaleFromEnvironment(120);
     QLX_SDL().StartTextInput();
@@ -55,6 +56,7 @@ QLX_SDLPlatform::QLX_SDLPlatform() : mState(std::make_unique<State>()) {
 
 QLX_SDLPlatform::~QLX_SDLPlatform() {
     Uninstall();
+    const std::unique_ptr<QLX_SDLXErrors> xErrors = std::move(mState->xErrors); // to the very end
     mState.reset();
     QLX_SDL().QuitSubSystem(SDL_INIT_VIDEO);
 }

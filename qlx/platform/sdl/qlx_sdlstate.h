@@ -4,11 +4,13 @@
 #include <SDL.h>
 
 #include <array>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "qlx/platform/sdl/qlx_sdl.h"
 #include "qlx/platform/sdl/qlx_sdlwindow.h"
+#include "qlx/platform/sdl/qlx_sdlxerrors.h"
 #include "qlx/views/qlx_clipboard.h"
 #include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/qlx_keyboard.h"
@@ -63,6 +65,7 @@ struct QLX_SDLPlatform::State {
     /// queue with it.
     void Deliver(const SDL_Event& event);
 
+    std::unique_ptr<QLX_SDLXErrors> xErrors;
     QLX_SDLLoop loop;
     QLX_SDLFactory factory;
     QLX_SDLKeyboard keyboard;
