@@ -6,13 +6,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <new>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
 #include "app/misc/qlx_init.h"
 #include "app/misc/unumericentrytext.h"
+#include "bench/counted_allocations.h"
 #include "qlx/views/qlx_windowevents.h"
 #include "tests/support/live_window.h"
 
@@ -21,22 +21,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #endif
-
-namespace {
-
-std::size_t sAllocations = 0;
-
-} // namespace
-
-// Counts what the digit allocates; the library's own operator new calls land here too.
-void* operator new(std::size_t size) {
-    ++sAllocations;
-    if (void* bytes = std::malloc(size))
-        return bytes;
-    throw std::bad_alloc();
-}
-void operator delete(void* bytes) noexcept { std::free(bytes); }
-void operator delete(void* bytes, std::size_t) noexcept { std::free(bytes); }
 
 namespace {
 
@@ -74,11 +58,11 @@ void DigitToPixels(benchmark::State& state, bool volatileUpdate) {
         digit = (digit + 7) % 10;
         const auto code = static_cast<std::uint32_t>('0' + digit);
         fields.mLive.Inject(QLX_MakeKeyEvent(8, code, code, 0));
-        const std::size_t before = sAllocations;
+        const std::size_t before = gCountedAllocations;
         const auto start = std::chrono::steady_clock::now();
         fields.mLive.Run();
         const auto end = std::chrono::steady_clock::now();
-        allocations = sAllocations - before;
+        allocations = gCountedAllocations - before;
         const double seconds = std::chrono::duration<double>(end - start).count();
         state.SetIterationTime(seconds);
         micros.push_back(seconds * 1e6);
