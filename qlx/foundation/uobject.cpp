@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-
 void* operator new(std::size_t size, Cmn_AllocateOrFailTag) { return Cmn_AllocateOrFail(size); }
 
 void operator delete(void* bytes, Cmn_AllocateOrFailTag) noexcept { ::operator delete(bytes); }

@@ -185,11 +185,11 @@ class QLX_API QLX_Recording : public Cmn_RefCountObject {
     /// Makes all calls on a painter; offscreen canvases are made by it. Offscreen canvases end with
     /// the replay.
     void Replay(const QLX_Painter::Ptr& painter) const;
-    /// A picture of the drawing calls for looking at: an SVG document. Patterns are tiles, modes the
-    /// blend modes that give the same pixels. Where there is none (bitwise modes of colours between
-    /// black and white, subtracting, highlighting) the nearest is shown; the document's description
-    /// counts these, and each has a title that says so. Offscreen canvases appear where they are
-    /// copied.
+    /// A picture of the drawing calls for looking at: an SVG document. Patterns are tiles, modes
+    /// the blend modes that give the same pixels. Where there is none (bitwise modes of colours
+    /// between black and white, subtracting, highlighting) the nearest is shown; the document's
+    /// description counts these, and each has a title that says so. Offscreen canvases appear where
+    /// they are copied.
     [[nodiscard]] std::string AsSVG() const;
 
     [[nodiscard]] static const char* GetName(EPainterCall call) noexcept;

@@ -155,7 +155,8 @@ TEST(QLXRegion, PixelsFollowTheSetOperations) {
         Bitmap bitmap(side * side);
         for (int y = 0; y < side; ++y)
             for (int x = 0; x < side; ++x)
-                bitmap[static_cast<std::size_t>(y * side + x)] = region.ContainsPoint({x, y});
+                bitmap[static_cast<std::size_t>(y) * static_cast<std::size_t>(side) +
+                       static_cast<std::size_t>(x)] = region.ContainsPoint({x, y});
         return bitmap;
     };
     for (unsigned seed = 0; seed < 40; ++seed) {
