@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <sstream>
@@ -64,7 +63,8 @@ class Splitter {
   private:
     Word Plain() {
         Word word{Word::kPlain, {}, static_cast<int>(mAt) + 1};
-        while (mAt < mLine.size() && !std::strchr(" \t\"", mLine[mAt]))
+        while (mAt < mLine.size() &&
+               std::string_view(" \t\"").find(mLine[mAt]) == std::string_view::npos)
             word.mText += mLine[mAt++];
         return word;
     }
