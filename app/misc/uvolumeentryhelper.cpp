@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int kMostTyped = 31;
+
 const char cMinusInfinityText[] = "-inf";
 
 std::int64_t ToTenths(double decibels) {
@@ -112,7 +114,8 @@ void CVolumeEntryHelper::DoTyping(TNumericEntryText* field, char character) {
     } else {
         return;
     }
-    field->SetTypedCount(field->GetTypedCount() + 1);
+    // Behind the point each digit takes the last one's place: the text does not grow with them.
+    field->SetTypedCount(std::min(field->GetTypedCount() + 1, kMostTyped));
     Put(field, text);
 }
 
