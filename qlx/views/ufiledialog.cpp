@@ -104,8 +104,14 @@ QLX_FileDialogs* QLX_FileDialogs::Install(QLX_FileDialogs* dialogs) {
     return std::exchange(sInstalled, dialogs);
 }
 
-TFileDialog::TFileDialog() = default;
+TFileDialog::TFileDialog() : mHandle(std::make_shared<TFileDialog*>(this)) {}
 TFileDialog::~TFileDialog() = default;
+
+// Questions are asked without waiting, and whoever opened the dialog may free it under them.
+TFileDialog* TFileDialog::GetOpen(const Handle& handle) {
+    const auto dialog = handle.lock();
+    return dialog && (*dialog)->IsModal() ? *dialog : nullptr;
+}
 
 void TFileDialog::IFileDialog(const QLX_FileDialogSettings& settings) {
     mSettings = settings;
@@ -262,34 +268,39 @@ void TFileDialog::Confirm() {
     if (onFolder && atList && mSettings.mKind != EFileDialogKind::kFolder &&
         mList->GetSelection().Count() <= 1)
         return GoTo(mFolder.GetChild(mEntries[static_cast<std::size_t>(row)].mName));
-    if (mSettings.mKind == EFileDialogKind::kOpen && GetChosen().empty())
+    if (mSettings.mKind == EFileDialogKind::kSave)
+        return ConfirmSaving(Sys_FileLoc());
+    if (mSettings.mKind == EFileDialogKind::kFolder || !GetChosen().empty())
+        EndWith(kConfirm);
+}
+
+// What the user agreed to replace counts for that one file and that one answer.
+void TFileDialog::ConfirmSaving(const Sys_FileLoc& replaced) {
+    const std::string name = GetSaveName();
+    const Sys_FileLoc loc = mFolder.GetChild(name);
+    if (!IsPlainName(name)) {
+        if (mNameField)
+            mNameField->ValidationFailed(1);
         return;
-    if (mSettings.mKind == EFileDialogKind::kSave) {
-        const std::string name = GetSaveName();
-        const Sys_FileLoc loc = mFolder.GetChild(name);
-        if (!IsPlainName(name) || loc.IsFolder()) {
-            if (IsPlainName(name))
-                GoTo(loc); // the name of a folder leads into it
-            else if (mNameField)
-                mNameField->ValidationFailed(1);
-            return;
-        }
-        if (loc.Exists() && !mReplaceAgreed) {
-            const QLX_DialogTexts& texts = QLX_DialogTexts::Get();
-            std::string question = texts.mReplaceQuestion;
-            if (const std::size_t place = question.find('%'); place != std::string::npos)
-                question.replace(place, 1, name);
-            TAlert::Show(kAlert_Caution, question, texts.mReplaceDetails,
-                         {texts.mReplace, texts.mCancel}, [this](int button) {
-                             if (button != 0 || !IsModal())
-                                 return;
-                             mReplaceAgreed = true;
-                             Confirm();
-                         });
-            return;
-        }
     }
+    if (loc.IsFolder())
+        return GoTo(loc); // the name of a folder leads into it
+    if (loc.Exists() && loc.GetPath() != replaced.GetPath())
+        return AskToReplace(loc);
     EndWith(kConfirm);
+}
+
+void TFileDialog::AskToReplace(const Sys_FileLoc& loc) {
+    const QLX_DialogTexts& texts = QLX_DialogTexts::Get();
+    std::string question = texts.mReplaceQuestion;
+    if (const std::size_t place = question.find('%'); place != std::string::npos)
+        question.replace(place, 1, loc.GetName());
+    TAlert::Show(kAlert_Caution, question, texts.mReplaceDetails, {texts.mReplace, texts.mCancel},
+                 [loc, handle = std::weak_ptr(mHandle)](int button) {
+                     TFileDialog* const dialog = GetOpen(handle);
+                     if (dialog && button == 0)
+                         dialog->ConfirmSaving(loc);
+                 });
 }
 
 void TFileDialog::MakeFolder(const std::string& name) {
@@ -306,6 +317,22 @@ void TFileDialog::MakeFolder(const std::string& name) {
         GoTo(loc);
 }
 
+void TFileDialog::AskForNewFolder() {
+    auto* question = new TTextEntryDialog;
+    question->ITextEntryDialog(QLX_DialogTexts::Get().mNewFolder, QLX_DialogTexts::Get().mFileName,
+                               "", 255);
+    question->SetTextValidator(IsPlainName);
+    question->SetFreeOnClose(true);
+    const bool opened =
+        question->OpenModal([question, handle = std::weak_ptr(mHandle)](std::uint32_t button) {
+            TFileDialog* const dialog = GetOpen(handle);
+            if (dialog && button == TTextEntryDialog::kOK)
+                dialog->MakeFolder(question->GetText());
+        });
+    if (!opened)
+        question->Free();
+}
+
 // Events
 
 void TFileDialog::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
@@ -313,30 +340,16 @@ void TFileDialog::DoEvent(std::int32_t number, TEventHandler* source, TEvent* ev
         return ListChanged();
     if (source == mTypePopup && number == kControlEvent_ValueChanged)
         return ReadFolder();
-    if (source == mNameField) {
-        mReplaceAgreed = false;
+    if (source == mNameField)
         return;
-    }
     if (number != kControlEvent_Pressed)
         return TDialog::DoEvent(number, source, event);
     if (source == mConfirm || source == mList)
         return Confirm();
     if (source && source->GetIdentifier() == kUp)
         return GoTo(mFolder.GetParent());
-    if (source && source->GetIdentifier() == kNewFolder) {
-        auto* question = new TTextEntryDialog;
-        question->ITextEntryDialog(QLX_DialogTexts::Get().mNewFolder,
-                                   QLX_DialogTexts::Get().mFileName, "", 255);
-        question->SetTextValidator(IsPlainName);
-        question->SetFreeOnClose(true);
-        const bool opened = question->OpenModal([this, question](std::uint32_t button) {
-            if (button == TTextEntryDialog::kOK && IsModal())
-                MakeFolder(question->GetText());
-        });
-        if (!opened)
-            question->Free();
-        return;
-    }
+    if (source && source->GetIdentifier() == kNewFolder)
+        return AskForNewFolder();
     TDialog::DoEvent(number, source, event);
 }
 

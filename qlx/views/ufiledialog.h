@@ -1,6 +1,7 @@
 // The file dialog that the framework draws.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -50,10 +51,15 @@ class QLX_API TFileDialog : public TDialog {
         std::string mName;
         bool mIsFolder;
     };
+    using Handle = std::weak_ptr<TFileDialog*>;
+    [[nodiscard]] static TFileDialog* GetOpen(const Handle& handle);
     void Build();
     void ReadFolder();
     void ListChanged();
     void Confirm();
+    void ConfirmSaving(const Sys_FileLoc& replaced);
+    void AskToReplace(const Sys_FileLoc& loc);
+    void AskForNewFolder();
     [[nodiscard]] const Sys_FileType* GetType();
     [[nodiscard]] std::string GetSaveName();
     [[nodiscard]] bool IsListed(const Entry& entry);
@@ -61,7 +67,7 @@ class QLX_API TFileDialog : public TDialog {
     QLX_FileDialogSettings mSettings;
     Sys_FileLoc mFolder;
     std::vector<Entry> mEntries;
-    bool mReplaceAgreed = false;
+    std::shared_ptr<TFileDialog*> mHandle; // gone with the dialog
     // Subviews.
     TTextList* mList = nullptr;
     TEditText* mNameField = nullptr; // only when saving

@@ -413,6 +413,7 @@ class QLX_API TView : public TCommandHandler {
     void ReportException(const char* operation);
     void AbandonCopy();
     void LeaveTarget();
+    [[nodiscard]] bool HasInside(const TEventHandler* handler) const;
     void FreeSubViews();
     void ReReadAdorners(QLX_RawPropertyContainer* container, const MementoPtr& memento);
     void ReReadBehaviors(QLX_RawPropertyContainer* container, const MementoPtr& memento);

@@ -131,13 +131,24 @@ void TView::Free() {
         TCommandHandler::Free();
 }
 
-// The base class moves the target too, but only when the object goes, and then the view has left
-// its chain already.
+// While all of the view is still there, as who listens to the target may look at any of it. The
+// base class moves the target too, but only when the object goes, and then the view has left its
+// chain already, and classes further down have ended.
 void TView::LeaveTarget() {
-    if (!gApplication || gApplication->GetTarget() != this)
+    TEventHandler* const target = gApplication ? gApplication->GetTarget() : nullptr;
+    if (!target || (target != this && !HasInside(target)))
         return;
     TEventHandler* next = GetNextHandler();
     gApplication->SetTarget(next ? next : gApplication);
+}
+
+bool TView::HasInside(const TEventHandler* handler) const {
+    if (CountSubViews() == 0 || !handler->DescendsFrom(&TView::fgClassDesc))
+        return false;
+    const auto* view = static_cast<const TView*>(handler);
+    while (view && view != this)
+        view = view->mSuperView;
+    return view != nullptr;
 }
 
 void TView::FreeSubViews() {

@@ -193,6 +193,25 @@ TEST_F(Controls, AControlMayBeFreedByWhatItAnnounces) {
     EXPECT_EQ(mWindow->FindSubView(kID, true), nullptr);
 }
 
+TEST_F(Controls, AFreedViewHearsOfItsTargetWhileItIsWhole) {
+    struct Panel : TView {
+        ~Panel() override { mIsWhole = false; }
+        bool mIsWhole = true;
+    };
+    auto* panel = new Panel;
+    panel->IView(mWindow, VRect(10, 10, 300, 100));
+    auto& field = Add<TEditText>(VRect(10, 10, 200, 34), kID, panel);
+    std::vector<bool> heard;
+    field.SetChangeCallback([&heard, panel](TControl&, std::int32_t event) {
+        if (event == kControlEvent_ValueChanged)
+            heard.push_back(panel->mIsWhole);
+    });
+    ASSERT_TRUE(field.BecomeTarget());
+    mDriver.Type("a");
+    panel->Free();
+    EXPECT_EQ(heard, std::vector<bool>{true});
+}
+
 TEST_F(Controls, ThousandControlsHilitedTouchOnlyTheirOwnPixels) {
     std::vector<TButton*> buttons;
     for (int i = 0; i < 1000; ++i)

@@ -124,6 +124,44 @@ TEST_F(FileDialog, SavingAddsTheExtensionAndAsksBeforeItReplaces) {
     EXPECT_EQ(mEndedWith, TFileDialog::kConfirm);
 }
 
+TEST_F(FileDialog, AnAgreementToReplaceIsForOneFileAndOneAnswer) {
+    mSettings.mName = "b";
+    Open(EFileDialogKind::kSave);
+    std::ofstream(mFolder / "Audio Files" / "b.wav") << "x";
+    mDialog->SetValidator([](std::uint32_t) { return false; });
+    const auto agree = [this] {
+        mDriver.Key(kDAW_Key_Return);
+        TWindow* const question = QLX_ModalWindows::GetInnermost();
+        ASSERT_NE(question, mDialog);
+        mDriver.UseWindow(*question);
+        mDriver.Key(kDAW_Key_Return);
+        mDriver.UseWindow(*mDialog);
+        EXPECT_TRUE(mDialog->IsModal()) << "the program would not have it";
+    };
+    agree();
+    agree(); // asked again, as the file may have become another
+    mDialog->GoTo(Sys_FileLoc((mFolder / "Audio Files").string()));
+    agree();
+}
+
+TEST_F(FileDialog, MayBeFreedWhileItAsks) {
+    for (const std::uint32_t asking : {TFileDialog::kConfirm, TFileDialog::kNewFolder}) {
+        mSettings.mName = "b";
+        mSettings.mTypes = {{"Wave", "wav"}};
+        Open(EFileDialogKind::kSave);
+        mDriver.Click(asking);
+        TWindow* const question = QLX_ModalWindows::GetInnermost();
+        ASSERT_NE(question, mDialog);
+        mDialog->Free();
+        mDialog = nullptr;
+        mDriver.UseWindow(*question);
+        mDriver.Type("Takes");
+        mDriver.Key(kDAW_Key_Return);
+        EXPECT_EQ(QLX_ModalWindows::GetInnermost(), nullptr);
+        EXPECT_EQ(mEndedWith, kDialog_Closed);
+    }
+}
+
 TEST_F(FileDialog, NamesThatLeadElsewhereAreRefused) {
     Open(EFileDialogKind::kSave);
     for (const char* name : {"", "..", "a/b", "a\\b"}) {
