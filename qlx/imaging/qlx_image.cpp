@@ -1,6 +1,7 @@
 #include "qlx/imaging/qlx_image.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -168,8 +169,8 @@ QLX_Image::Ptr QLX_Icon::GetImageFor(int width) const noexcept {
 Cmn_Rect<int> QLX_Icon::GetPlace(const QLX_Image& image, const Cmn_Rect<int>& rect) noexcept {
     const double fit = std::min({1.0, double(rect.GetWidth()) / image.GetWidth(),
                                  double(rect.GetHeight()) / image.GetHeight()});
-    const int width = std::max(1, int(image.GetWidth() * fit + 0.5));
-    const int height = std::max(1, int(image.GetHeight() * fit + 0.5));
+    const int width = std::max(1, int(std::lround(image.GetWidth() * fit)));
+    const int height = std::max(1, int(std::lround(image.GetHeight() * fit)));
     const int left = rect.left + (rect.GetWidth() - width) / 2;
     const int top = rect.top + (rect.GetHeight() - height) / 2;
     return {left, top, left + width, top + height};

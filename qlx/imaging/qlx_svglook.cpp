@@ -160,8 +160,9 @@ std::string QLX_PatternTile(EPenPattern pattern, double square, const std::strin
             while (x + 1 < 8 && isSet(x + 1))
                 ++x;
             const std::string width = QLX_SVGNumber((x + 1 - begin) * square);
-            data += "M" + QLX_SVGNumber(begin * square) + " " + QLX_SVGNumber(y * square) + "h" +
-                    width + "v" + QLX_SVGNumber(square) + "h-" + width + "z";
+            data.append("M").append(QLX_SVGNumber(begin * square)).append(" ");
+            data.append(QLX_SVGNumber(y * square)).append("h").append(width);
+            data.append("v").append(QLX_SVGNumber(square)).append("h-").append(width).append("z");
         }
     if (!data.empty())
         tile += "<path shape-rendering=\"crispEdges\"" + QLX_SVGAttribute("d", data) + foreground +

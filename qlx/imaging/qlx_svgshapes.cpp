@@ -61,7 +61,7 @@ namespace {
 // The cell lies fixed to the window's corner, whatever the origin.
 std::string QLX_SVGWriter::PatternOf(const QLX_RecordedState& state) {
     const double factor = mRecording.GetScale().GetFactor();
-    const double square = std::max(1, int(factor + 0.5)) / factor, side = 8 * square;
+    const double square = std::max(1, int(std::lround(factor))) / factor, side = 8 * square;
     const bool fills = state.penMode == kPenMode_Copy || state.penMode == kPenMode_NotCopy;
     const double alpha = state.alpha * mLook.opacity;
     const auto paint = [&](const CRGBColor& color) {

@@ -7,6 +7,7 @@
 #include "qlx/platform/testing/qlx_testdriver.h"
 #include "qlx/views/uwindow.h"
 #include "tests/support/entry_monkey.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ std::string NameOf(const testing::TestParamInfo<EntryShape>& info) {
 } // namespace
 
 TEST_P(AnyKeys, KeepShapeAndSelection) {
-    for (unsigned seed = 1; seed <= 20; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(20); ++seed) {
         std::mt19937 random(seed);
         EntryMonkey monkey(GetParam());
         for (int step = 0; step < 1000; ++step) {
@@ -95,7 +96,8 @@ TEST_P(AnyKeys, AUserInAWindowKeepsThemToo) {
     bool pressed = false;
     Cmn_Point<int> pointer(20, 20);
     const char keys[] = "0123456789.,+-*/=\r\x03\x08\x7F\x1C\x1D\x1E\x1Fqt";
-    for (int step = 0; step < 1000; ++step) {
+    const unsigned steps = SeedsToTry(1000);
+    for (unsigned step = 0; step < steps; ++step) {
         const unsigned what = random() % 16;
         if (what < 9) {
             driver.KeyDown(static_cast<unsigned char>(keys[random() % (sizeof keys - 1)]));

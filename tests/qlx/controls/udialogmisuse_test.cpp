@@ -15,6 +15,7 @@
 #include "qlx/views/ufiledialog.h"
 #include "qlx/views/utextlist.h"
 #include "qlx/views/uwindowmodal.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -246,7 +247,7 @@ class User {
 } // namespace
 
 TEST(DialogMisuse, EveryQuestionIsAnsweredOnceAndTheWindowBehindHasItsInputBack) {
-    for (std::uint32_t seed = 1; seed <= 12; ++seed) {
+    for (std::uint32_t seed = 1; seed <= SeedsToTry(12); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         User user(fs::path(QLX_TEST_OUTPUT) / "dialogmisuse", seed);
         for (int step = 0; step < 300; ++step) {

@@ -20,6 +20,7 @@
 #include "qlx/views/umenumanager.h"
 #include "qlx/views/uwindow.h"
 #include "tests/support/gallery.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -334,8 +335,9 @@ TEST_F(Menus, AMenuThatChangesOrDiesWhileItIsOpenClosesOrFollows) {
 
 TEST_F(Menus, RandomUseLeavesTheTargetInItsPlace) {
     std::minstd_rand random(7);
+    const unsigned steps = SeedsToTry(600);
     const char* keys[] = {"Up", "Down", "Left", "Right", "Home", "End", "Escape", "Return", "s"};
-    for (int step = 0; step < 600; ++step) {
+    for (unsigned step = 0; step < steps; ++step) {
         const Cmn_Point<int> where{static_cast<int>(random() % 500),
                                    static_cast<int>(random() % 400)};
         switch (random() % 5) {

@@ -18,6 +18,7 @@
 #include "qlx/views/utabs.h"
 #include "qlx/views/utextlist.h"
 #include "qlx/views/uwindow.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -182,7 +183,7 @@ class Misuse : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(Misuse, LeavesTheControlInOrder) {
     ClassDesc::InitUClassDesc();
-    for (const std::uint32_t seed : {1u, 2u, 3u}) {
+    for (unsigned seed = 1; seed <= SeedsToTry(3); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Subject subject(GetParam(), seed);
         for (int step = 0; step < 250; ++step) {

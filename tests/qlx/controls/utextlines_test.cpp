@@ -5,6 +5,7 @@
 
 #include "qlx/views/utextediting.h"
 #include "qlx/views/utextlines.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ const char* const kPieces[] = {"a",
 } // namespace
 
 TEST(TextLines, ChangesLeaveWhatLayingOutAnewGives) {
-    for (std::uint32_t seed = 1; seed <= 40; ++seed) {
+    for (std::uint32_t seed = 1; seed <= SeedsToTry(40); ++seed) {
         std::minstd_rand random(seed);
         const auto pick = [&](std::size_t count) { return random() % count; };
         QLX_TextEditing editing;

@@ -8,6 +8,7 @@
 
 #include "basekit/cmn/cmn_trace.h"
 #include "tests/support/failing_allocations.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -159,7 +160,7 @@ TEST(QLXRegion, PixelsFollowTheSetOperations) {
                        static_cast<std::size_t>(x)] = region.ContainsPoint({x, y});
         return bitmap;
     };
-    for (unsigned seed = 0; seed < 40; ++seed) {
+    for (unsigned seed = 0; seed < SeedsToTry(40); ++seed) {
         std::mt19937 random(seed);
         const auto below = [&](int limit) {
             return std::uniform_int_distribution<int>(0, limit - 1)(random);

@@ -13,6 +13,7 @@
 #include "qlx/imaging/qlx_recordingpainter.h"
 #include "qlx/imaging/qlx_statesavers.h"
 #include "tests/support/painter_sheet.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -194,7 +195,7 @@ TEST(Recording, DamagedRecordingsAreReadOrTold) {
     DrawPainterSheet(p);
     const std::string text = Complete(RecordingOf(p));
     int read = 0;
-    for (unsigned seed = 1; seed <= 150; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(150); ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const std::string damaged = Damaged(text, random);

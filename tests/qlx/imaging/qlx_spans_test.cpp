@@ -9,6 +9,7 @@
 
 #include "basekit/sys/sys_processor.h"
 #include "qlx/imaging/qlx_spans.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -222,7 +223,7 @@ TEST(Spans, EveryModeOnAnOpaqueSurfaceIsWhatItsNameSays) {
 }
 
 TEST(Spans, PremultipliedPixelsStayPremultiplied) {
-    for (unsigned seed = 1; seed <= 300; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(300); ++seed) {
         std::mt19937 random(seed);
         Canvas canvas(24, 2, true, random);
         QLX_SpanPaint paint;
@@ -258,7 +259,7 @@ TEST(Spans, PremultipliedPixelsStayPremultiplied) {
 }
 
 TEST(Spans, ColumnsAreFilledRowByRowAsTheyWouldBeOneByOne) {
-    for (unsigned seed = 1; seed <= 200; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(200); ++seed) {
         std::mt19937 random(seed);
         constexpr int kWide = 150, kHigh = 24;
         Canvas canvas(kWide, kHigh, seed % 2 == 0, random);
@@ -295,7 +296,7 @@ TEST(Spans, ColumnsAreFilledRowByRowAsTheyWouldBeOneByOne) {
 }
 
 TEST(Spans, StretchedPicturesLookAtTheirPartOnly) {
-    for (unsigned seed = 1; seed <= 300; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(300); ++seed) {
         std::mt19937 random(seed);
         const int width = 1 + int(random() % 12), height = 1 + int(random() % 12);
         // One colour within the part, another around it that must not bleed in.

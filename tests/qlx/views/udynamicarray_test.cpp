@@ -12,6 +12,7 @@
 
 #include "qlx/views/ulistiterator.h"
 #include "tests/support/failing_allocations.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -424,7 +425,7 @@ struct Reference {
 } // namespace
 
 TEST(ArrayIterator, StaysRightWhileElementsComeAndGo) {
-    for (unsigned seed = 1; seed <= 400; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(400); ++seed) {
         std::mt19937 random(seed);
         const bool forward = seed % 2 == 0;
         const auto below = [&](int n) { return static_cast<int>(random() % unsigned(n)); };

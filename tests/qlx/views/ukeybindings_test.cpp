@@ -14,6 +14,7 @@
 #include "newfilelibs/daw/daw_keyevent.h"
 #include "qlx/views/ueventhandler.h"
 #include "tests/support/key_binding_laws.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -217,7 +218,7 @@ TEST(KeyBindingText, AnyBytesComeBackAsTheyWere) {
         "<Cmd>", "+",    "[Opt]", " - ", "S",  "\"",   "\\",
         "#",     "save", "\t",    "\n",  "\r", "\r\n", std::string(1, '\0'),
         "\xFF",  "\\x41"};
-    for (unsigned seed = 0; seed < 2000; ++seed) {
+    for (unsigned seed = 0; seed < SeedsToTry(2000); ++seed) {
         std::mt19937 random(seed);
         std::string text;
         for (unsigned n = random() % 40; n > 0; --n)

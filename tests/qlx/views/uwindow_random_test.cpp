@@ -15,6 +15,7 @@
 #include "qlx/views/uapplication.h"
 #include "qlx/views/utracker.h"
 #include "qlx/views/uwindow.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -227,8 +228,7 @@ QLX_EventRef AnyEvent() {
 
 TEST(WindowRandom, NothingThatViewsDoToEachOtherBreaksTheWindow) {
     const Cmn_TraceSink sink = Cmn_SetTraceSink([](const char*) {}); // exceptions are reported
-    const unsigned seeds = std::getenv("QLX_LONG_TESTS") ? 2000 : 24;
-    for (unsigned seed = 1; seed <= seeds; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(24); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         sRandom.seed(seed);
         QLX_TestDriver driver;

@@ -20,6 +20,7 @@
 #include "tests/support/allocation_counter.h"
 #include "tests/support/painter_player.h"
 #include "tests/support/picture_compare.h"
+#include "tests/support/seeds.h"
 
 namespace {
 
@@ -173,7 +174,7 @@ TEST(PainterLimits, GiganticRectanglesCoverTheCanvas) {
 // A clip of one rectangle is drawn in without a detour, one of two is not: the pixels are the same,
 // and they are those that the rectangles say.
 TEST(PainterLimits, FillsTakeTheSamePixelsOnEitherRoad) {
-    for (unsigned seed = 1; seed <= 500; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(500); ++seed) {
         std::mt19937 random(seed);
         const auto place = [&](int most) {
             const unsigned kind = random() % 20;
@@ -475,7 +476,7 @@ TEST(PainterLimits, CallsDoNothingOnceTheTargetIsGone) {
 }
 
 TEST(PainterLimits, RandomCallsKeepTheLaws) {
-    for (unsigned seed = 1; seed <= 400; ++seed) {
+    for (unsigned seed = 1; seed <= SeedsToTry(400); ++seed) {
         std::mt19937 random(seed);
         std::string bytes(std::size_t(random() % 600), '\0');
         for (char& byte : bytes)
