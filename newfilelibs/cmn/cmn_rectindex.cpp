@@ -1,63 +1,49 @@
 #include "newfilelibs/cmn/cmn_rectindex.h"
 
-namespace {
-
-using Rect = Cmn_Rect<int>;
-using Cmn_RectScan::BoundsOf;
-
-// The first of `count` that a test which turns from no to yes somewhere says yes to, or the count.
-// Without branches: which way they would go is anyone's guess.
-template <class Test>
-std::size_t FindTurn(std::size_t count, Test test) noexcept {
-    std::size_t first = 0;
-    for (; count > 1; count -= count / 2)
-        first += test(first + count / 2 - 1) ? 0 : count / 2;
-    return first + (test(first) ? 0 : 1);
-}
-
-} // namespace
-
-void Cmn_RectIndexView::FillBoxes(const Rect* rects, std::size_t count, Rect* boxes) noexcept {
+void Cmn_RectIndexView::FillReach(const Cmn_Rect<int>* rects, std::size_t count,
+                                  int* reach) noexcept {
     const std::size_t blockCount = BlockCount(count);
-    Rect* const reach = boxes + blockCount;
-    Rect sum = Cmn_RectScan::kNowhere;
-    for (std::size_t i = 0; i < blockCount; ++i) {
-        const std::size_t start = std::min(count, i * kBlock);
-        boxes[i] = BoundsOf(rects + start, std::min(kBlock, count - start));
-        reach[i].bottom = sum.bottom = std::max(sum.bottom, boxes[i].bottom);
+    int* const lowest = reach + blockCount;
+    int bottom = std::numeric_limits<int>::min();
+    for (std::size_t block = 0; block < blockCount; ++block) {
+        int top = std::numeric_limits<int>::max();
+        const std::size_t end = std::min(count, (block + 1) * kBlock);
+        for (std::size_t i = block * kBlock; i < end; ++i) {
+            top = std::min(top, rects[i].top);
+            bottom = std::max(bottom, rects[i].bottom);
+        }
+        reach[block] = top;
+        lowest[block] = bottom;
     }
-    for (std::size_t i = blockCount; i-- > 0;)
-        reach[i].top = sum.top = std::min(sum.top, boxes[i].top);
+    for (std::size_t block = blockCount; block-- > 1;)
+        reach[block - 1] = std::min(reach[block - 1], reach[block]);
 }
 
-std::size_t Cmn_RectIndexView::FirstReaching(int y) const noexcept {
-    return FindTurn(BlockCount(mCount), [&](std::size_t i) { return mReach[i].bottom > y; });
+// Halving without branches, as which way they would go is anyone's guess; the last few are counted.
+std::size_t Cmn_RectIndexView::CountAbove(int line) const noexcept {
+    constexpr std::size_t kCounted = 8;
+    const int* from = mReach;
+    std::size_t left = BlockCount(mCount);
+    for (; left > kCounted; left -= left / 2)
+        from += from[left / 2 - 1] <= line ? left / 2 : 0;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < left; ++i)
+        count += from[i] <= line ? 1 : 0;
+    return static_cast<std::size_t>(from - mReach) + count;
 }
 
-std::size_t Cmn_RectIndexView::FirstBelow(int y) const noexcept {
-    return FindTurn(BlockCount(mCount), [&](std::size_t i) { return mReach[i].top >= y; });
-}
-
-// All at the probe's height are looked at: few for a point, and which boxes are worth entering is
-// no easier to tell than the rectangles themselves.
-bool Cmn_RectIndexView::Touches(const Rect& probe) const noexcept {
-    if (probe.Empty())
-        return false;
-    std::size_t from = 0;
-    std::size_t end = mCount;
-    if (mBlocks) {
-        from = FirstReaching(probe.top) * kBlock;
-        end = std::min(end, FirstBelow(probe.bottom) * kBlock);
+// From below upwards: among rectangles that are sorted by top, the last ones above a line are the
+// likeliest to be there still.
+bool Cmn_RectIndexView::HasAny(int lastLeft, int lastTop, int right, int bottom) const noexcept {
+    const Cmn_RectScan::LimitProbe probe(lastLeft, lastTop, right, bottom);
+    if (!mReach)
+        return Cmn_RectScan::HitsAny(probe, mRects, mCount);
+    const int* lowest = mReach + BlockCount(mCount);
+    for (std::size_t block = CountAbove(lastTop); block > 0 && lowest[block - 1] > bottom;
+         --block) {
+        const std::size_t start = (block - 1) * kBlock;
+        if (Cmn_RectScan::HitsAny(probe, mRects + start, std::min(kBlock, mCount - start)))
+            return true;
     }
-    return Cmn_RectScan::Any(Cmn_RectScan::OverlapProbe(probe), mRects, from, end,
-                             [&](std::size_t index) { return !mRects[index].Empty(); });
-}
-
-Cmn_RectIndex::Cmn_RectIndex(const Cmn_RectIndexView& list) : mView(list) {
-    const std::size_t count = list.mCount;
-    if (list.mBlocks || count < Cmn_RectList::kBoxedFrom)
-        return;
-    mBoxes.Resize(Cmn_RectIndexView::BoxCount(count));
-    Cmn_RectIndexView::FillBoxes(list.mRects, count, mBoxes.data());
-    mView = Cmn_RectIndexView(list.mRects, count, mBoxes.data());
+    return false;
 }

@@ -1,87 +1,72 @@
-// "Which rectangles of a list overlap this one?", asked many times. Every eight rectangles of the
-// list have a bounding box, in list order, and each box also knows how far down those up to it
-// reach, and how far up those from it on. Lists of regions are sorted by top, so that these two
-// rows of numbers rise within a narrow strip of each other, and two binary searches leave only the
-// boxes at the height of what is asked about.
+// "Which rectangles of a list overlap this one?", asked of a list again and again. For every
+// sixteen rectangles, in list order, it is known how far down those up to them reach, and how far
+// up those from them on. Lists of regions are sorted by top, so that these two rows of numbers rise
+// within a narrow strip of each other: a search in the one leads to the height of what is asked
+// about, and the other tells where to stop.
 #pragma once
 
 #include "newfilelibs/cmn/cmn_rectlist.h"
 #include "newfilelibs/cmn/cmn_rectscan.h"
-#include "newfilelibs/cmn/cmn_scratch.h"
 
-/// A list and its boxes, none of it owned. Without boxes every rectangle is looked at.
+/// A list and its reach, none of it owned. Without the reach every rectangle is looked at.
 struct Cmn_RectIndexView {
-    static constexpr std::size_t kBlock = 8; ///< rectangles a box
+    static constexpr std::size_t kBlock = 16; ///< rectangles that share an entry of the reach
 
-    // Boxes are scanned by fours, so empty ones fill up the last four.
     [[nodiscard]] static constexpr std::size_t BlockCount(std::size_t count) noexcept {
-        return (count + 4 * kBlock - 1) / (4 * kBlock) * 4;
+        return (count + kBlock - 1) / kBlock;
     }
-    /// A list's boxes, and behind them how far each reaches, in a rectangle of its own.
-    [[nodiscard]] static constexpr std::size_t BoxCount(std::size_t count) noexcept {
+    /// How many numbers a list's reach has.
+    [[nodiscard]] static constexpr std::size_t ReachCount(std::size_t count) noexcept {
         return 2 * BlockCount(count);
     }
 
     Cmn_RectIndexView(const Cmn_Rect<int>* rects, std::size_t count,
-                      const Cmn_Rect<int>* boxes = nullptr) noexcept
-        : mRects(rects), mCount(count), mBlocks(boxes),
-          mReach(boxes ? boxes + BlockCount(count) : nullptr) {}
-    /// With the boxes that the list has.
+                      const int* reach = nullptr) noexcept
+        : mRects(rects), mCount(count), mReach(reach) {}
+    /// With the reach that the list has.
     explicit Cmn_RectIndexView(const Cmn_RectList& list) noexcept
-        : Cmn_RectIndexView(list.data(), list.size(), list.GetBoxes()) {}
+        : Cmn_RectIndexView(list.data(), list.size(), list.GetReach()) {}
 
-    /// Fills the boxes of a whole list: BoxCount(count) of them.
-    static void FillBoxes(const Cmn_Rect<int>* rects, std::size_t count,
-                          Cmn_Rect<int>* boxes) noexcept;
+    /// Fills the reach of a whole list: ReachCount(count) numbers.
+    static void FillReach(const Cmn_Rect<int>* rects, std::size_t count, int* reach) noexcept;
 
     /// Calls found(index) for every rectangle that overlaps the probe with positive area, in order.
     template <class Found>
     void ForEach(const Cmn_Rect<int>& probe, Found found) const {
         if (probe.Empty())
             return;
-        const Cmn_RectScan::OverlapProbe scan(probe);
-        const auto check = [&](std::size_t index) {
-            if (!mRects[index].Empty()) // the scan takes a flat one inside the probe for an overlap
-                found(index);
-            return false;
-        };
-        if (!mBlocks) {
-            (void)Cmn_RectScan::Any(scan, mRects, 0, mCount, check);
-            return;
+        std::size_t from = 0;
+        std::size_t end = mCount;
+        if (mReach) {
+            const std::size_t blocks = CountAbove(probe.bottom - 1);
+            from = FirstBelow(probe.top, blocks) * kBlock;
+            end = std::min(end, blocks * kBlock);
         }
-        const auto enterBlock = [&](std::size_t block) {
-            const std::size_t start = block * kBlock;
-            return Cmn_RectScan::Any(scan, mRects, start, std::min(mCount, start + kBlock), check);
-        };
-        (void)Cmn_RectScan::Any(scan, mBlocks, FirstReaching(probe.top), FirstBelow(probe.bottom),
-                                enterBlock);
+        Cmn_RectScan::ForEachHit(Cmn_RectScan::OverlapProbe(probe), mRects, from, end,
+                                 [&](std::size_t index) {
+                                     if (!mRects[index].Empty())
+                                         found(index);
+                                 });
     }
 
-    /// Whether any rectangle overlaps the probe with positive area.
-    [[nodiscard]] bool Touches(const Cmn_Rect<int>& probe) const noexcept;
+    /// Whether the list has a rectangle with left <= lastLeft, top <= lastTop, right > right and
+    /// bottom > bottom.
+    [[nodiscard]] bool HasAny(int lastLeft, int lastTop, int right, int bottom) const noexcept;
 
     const Cmn_Rect<int>* mRects;
     std::size_t mCount;
-    const Cmn_Rect<int>* mBlocks;
-    // By block: in bottom the lowest edge of it and those before, in top the highest edge of it and
-    // those after it.
-    const Cmn_Rect<int>* mReach;
+    // By block the highest edge of it and those after it; and then by block the lowest edge of it
+    // and those before.
+    const int* mReach;
 
   private:
-    // The first block up to which something reaches below a line.
-    [[nodiscard]] std::size_t FirstReaching(int y) const noexcept;
-    // The first block from which on nothing reaches above a line.
-    [[nodiscard]] std::size_t FirstBelow(int y) const noexcept;
-};
-
-/// Boxes for a list that stays as it is while they are used.
-class Cmn_RectIndex {
-  public:
-    /// Uses the boxes that the list has, or makes its own where they are worth it.
-    explicit Cmn_RectIndex(const Cmn_RectIndexView& list);
-    [[nodiscard]] const Cmn_RectIndexView& View() const noexcept { return mView; }
-
-  private:
-    Cmn_Scratch<Cmn_Rect<int>, 32> mBoxes;
-    Cmn_RectIndexView mView;
+    // How many blocks it takes until no rectangle begins at a line or above it any more.
+    [[nodiscard]] std::size_t CountAbove(int line) const noexcept;
+    // The first block, up to the given one, from which on some rectangle may end below a line.
+    [[nodiscard]] std::size_t FirstBelow(int line, std::size_t block) const noexcept {
+        const int* lowest = mReach + BlockCount(mCount);
+        while (block > 0 && lowest[block - 1] > line)
+            --block;
+        return block;
+    }
 };

@@ -18,9 +18,12 @@ Cmn_Rect<int>* AllocateRects(std::size_t count) {
     return static_cast<Cmn_Rect<int>*>(Cmn_AllocateOrFail(count * sizeof(Cmn_Rect<int>)));
 }
 
-// That many rectangles and the boxes that may come behind them.
-std::size_t WithBoxes(std::size_t count) noexcept {
-    return count < Cmn_RectList::kBoxedFrom ? count : count + Cmn_RectIndexView::BoxCount(count);
+// That many rectangles and the reach that may come behind them, as rectangles.
+std::size_t WithReach(std::size_t count) noexcept {
+    constexpr std::size_t numbers = sizeof(Cmn_Rect<int>) / sizeof(int);
+    return count < Cmn_RectList::kReachFrom
+               ? count
+               : count + (Cmn_RectIndexView::ReachCount(count) + numbers - 1) / numbers;
 }
 
 std::size_t InSteps(std::size_t count) noexcept {
@@ -43,11 +46,11 @@ void Cmn_RectList::TakeFrom(Cmn_RectList& other) noexcept {
         mData = InlineData();
         mCapacity = kInlineCapacity;
         CopyRects(mData, other.mData, mSize);
-        mHasBoxes = false;
+        mHasReach = false;
     } else {
         mData = other.mData;
         mCapacity = other.mCapacity;
-        mHasBoxes = other.mHasBoxes;
+        mHasReach = other.mHasReach;
         other.mData = other.InlineData();
         other.mCapacity = kInlineCapacity;
     }
@@ -66,9 +69,9 @@ void Cmn_RectList::Reserve(std::size_t capacity) {
     mCapacity = static_cast<std::uint32_t>(capacity);
 }
 
-// And for the boxes of then.
+// And for the reach of then.
 void Cmn_RectList::MakeRoomForOne() {
-    const std::size_t needed = WithBoxes(std::size_t{mSize} + 1);
+    const std::size_t needed = WithReach(std::size_t{mSize} + 1);
     if (needed > mCapacity)
         Reserve(std::max(needed, std::size_t{mCapacity} * 2));
 }
@@ -76,7 +79,7 @@ void Cmn_RectList::MakeRoomForOne() {
 // New memory in place of the old; the contents go.
 void Cmn_RectList::Replace(std::size_t capacity) {
     const std::size_t ahead = IsInline() ? 0 : mCapacity + mCapacity / 2;
-    capacity = InSteps(std::max(WithBoxes(capacity), ahead));
+    capacity = InSteps(std::max(WithReach(capacity), ahead));
     Cmn_Rect<int>* data = AllocateRects(capacity);
     if (!IsInline())
         Release();
@@ -86,7 +89,7 @@ void Cmn_RectList::Replace(std::size_t capacity) {
 
 void Cmn_RectList::Assign(const Cmn_Rect<int>* rects, std::size_t count) {
     if (count > mCapacity) { // then they cannot all lie in this list
-        const std::size_t capacity = InSteps(WithBoxes(count));
+        const std::size_t capacity = InSteps(WithReach(count));
         Cmn_Rect<int>* data = AllocateRects(capacity);
         CopyRects(data, rects, count);
         if (!IsInline())
@@ -97,14 +100,23 @@ void Cmn_RectList::Assign(const Cmn_Rect<int>* rects, std::size_t count) {
         CopyRects(mData, rects, count);
     }
     mSize = static_cast<std::uint32_t>(count);
-    mHasBoxes = false;
+    mHasReach = false;
 }
 
-void Cmn_RectList::FillBoxesBehind() noexcept {
-    if (WithBoxes(mSize) > mCapacity)
+// The reach comes along.
+void Cmn_RectList::CopyLong(const Cmn_RectList& other) {
+    Assign(other.mData, other.mSize);
+    if (!other.mHasReach || WithReach(mSize) > mCapacity)
         return;
-    Cmn_RectIndexView::FillBoxes(mData, mSize, mData + mSize);
-    mHasBoxes = true;
+    CopyRects(mData + mSize, other.mData + mSize, WithReach(mSize) - mSize);
+    mHasReach = true;
+}
+
+void Cmn_RectList::FillReachBehind() noexcept {
+    if (WithReach(mSize) > mCapacity)
+        return;
+    Cmn_RectIndexView::FillReach(mData, mSize, ReachPlace());
+    mHasReach = true;
 }
 
 void Cmn_RectList::Resize(std::size_t count) {
@@ -112,13 +124,13 @@ void Cmn_RectList::Resize(std::size_t count) {
     for (std::size_t i = mSize; i < count; ++i)
         mData[i] = Cmn_Rect<int>();
     mSize = static_cast<std::uint32_t>(count);
-    mHasBoxes = false;
+    mHasReach = false;
 }
 
 void Cmn_RectList::Erase(std::size_t index) noexcept {
     CopyRects(mData + index, mData + index + 1, mSize - index - 1);
     --mSize;
-    mHasBoxes = false;
+    mHasReach = false;
 }
 
 std::ostream& operator<<(std::ostream& out, const Cmn_RectList& list) {

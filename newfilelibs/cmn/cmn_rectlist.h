@@ -23,9 +23,9 @@ class QLX_API Cmn_RectList {
     // multiples of this.
     static constexpr std::size_t kCapacityStep = 4;
 
-    // Lists of this many rectangles and more get bounding boxes behind the rectangles, so that
-    // queries need not look at all; cmn_rectindex.h tells how.
-    static constexpr std::size_t kBoxedFrom = 24;
+    // Lists of this many rectangles and more keep behind the rectangles how far those reach, so
+    // that queries need not look at all; cmn_rectindex.h tells how.
+    static constexpr std::size_t kReachFrom = 48;
 
     Cmn_RectList() noexcept {}
     Cmn_RectList(const Cmn_RectList& other) { CopyFrom(other); }
@@ -66,23 +66,23 @@ class QLX_API Cmn_RectList {
         return a.mSize == b.mSize && std::equal(a.begin(), a.end(), b.begin());
     }
 
-    /// The boxes of a list that has them (see FillBoxes), else null.
-    [[nodiscard]] const Cmn_Rect<int>* GetBoxes() const noexcept {
-        return mHasBoxes ? mData + mSize : nullptr;
+    /// The reach of a list that has it (see FillReach), else null.
+    [[nodiscard]] const int* GetReach() const noexcept {
+        return mHasReach ? ReachPlace() : nullptr;
     }
 
     // Changes
 
-    /// Fills the boxes of a list that is large enough for them and has room; every later change
-    /// forgets them.
-    void FillBoxes() noexcept {
-        if (mSize >= kBoxedFrom && !mHasBoxes)
-            FillBoxesBehind();
+    /// Fills the reach of a list that is large enough for it and has room; every later change
+    /// forgets it.
+    void FillReach() noexcept {
+        if (mSize >= kReachFrom && !mHasReach)
+            FillReachBehind();
     }
 
     /// For writing; the caller keeps within size.
     [[nodiscard]] Cmn_Rect<int>* Edit() noexcept {
-        mHasBoxes = false;
+        mHasReach = false;
         return mData;
     }
     void Append(const Cmn_Rect<int>& rect) {
@@ -98,11 +98,11 @@ class QLX_API Cmn_RectList {
         if (count > mCapacity)
             Replace(count);
         mSize = static_cast<std::uint32_t>(count);
-        mHasBoxes = false;
+        mHasReach = false;
     }
     /// Grows by one, which the caller writes; answers all of them for that.
     [[nodiscard]] Cmn_Rect<int>* Extend() {
-        if (mSize == mCapacity || mSize >= kBoxedFrom)
+        if (mSize == mCapacity || mSize >= kReachFrom)
             MakeRoomForOne();
         ++mSize;
         return Edit();
@@ -112,7 +112,7 @@ class QLX_API Cmn_RectList {
     /// Keeps its memory.
     void Clear() noexcept {
         mSize = 0;
-        mHasBoxes = false;
+        mHasReach = false;
     }
     /// Makes room for that many in all.
     void Reserve(std::size_t capacity);
@@ -120,7 +120,7 @@ class QLX_API Cmn_RectList {
   private:
     void CopyFrom(const Cmn_RectList& other) {
         if (other.mSize > kInlineCapacity) {
-            Assign(other.mData, other.mSize);
+            CopyLong(other);
             return;
         }
         // Whole steps of a size that the compiler knows: short lists are copied all the time.
@@ -128,7 +128,7 @@ class QLX_API Cmn_RectList {
             std::memcpy(static_cast<void*>(mData + i), other.mData + i,
                         kCapacityStep * sizeof(Cmn_Rect<int>));
         mSize = other.mSize;
-        mHasBoxes = false;
+        mHasReach = false;
     }
     [[nodiscard]] bool IsInline() const noexcept { return mData == InlineData(); }
     [[nodiscard]] Cmn_Rect<int>* InlineData() noexcept {
@@ -137,16 +137,18 @@ class QLX_API Cmn_RectList {
     [[nodiscard]] const Cmn_Rect<int>* InlineData() const noexcept {
         return reinterpret_cast<const Cmn_Rect<int>*>(mInline);
     }
+    [[nodiscard]] int* ReachPlace() const noexcept { return reinterpret_cast<int*>(mData + mSize); }
+    void CopyLong(const Cmn_RectList& other);
     void MakeRoomForOne();
     void Release() noexcept;
     void Replace(std::size_t capacity);
-    void FillBoxesBehind() noexcept;
+    void FillReachBehind() noexcept;
     void TakeFrom(Cmn_RectList& other) noexcept;
 
     Cmn_Rect<int>* mData = InlineData(); // owned unless it is mInline
     std::uint32_t mSize = 0;
     std::uint32_t mCapacity = kInlineCapacity;
-    bool mHasBoxes = false;
+    bool mHasReach = false;
     // Raw bytes, so that making a list writes nothing here.
     alignas(16) std::byte mInline[kInlineCapacity * sizeof(Cmn_Rect<int>)];
 };

@@ -30,35 +30,58 @@ inline unsigned LaneBits(__m128i a, __m128i b, __m128i c, __m128i d) noexcept {
         _mm_movemask_epi8(_mm_packs_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d))));
 }
 
-/// Tells rectangles that overlap one or share at least a corner with it.
-class TouchProbe {
+/// Tells rectangles that begin no further than a corner and end behind another: a limit's left and
+/// top are the last that a rectangle's may have, and its right and bottom must be passed.
+class LimitProbe {
   public:
-    explicit TouchProbe(const Rect& probe) noexcept
-        : mFar(TurnedRound(_mm_shuffle_epi32(Load(&probe), _MM_SHUFFLE(1, 0, 3, 2)))) {}
+    LimitProbe(int lastLeft, int lastTop, int right, int bottom) noexcept
+        : mLimits(_mm_set_epi32(bottom, right, lastTop, lastLeft)) {}
 
     /// Bit 4 * k is set when the k-th of four rectangles does.
     [[nodiscard]] unsigned Four(const Rect* rects) const noexcept {
-        unsigned bits =
-            LaneBits(Apart(rects), Apart(rects + 1), Apart(rects + 2), Apart(rects + 3));
-        bits |= bits >> 1;
-        return ~(bits | bits >> 2) & 0x1111;
+        const __m128i beyond =
+            _mm_packs_epi16(_mm_packs_epi32(Beyond(rects), Beyond(rects + 1)),
+                            _mm_packs_epi32(Beyond(rects + 2), Beyond(rects + 3)));
+        // A byte an edge: right and bottom beyond the limits, left and top not.
+        const __m128i hits = _mm_cmpeq_epi32(beyond, _mm_set1_epi32(static_cast<int>(0xFFFF0000U)));
+        return static_cast<unsigned>(_mm_movemask_epi8(hits)) & 0x1111;
     }
-    [[nodiscard]] bool One(const Rect* rect) const noexcept {
-        return _mm_movemask_epi8(Apart(rect)) == 0;
+
+  protected:
+    explicit LimitProbe(__m128i limits) noexcept : mLimits(limits) {}
+    // Right, bottom, left and top.
+    [[nodiscard]] static __m128i Crosswise(const Rect& rect) noexcept {
+        return _mm_shuffle_epi32(Load(&rect), _MM_SHUFFLE(1, 0, 3, 2));
     }
 
   private:
-    // Left and top beyond the probe's far edges, right and bottom short of its near ones: for the
-    // latter the comparison is turned round.
-    [[nodiscard]] __m128i Apart(const Rect* rect) const noexcept {
-        return _mm_cmpgt_epi32(TurnedRound(Load(rect)), mFar);
+    [[nodiscard]] __m128i Beyond(const Rect* rect) const noexcept {
+        return _mm_cmpgt_epi32(Load(rect), mLimits);
     }
-    // The upper two as their complements, which compare the other way.
-    [[nodiscard]] static __m128i TurnedRound(__m128i value) noexcept {
-        return _mm_xor_si128(value, _mm_set_epi32(-1, -1, 0, 0));
-    }
+    __m128i mLimits;
+};
 
-    __m128i mFar;
+/// Tells rectangles of positive size that overlap one or share at least a corner with it.
+class TouchProbe : public LimitProbe {
+  public:
+    explicit TouchProbe(const Rect& probe) noexcept : LimitProbe(Limits(Crosswise(probe))) {}
+
+  private:
+    // One less for what is to be reached; nothing ends at the lowest number of all.
+    [[nodiscard]] static __m128i Limits(__m128i crosswise) noexcept {
+        constexpr int low = std::numeric_limits<int>::min();
+        constexpr int high = std::numeric_limits<int>::max();
+        return _mm_add_epi32(crosswise,
+                             _mm_cmpgt_epi32(crosswise, _mm_set_epi32(low, low, high, high)));
+    }
+};
+
+/// Tells rectangles that overlap one of positive size; and flat ones inside it, which overlap
+/// nothing.
+class OverlapProbe : public LimitProbe {
+  public:
+    explicit OverlapProbe(const Rect& probe) noexcept
+        : LimitProbe(_mm_add_epi32(Crosswise(probe), _mm_set_epi32(0, 0, -1, -1))) {}
 };
 
 /// Finds rectangles that share both rows' edges or both columns' edges with one.
@@ -107,22 +130,40 @@ class Bounds {
 
 #else
 
-class TouchProbe {
+class LimitProbe {
   public:
-    explicit TouchProbe(const Rect& probe) noexcept : mProbe(probe) {}
+    LimitProbe(int lastLeft, int lastTop, int right, int bottom) noexcept
+        : mLimits(lastLeft, lastTop, right, bottom) {}
     [[nodiscard]] unsigned Four(const Rect* rects) const noexcept {
         unsigned bits = 0;
         for (int i = 0; i < 4; ++i)
-            bits |= static_cast<unsigned>(One(rects + i)) << 4 * i;
+            bits |= static_cast<unsigned>(One(rects[i])) << 4 * i;
         return bits;
-    }
-    [[nodiscard]] bool One(const Rect* rect) const noexcept {
-        return (rect->left <= mProbe.right) & (rect->top <= mProbe.bottom) &
-               (rect->right >= mProbe.left) & (rect->bottom >= mProbe.top);
     }
 
   private:
-    Rect mProbe;
+    [[nodiscard]] bool One(const Rect& rect) const noexcept {
+        return (rect.left <= mLimits.left) & (rect.top <= mLimits.top) &
+               (rect.right > mLimits.right) & (rect.bottom > mLimits.bottom);
+    }
+    Rect mLimits;
+};
+
+class TouchProbe : public LimitProbe {
+  public:
+    explicit TouchProbe(const Rect& probe) noexcept
+        : LimitProbe(probe.right, probe.bottom, Before(probe.left), Before(probe.top)) {}
+
+  private:
+    static int Before(int edge) noexcept {
+        return edge == std::numeric_limits<int>::min() ? edge : edge - 1;
+    }
+};
+
+class OverlapProbe : public LimitProbe {
+  public:
+    explicit OverlapProbe(const Rect& probe) noexcept
+        : LimitProbe(probe.right - 1, probe.bottom - 1, probe.left, probe.top) {}
 };
 
 class EdgeProbe {
@@ -156,14 +197,6 @@ class Bounds {
 
 #endif
 
-/// Tells rectangles that overlap one of positive size: those that touch what it has inside its
-/// outermost pixels' far sides.
-class OverlapProbe : public TouchProbe {
-  public:
-    explicit OverlapProbe(const Rect& probe) noexcept
-        : TouchProbe(Rect(probe.left + 1, probe.top + 1, probe.right - 1, probe.bottom - 1)) {}
-};
-
 /// The first index in [from, end) whose rectangle the probe hits, or end.
 template <class Probe>
 [[nodiscard]] inline std::size_t FindFirst(const Probe& probe, const Rect* rects, std::size_t from,
@@ -179,36 +212,34 @@ template <class Probe>
     return end;
 }
 
-/// Whether found(index) says yes to an index in [from, end) whose rectangle the probe hits; asks in
-/// order and no further than needed. Rectangles behind the end up to a multiple of four from the
-/// start are in memory, whatever they are.
-template <class Probe, class Found>
-[[nodiscard]] inline bool Any(const Probe& probe, const Rect* rects, std::size_t from,
-                              std::size_t end, Found found) {
-    for (; from < end; from += 4) {
-        for (unsigned bits = probe.Four(rects + from); bits != 0; bits &= bits - 1) {
-            const std::size_t index = from + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
-            if (index < end && found(index))
-                return true;
-        }
-    }
-    return false;
+// The following look at rectangles by fours from the start. Those behind the end, up to a multiple
+// of four, are in memory, as in lists, whatever stands there.
+
+/// Whether the probe hits any of the rectangles. All are looked at: where one would be found is not
+/// to be foretold, and a wrong guess of the processor costs as much as sixteen of them.
+[[nodiscard]] inline bool HitsAny(const LimitProbe& probe, const Rect* rects,
+                                  std::size_t count) noexcept {
+    unsigned bits = 0;
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        bits |= probe.Four(rects + i);
+    if (i < count)
+        bits |= probe.Four(rects + i) & ((1U << 4 * (count - i)) - 1);
+    return bits != 0;
 }
 
-/// Calls found(index) for every rectangle that touches the probe's, in order, until it answers
-/// false. The memory goes on to a multiple of four rectangles, as that of lists does, whatever
-/// stands there.
+/// Calls found(index) for every rectangle that the probe hits, in order.
 template <class Found>
-inline void ForEachTouching(const TouchProbe& probe, const Rect* rects, std::size_t count,
-                            Found found) {
-    for (std::size_t i = 0; i < count; i += 4) {
-        unsigned bits = probe.Four(rects + i);
+inline void ForEachHit(const LimitProbe& probe, const Rect* rects, std::size_t from,
+                       std::size_t end, Found found) {
+    for (; from < end; from += 4) {
+        unsigned bits = probe.Four(rects + from);
         if (bits == 0) [[likely]]
             continue;
         for (; bits != 0; bits &= bits - 1) {
-            const std::size_t index = i + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
-            if (index >= count || !found(index))
-                return;
+            const std::size_t index = from + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
+            if (index < end)
+                found(index);
         }
     }
 }

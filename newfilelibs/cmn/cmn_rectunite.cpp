@@ -29,14 +29,13 @@ struct Partners {
 Partners FindPartners(const Cmn_RectList& list, const Rect& rect) noexcept {
     Partners partners;
     const Rect* rects = list.data();
-    Cmn_RectScan::ForEachTouching(
-        Cmn_RectScan::TouchProbe(rect), rects, list.size(), [&](std::size_t i) {
-            if (Overlap(rects[i], rect) || MakeRectangle(rects[i], rect)) {
-                ++partners.mCount;
-                partners.mLast = i;
-            }
-            return true;
-        });
+    Cmn_RectScan::ForEachHit(Cmn_RectScan::TouchProbe(rect), rects, 0, list.size(),
+                             [&](std::size_t i) {
+                                 if (Overlap(rects[i], rect) || MakeRectangle(rects[i], rect)) {
+                                     ++partners.mCount;
+                                     partners.mLast = i;
+                                 }
+                             });
     return partners;
 }
 
@@ -69,11 +68,9 @@ bool IsAnyJoined(const Cmn_RectList& list, std::size_t partner, const Rect& rect
     const Rect* rects = list.data();
     const PieceEdges edges(rects[partner], rect);
     bool any = false;
-    Cmn_RectScan::ForEachTouching(Cmn_RectScan::TouchProbe(rects[partner] | rect), rects,
-                                  list.size(), [&](std::size_t i) {
-                                      any = i != partner && edges.MayJoin(rects[i]);
-                                      return !any;
-                                  });
+    Cmn_RectScan::ForEachHit(
+        Cmn_RectScan::TouchProbe(rects[partner] | rect), rects, 0, list.size(),
+        [&](std::size_t i) { any = any || (i != partner && edges.MayJoin(rects[i])); });
     return any;
 }
 

@@ -134,8 +134,10 @@ void Cmn_RegionCore<int>::Difference(Cmn_RegionCore& result, const Cmn_RegionCor
         return;
     }
     Cmn_UnjoinedRects unjoined;
-    Cmn_SubtractRects(Cmn_RectOperand(*this), Cmn_RectOperand(other), unjoined);
-    result.FinishFrom(unjoined);
+    if (Cmn_SubtractRects(Cmn_RectOperand(*this), Cmn_RectOperand(other), unjoined))
+        result.FinishFrom(unjoined);
+    else
+        result.CopyFrom(*this);
 }
 
 void Cmn_RegionCore<int>::Xor(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
@@ -237,13 +239,17 @@ void Cmn_RegionCore<int>::FillBounds() const noexcept {
 }
 
 bool Cmn_RegionCore<int>::ContainsPoint(const Cmn_Point<int>& point) const noexcept {
-    constexpr int last = std::numeric_limits<int>::max();
-    return point.x != last && point.y != last &&
-           ContainsRect({point.x, point.y, point.x + 1, point.y + 1});
+    return Cmn_RectIndexView(mRects).HasAny(point.x, point.y, point.x, point.y);
 }
 
 bool Cmn_RegionCore<int>::ContainsRect(const Cmn_Rect<int>& rect) const noexcept {
-    return Cmn_RectIndexView(mRects).Touches(rect);
+    if (rect.Empty() ||
+        !Cmn_RectIndexView(mRects).HasAny(rect.right - 1, rect.bottom - 1, rect.left, rect.top))
+        return false;
+    // A flat rectangle of the list may have been taken for one that overlaps.
+    return IsKnown(kKnown_Disjoint) ||
+           std::any_of(mRects.begin(), mRects.end(),
+                       [&](const Rect& one) { return one.Overlaps(rect); });
 }
 
 Cmn_RegionImpl<int>::~Cmn_RegionImpl() = default;

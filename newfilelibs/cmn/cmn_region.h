@@ -104,7 +104,7 @@ class QLX_API Cmn_RegionCore<int> {
     void FillCaches() noexcept {
         if ((mFlags & kFlag_BoundsStale) != 0)
             FillBounds();
-        mRects.FillBoxes();
+        mRects.FillReach();
     }
 
     [[nodiscard]] const Cmn_RectList& GetRectList() const noexcept { return mRects; }

@@ -1,6 +1,6 @@
 #include "newfilelibs/cmn/cmn_regionoperations.h"
 
-#include "newfilelibs/cmn/cmn_rectindex.h"
+#include "newfilelibs/cmn/cmn_rectsweep.h"
 
 namespace {
 
@@ -28,6 +28,7 @@ struct Waiting {
 class Queue {
   public:
     void Append(const Waiting& waiting) { mWaiting.Append(waiting); }
+    [[nodiscard]] Waiting& GetLast() noexcept { return mWaiting[mWaiting.size() - 1]; }
     [[nodiscard]] bool IsEmpty() const noexcept { return mTaken == mWaiting.size(); }
     [[nodiscard]] Waiting Take() noexcept { return mWaiting[mTaken++]; }
 
@@ -38,34 +39,42 @@ class Queue {
 
 using Overlaps = Cmn_Scratch<std::uint32_t, 64>;
 
-// Copies the rectangles that overlap none of the others; the rest waits, with its overlaps listed.
-void Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others, Cmn_UnjoinedRects& out,
-           Queue& queue, Overlaps& overlaps) {
-    const Cmn_RectIndex index(others.View());
-    for (std::size_t i = 0; i < list.mCount; ++i) {
-        const Rect& rect = list.mRects[i];
-        const auto first = static_cast<std::uint32_t>(overlaps.size());
-        index.View().ForEach(
-            rect, [&](std::size_t other) { overlaps.Append(static_cast<std::uint32_t>(other)); });
-        const auto end = static_cast<std::uint32_t>(overlaps.size());
-        if (first == end)
-            out.mRects.Append(rect);
-        else
-            queue.Append({rect, first, end});
+// Calls found(i, j) when the list's rectangle i overlaps the other list's j, by i and then by j.
+template <class Found>
+void ForEachOverlap(const Cmn_RectOperand& list, const Cmn_RectOperand& others, Found found) {
+    if (others.mCount == 1) {
+        list.View().ForEach(others.mRects[0], [&](std::size_t i) { found(i, std::size_t{0}); });
+        return;
     }
+    // Getting the others ready for a sweep costs about as much as looking through them three times.
+    if (list.mCount <= 3 || others.mCount <= Cmn_RectSweep::kBlock) {
+        const Cmn_RectIndexView view = others.View();
+        list.View().ForEach(others.mBounds, [&](std::size_t i) {
+            view.ForEach(list.mRects[i], [&](std::size_t j) { found(i, j); });
+        });
+        return;
+    }
+    Cmn_RectSweep sweep(others.mRects, others.mCount, list.mBounds | others.mBounds);
+    list.View().ForEach(others.mBounds, [&](std::size_t i) {
+        sweep.ForEach(list.mRects[i], [&](std::size_t j) { found(i, j); });
+    });
 }
 
-// The same against a single rectangle, whose overlaps need no list.
-void SplitByOne(const Cmn_RectOperand& list, const Rect& other, Cmn_UnjoinedRects& out,
-                Queue& queue, Overlaps& overlaps) {
-    overlaps.Append(0);
-    std::size_t start = 0;
-    list.View().ForEach(other, [&](std::size_t found) {
-        out.mRects.Append(list.mRects + start, found - start);
-        queue.Append({list.mRects[found], 0, 1});
-        start = found + 1;
+// Copies the rectangles that overlap none of the others, up to the last one that does; those that
+// do wait, with their overlaps listed. Answers the index from which on all are left alone.
+std::size_t Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others,
+                  Cmn_UnjoinedRects& out, Queue& queue, Overlaps& overlaps) {
+    std::size_t rest = 0;
+    ForEachOverlap(list, others, [&](std::size_t i, std::size_t j) {
+        if (i >= rest) { // the first one that it overlaps
+            out.mRects.Append(list.mRects + rest, i - rest);
+            queue.Append({list.mRects[i], static_cast<std::uint32_t>(overlaps.size()), 0});
+            rest = i + 1;
+        }
+        overlaps.Append(static_cast<std::uint32_t>(j));
+        queue.GetLast().mEnd = static_cast<std::uint32_t>(overlaps.size());
     });
-    out.mRects.Append(list.mRects + start, list.mCount - start);
+    return rest;
 }
 
 // The smaller list of a union while it is cut. A rectangle that is cut leaves the list and its
@@ -194,10 +203,8 @@ void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smalle
     out.mDisjoint = larger.mDisjoint && smaller.mDisjoint;
     Queue queue;
     Overlaps overlaps;
-    if (smaller.mCount == 1)
-        SplitByOne(larger, smaller.mRects[0], out, queue, overlaps);
-    else
-        Split(larger, smaller, out, queue, overlaps);
+    const std::size_t rest = Split(larger, smaller, out, queue, overlaps);
+    out.mRects.Append(larger.mRects + rest, larger.mCount - rest);
     out.mHead = larger.mJoined ? out.mRects.size() : 0;
     if (queue.IsEmpty()) {
         out.mRects.Append(smaller.mRects, smaller.mCount);
@@ -215,29 +222,20 @@ void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smalle
 void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& other,
                         Cmn_UnjoinedRects& out) {
     out.mDisjoint = list.mDisjoint && other.mDisjoint;
-    if (other.mCount == 1) {
-        const Rect& clip = other.mRects[0];
-        list.View().ForEach(
-            clip, [&](std::size_t i) { out.mRects.Append(CommonPart(list.mRects[i], clip)); });
-        return;
-    }
-    const Cmn_RectIndex index(other.View());
-    for (std::size_t i = 0; i < list.mCount; ++i) {
-        const Rect& rect = list.mRects[i];
-        index.View().ForEach(
-            rect, [&](std::size_t j) { out.mRects.Append(CommonPart(rect, other.mRects[j])); });
-    }
+    ForEachOverlap(list, other, [&](std::size_t i, std::size_t j) {
+        out.mRects.Append(CommonPart(list.mRects[i], other.mRects[j]));
+    });
 }
 
-void Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutters,
+bool Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutters,
                        Cmn_UnjoinedRects& out) {
     out.mDisjoint = list.mDisjoint;
     Queue queue;
     Overlaps overlaps;
-    if (cutters.mCount == 1)
-        SplitByOne(list, cutters.mRects[0], out, queue, overlaps);
-    else
-        Split(list, cutters, out, queue, overlaps);
+    const std::size_t rest = Split(list, cutters, out, queue, overlaps);
+    if (rest == 0 && list.mJoined)
+        return false;
+    out.mRects.Append(list.mRects + rest, list.mCount - rest);
     out.mHead = list.mJoined ? out.mRects.size() : 0;
     Rect pieces[4];
     while (!queue.IsEmpty()) {
@@ -253,4 +251,5 @@ void Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutte
         for (int i = 0, count = waiting.mRect.Cut(cutter, pieces); i < count; ++i)
             queue.Append({pieces[i], waiting.mFirst + 1, waiting.mEnd});
     }
+    return true;
 }

@@ -8,15 +8,18 @@
 /// A list that takes part in an operation.
 struct Cmn_RectOperand {
     explicit Cmn_RectOperand(const Cmn_RegionCore<int>& core) noexcept
-        : mRects(core.mRects.data()), mCount(core.mRects.size()), mBoxes(core.mRects.GetBoxes()),
+        : mRects(core.mRects.data()), mCount(core.mRects.size()), mReach(core.mRects.GetReach()),
           mDisjoint(core.IsKnown(Cmn_RegionCore<int>::kKnown_Disjoint)),
-          mJoined(core.IsKnown(Cmn_RegionCore<int>::kKnown_Joined)) {}
+          mJoined(core.IsKnown(Cmn_RegionCore<int>::kKnown_Joined)) {
+        core.GetBounds(mBounds);
+    }
 
-    [[nodiscard]] Cmn_RectIndexView View() const noexcept { return {mRects, mCount, mBoxes}; }
+    [[nodiscard]] Cmn_RectIndexView View() const noexcept { return {mRects, mCount, mReach}; }
 
     const Cmn_Rect<int>* mRects; // not owned
     std::size_t mCount;
-    const Cmn_Rect<int>* mBoxes; // null, or as Cmn_RectList::GetBoxes; not owned
+    const int* mReach; // null, or as Cmn_RectList::GetReach; not owned
+    Cmn_Rect<int> mBounds;
     bool mDisjoint;
     bool mJoined;
 };
@@ -36,6 +39,7 @@ void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& othe
                         Cmn_UnjoinedRects& out);
 
 /// First the rectangles that the cutters leave alone; then the others, each cut by the first cutter
-/// that it overlaps, with the pieces queueing up behind.
-void Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutters,
-                       Cmn_UnjoinedRects& out);
+/// that it overlaps, with the pieces queueing up behind. False, and nothing appended, when a joined
+/// list is left alone as a whole.
+[[nodiscard]] bool Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutters,
+                                     Cmn_UnjoinedRects& out);
