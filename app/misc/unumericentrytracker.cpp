@@ -38,6 +38,12 @@ void TNumericEntryTracker::TrackMouse(TrackPhase phase, const VPoint& anchor,
     }
 }
 
+// Tab or the program has ended the edit that the drag was part of: its value stands as it is.
+bool TNumericEntryTracker::IsOver() {
+    mIsOver = mIsOver || !GetField()->IsTarget();
+    return mIsOver;
+}
+
 void TNumericEntryTracker::Begin() {
     TNumericEntryText* const field = GetField();
     mText = field->GetText();
@@ -48,11 +54,11 @@ void TNumericEntryTracker::Begin() {
 
 void TNumericEntryTracker::Continue(const VPoint& anchor, const VPoint& previous,
                                     const VPoint& next) {
-    if (!mDragged && std::llabs(next.v - anchor.v) <= kSlop)
+    TNumericEntryText* const field = GetField();
+    if (IsOver() || (!mDragged && std::llabs(next.v - anchor.v) <= kSlop))
         return;
     mDragged = true;
     const VCoordinate upwards = previous.v - next.v;
-    TNumericEntryText* const field = GetField();
     if (upwards == 0 || field->IsWildcard())
         return;
     field->AddValueToCurrentSelection(upwards);
@@ -69,7 +75,7 @@ void TNumericEntryTracker::End() {
     field->UpdateClient(0, false, false, false, false, /*fromTracking*/ true, kTrack_End);
     if (field->mGone)
         return;
-    if (!mWasTarget || field->mResignAfterTracking)
+    if (!IsOver() && (!mWasTarget || field->mResignAfterTracking))
         TNumericEntryText::RestoreOldTarget();
 }
 
@@ -78,6 +84,7 @@ void TNumericEntryTracker::TakeBack() {
     field->Changed(kNumericEntry_TrackingEnds, field);
     if (!mDragged || field->mGone)
         return;
-    field->ChangeText(mText);
+    if (!IsOver())
+        field->ChangeText(mText);
     field->UpdateClient(0, false, false, false, false, /*fromTracking*/ true, kTrack_End);
 }

@@ -9,7 +9,8 @@ class TNumericEntryText;
 
 /// One drag over a field. Movement counts once the pointer is more than five pixels above or below
 /// the press; from then on each pixel upwards adds one to the block that was pressed. Escape takes
-/// the drag back.
+/// the drag back. A field that loses the keyboard in the middle keeps what was dragged until then
+/// and follows the mouse no longer.
 class QLX_API TNumericEntryTracker : public TTracker {
   public:
     QLX_DECLARE_CLASS(TNumericEntryTracker);
@@ -29,9 +30,11 @@ class QLX_API TNumericEntryTracker : public TTracker {
     void Continue(const VPoint& anchor, const VPoint& previous, const VPoint& next);
     void End();
     void TakeBack();
+    [[nodiscard]] bool IsOver();
     [[nodiscard]] TNumericEntryText* GetField() const;
 
     bool mWasTarget;
     bool mDragged = false;
+    bool mIsOver = false;
     std::string mText; // before the drag
 };

@@ -15,10 +15,11 @@ constexpr int kMostTyped = 31;
 
 const char cMinusInfinityText[] = "-inf";
 
+// Held to what three digits before the point can say.
 std::int64_t ToTenths(double decibels) {
     if (std::isnan(decibels))
         return 0;
-    return std::llround(std::clamp(decibels, -1000.0, 1000.0) * 10);
+    return std::llround(std::clamp(decibels, -999.9, 999.9) * 10);
 }
 
 } // namespace

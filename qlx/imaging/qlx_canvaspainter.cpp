@@ -119,8 +119,10 @@ void QLX_CanvasPainter::LineTo(float x, float y, bool includeEnd, EResolution re
     }
     if (across == 0 || down == 0)
         return;
+    // Beyond any canvas, with room for the pen's thickness.
+    static constexpr std::int64_t farthest = 1 << 30;
     const auto round = [](double value, int corner) {
-        return int(std::floor(value + 0.5)) - corner;
+        return int(std::clamp(std::int64_t(std::floor(value + 0.5)) - corner, -farthest, farthest));
     };
     const int x0 = round(from.x, mDeviceCorner.x), y0 = round(from.y, mDeviceCorner.y);
     const int x1 = round(to.x, mDeviceCorner.x), y1 = round(to.y, mDeviceCorner.y);

@@ -153,6 +153,7 @@ void TControl::ResignedTarget() {
 void TControl::SetEnable(bool enable) {
     if (enable == TView::IsEnabled())
         return;
+    const StDispatch dispatch; // who hears that it is the target no longer may free it
     TView::SetEnable(enable);
     if (!enable && IsTarget())
         ResignTarget();

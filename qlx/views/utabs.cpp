@@ -103,8 +103,12 @@ bool TTabs::DoMouseCommand(const VPoint& local, TToolboxEvent*) {
 }
 
 void TTabs::Step(int direction) {
-    if (const int count = CountPages(); count > 0)
-        ChangeValue((GetValue() + direction + count) % count, kControlEvent_ValueChanged);
+    const std::int64_t count = CountPages();
+    if (count == 0)
+        return;
+    // The program may have set any value.
+    const std::int64_t next = (std::int64_t{GetValue()} + direction) % count;
+    ChangeValue(static_cast<std::int32_t>((next + count) % count), kControlEvent_ValueChanged);
 }
 
 void TTabs::DoKeyEvent(TToolboxEvent* event) {

@@ -204,7 +204,8 @@ class Checker {
             for (const auto& [key, place] : mUsedKeys)
                 if (!table.count(key))
                     Add(place, true, "string-missing",
-                        "the key \"" + key + "\" has no text in the table " + code);
+                        std::string("the key \"").append(key) + "\" has no text in the table " +
+                            code);
             for (const auto& [key, entry] : table) {
                 if (!mUsedKeys.count(key))
                     AddInTable(language, key, "string-unused",

@@ -199,6 +199,25 @@ TEST_F(FieldWindow, EscapeTakesADragBack) {
     EXPECT_EQ(mCalls.back(), "track 2 0");
 }
 
+TEST_F(FieldWindow, AFieldThatLosesTheKeyboardKeepsWhatWasDraggedAndNoMore) {
+    for (const bool bySystem : {false, true}) {
+        mField->SetText("01:02:03:04", true, true);
+        mDriver.Click(cField);
+        mDriver.Step(2);
+        const Cmn_Point<int> at = Over(mField, 6);
+        mDriver.Press(at);
+        mDriver.MoveTo({at.x, at.y - 30});
+        ASSERT_EQ(mField->GetText(), "01:02:33:04");
+        mSecond->BecomeTarget();
+        mDriver.MoveTo({at.x, at.y - 40});
+        bySystem ? mDriver.LoseCapture() : mDriver.Release();
+        EXPECT_EQ(mField->GetText(), "01:02:33:04");
+        EXPECT_EQ(mField->GetBackup(), "01:02:33:04");
+        EXPECT_TRUE(mSecond->IsTarget());
+        mDriver.Step(2);
+    }
+}
+
 TEST_F(FieldWindow, TheWheelStepsTheTargetAndScrollsPastTheOthers) {
     mDriver.Wheel(cField, 3);
     EXPECT_EQ(mField->GetText(), "01:02:03:04");

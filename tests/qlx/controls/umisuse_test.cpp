@@ -92,7 +92,7 @@ class Subject {
             return control->SetFrame(Frame(), /*redraw*/ true, /*layOut*/ true);
         case 9:
             control->SetEnable(Pick(4) != 0);
-            return control->SetHilite(Pick(2) != 0, /*redraw*/ true);
+            return Get()->SetHilite(Pick(2) != 0, /*redraw*/ true);
         case 10:
             return GiveText(control);
         case 11:
