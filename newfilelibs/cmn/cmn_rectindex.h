@@ -30,18 +30,25 @@ struct Cmn_RectIndexView {
     /// Fills the reach of a whole list: ReachCount(count) numbers.
     static void FillReach(const Cmn_Rect<int>* rects, std::size_t count, int* reach) noexcept;
 
+    /// A part of the list with all rectangles that reach below a line and begin above another one;
+    /// it starts at a multiple of four.
+    struct Window {
+        std::size_t mFrom;
+        std::size_t mEnd;
+    };
+    [[nodiscard]] Window FindWindow(int top, int bottom) const noexcept {
+        if (!mReach)
+            return {0, mCount};
+        const std::size_t blocks = CountAbove(Cmn_WrappingSubtract(bottom, 1));
+        return {FirstBelow(top, blocks) * kBlock, std::min(mCount, blocks * kBlock)};
+    }
+
     /// Calls found(index) for every rectangle that overlaps the probe with positive area, in order.
     template <class Found>
     void ForEach(const Cmn_Rect<int>& probe, Found found) const {
         if (probe.Empty())
             return;
-        std::size_t from = 0;
-        std::size_t end = mCount;
-        if (mReach) {
-            const std::size_t blocks = CountAbove(probe.bottom - 1);
-            from = FirstBelow(probe.top, blocks) * kBlock;
-            end = std::min(end, blocks * kBlock);
-        }
+        const auto [from, end] = FindWindow(probe.top, probe.bottom);
         Cmn_RectScan::ForEachHit(Cmn_RectScan::OverlapProbe(probe), mRects, from, end,
                                  [&](std::size_t index) {
                                      if (!mRects[index].Empty())

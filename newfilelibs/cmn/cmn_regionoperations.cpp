@@ -1,6 +1,6 @@
 #include "newfilelibs/cmn/cmn_regionoperations.h"
 
-#include "newfilelibs/cmn/cmn_rectsweep.h"
+#include "newfilelibs/cmn/cmn_rectoverlaps.h"
 
 namespace {
 
@@ -28,7 +28,6 @@ struct Waiting {
 class Queue {
   public:
     void Append(const Waiting& waiting) { mWaiting.Append(waiting); }
-    [[nodiscard]] Waiting& GetLast() noexcept { return mWaiting[mWaiting.size() - 1]; }
     [[nodiscard]] bool IsEmpty() const noexcept { return mTaken == mWaiting.size(); }
     [[nodiscard]] Waiting Take() noexcept { return mWaiting[mTaken++]; }
 
@@ -37,44 +36,21 @@ class Queue {
     std::size_t mTaken = 0;
 };
 
-using Overlaps = Cmn_Scratch<std::uint32_t, 64>;
-
-// Calls found(i, j) when the list's rectangle i overlaps the other list's j, by i and then by j.
-template <class Found>
-void ForEachOverlap(const Cmn_RectOperand& list, const Cmn_RectOperand& others, Found found) {
-    if (others.mCount == 1) {
-        list.View().ForEach(others.mRects[0], [&](std::size_t i) { found(i, std::size_t{0}); });
-        return;
-    }
-    // Getting the others ready for a sweep costs about as much as looking through them three times.
-    if (list.mCount <= 3 || others.mCount <= Cmn_RectSweep::kBlock) {
-        const Cmn_RectIndexView view = others.View();
-        list.View().ForEach(others.mBounds, [&](std::size_t i) {
-            view.ForEach(list.mRects[i], [&](std::size_t j) { found(i, j); });
-        });
-        return;
-    }
-    Cmn_RectSweep sweep(others.mRects, others.mCount, list.mBounds | others.mBounds);
-    list.View().ForEach(others.mBounds, [&](std::size_t i) {
-        sweep.ForEach(list.mRects[i], [&](std::size_t j) { found(i, j); });
-    });
+void FindOverlaps(const Cmn_RectOperand& list, const Cmn_RectOperand& others,
+                  Cmn_RectOverlaps& overlaps) {
+    Cmn_FindOverlaps(list.View(), list.mBounds, others.View(), others.mBounds, overlaps);
 }
 
-// Copies the rectangles that overlap none of the others, up to the last one that does; those that
-// do wait, with their overlaps listed. Answers the index from which on all are left alone.
-std::size_t Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others,
-                  Cmn_UnjoinedRects& out, Queue& queue, Overlaps& overlaps) {
+// Copies the rectangles that overlap none of the others; those that do wait.
+void Split(const Cmn_RectOperand& list, const Cmn_RectOverlaps& overlaps, Cmn_UnjoinedRects& out,
+           Queue& queue) {
     std::size_t rest = 0;
-    ForEachOverlap(list, others, [&](std::size_t i, std::size_t j) {
-        if (i >= rest) { // the first one that it overlaps
-            out.mRects.Append(list.mRects + rest, i - rest);
-            queue.Append({list.mRects[i], static_cast<std::uint32_t>(overlaps.size()), 0});
-            rest = i + 1;
-        }
-        overlaps.Append(static_cast<std::uint32_t>(j));
-        queue.GetLast().mEnd = static_cast<std::uint32_t>(overlaps.size());
-    });
-    return rest;
+    for (const Cmn_RectOverlaps::Span& span : overlaps.mSpans) {
+        out.mRects.Append(list.mRects + rest, span.mRect - rest);
+        queue.Append({list.mRects[span.mRect], span.mFirst, span.mEnd});
+        rest = span.mRect + 1;
+    }
+    out.mRects.Append(list.mRects + rest, list.mCount - rest);
 }
 
 // The smaller list of a union while it is cut. A rectangle that is cut leaves the list and its
@@ -82,14 +58,14 @@ std::size_t Split(const Cmn_RectOperand& list, const Cmn_RectOperand& others,
 // were cut from, so a search can follow the cuts down from the rectangles of the beginning.
 class CutList {
   public:
-    CutList(const Cmn_RectOperand& operand, const Overlaps& overlaps)
-        : mOverlaps(overlaps), mOriginals(static_cast<std::uint32_t>(operand.mCount)),
-          mSorted(operand.mJoined) {
+    CutList(const Cmn_RectOperand& operand, const Cmn_RectOverlaps& overlaps)
+        : mOverlaps(overlaps.mOthers.data()),
+          mOriginals(static_cast<std::uint32_t>(operand.mCount)), mSorted(operand.mJoined) {
         mNodes.Resize(operand.mCount);
         for (std::size_t i = 0; i < operand.mCount; ++i)
             mNodes[i] = {operand.mRects[i], kUncut, false};
-        for (std::size_t i = 0; i < overlaps.size(); ++i)
-            mNodes[overlaps[i]].mIsOverlapped = true;
+        for (const std::uint32_t i : overlaps.mOthers)
+            mNodes[i].mIsOverlapped = true;
     }
 
     static constexpr std::uint32_t kNone = 0xFFFFFFFFU;
@@ -172,7 +148,7 @@ class CutList {
         }
     }
 
-    const Overlaps& mOverlaps;
+    const std::uint32_t* mOverlaps; // not owned
     Cmn_Scratch<Node, 64> mNodes;
     std::uint32_t mOriginals;
     bool mSorted;
@@ -201,10 +177,10 @@ void CutBoth(Queue& queue, CutList& smaller, Cmn_UnjoinedRects& out) {
 void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smaller,
                     Cmn_UnjoinedRects& out) {
     out.mDisjoint = larger.mDisjoint && smaller.mDisjoint;
+    Cmn_RectOverlaps overlaps;
+    FindOverlaps(larger, smaller, overlaps);
     Queue queue;
-    Overlaps overlaps;
-    const std::size_t rest = Split(larger, smaller, out, queue, overlaps);
-    out.mRects.Append(larger.mRects + rest, larger.mCount - rest);
+    Split(larger, overlaps, out, queue);
     out.mHead = larger.mJoined ? out.mRects.size() : 0;
     if (queue.IsEmpty()) {
         out.mRects.Append(smaller.mRects, smaller.mCount);
@@ -222,32 +198,36 @@ void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smalle
 void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& other,
                         Cmn_UnjoinedRects& out) {
     out.mDisjoint = list.mDisjoint && other.mDisjoint;
-    ForEachOverlap(list, other, [&](std::size_t i, std::size_t j) {
-        out.mRects.Append(CommonPart(list.mRects[i], other.mRects[j]));
-    });
+    Cmn_RectOverlaps overlaps;
+    FindOverlaps(list, other, overlaps);
+    for (const Cmn_RectOverlaps::Span& span : overlaps.mSpans) {
+        for (std::uint32_t i = span.mFirst; i < span.mEnd; ++i)
+            out.mRects.Append(
+                CommonPart(list.mRects[span.mRect], other.mRects[overlaps.mOthers[i]]));
+    }
 }
 
 bool Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutters,
                        Cmn_UnjoinedRects& out) {
     out.mDisjoint = list.mDisjoint;
-    Queue queue;
-    Overlaps overlaps;
-    const std::size_t rest = Split(list, cutters, out, queue, overlaps);
-    if (rest == 0 && list.mJoined)
+    Cmn_RectOverlaps overlaps;
+    FindOverlaps(list, cutters, overlaps);
+    if (overlaps.mSpans.empty() && list.mJoined)
         return false;
-    out.mRects.Append(list.mRects + rest, list.mCount - rest);
+    Queue queue;
+    Split(list, overlaps, out, queue);
     out.mHead = list.mJoined ? out.mRects.size() : 0;
     Rect pieces[4];
     while (!queue.IsEmpty()) {
         Waiting waiting = queue.Take();
         while (waiting.mFirst < waiting.mEnd &&
-               !Overlap(waiting.mRect, cutters.mRects[overlaps[waiting.mFirst]]))
+               !Overlap(waiting.mRect, cutters.mRects[overlaps.mOthers[waiting.mFirst]]))
             ++waiting.mFirst;
         if (waiting.mFirst == waiting.mEnd) {
             out.mRects.Append(waiting.mRect);
             continue;
         }
-        const Rect& cutter = cutters.mRects[overlaps[waiting.mFirst]];
+        const Rect& cutter = cutters.mRects[overlaps.mOthers[waiting.mFirst]];
         for (int i = 0, count = waiting.mRect.Cut(cutter, pieces); i < count; ++i)
             queue.Append({pieces[i], waiting.mFirst + 1, waiting.mEnd});
     }

@@ -29,6 +29,8 @@ class Cmn_Scratch {
     [[nodiscard]] const T* data() const noexcept { return mData; }
     [[nodiscard]] T* begin() noexcept { return mData; }
     [[nodiscard]] T* end() noexcept { return mData + mSize; }
+    [[nodiscard]] const T* begin() const noexcept { return mData; }
+    [[nodiscard]] const T* end() const noexcept { return mData + mSize; }
     [[nodiscard]] T& operator[](std::size_t index) noexcept { return mData[index]; }
     [[nodiscard]] const T& operator[](std::size_t index) const noexcept { return mData[index]; }
 
