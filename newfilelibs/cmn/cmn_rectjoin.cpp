@@ -1,7 +1,18 @@
+// How disjoint rectangles are joined. At a corner of a rectangle at most one other rectangle lies
+// with the matching corner to one side: so each has at most four neighbours, to the right the one
+// whose top left corner is its top right, below the one whose top left corner is its bottom left,
+// and those of which it is that neighbour itself. Two neighbours can be merged when the ends of the
+// edge between them agree too.
+//
+// These links never have to be searched for again. Merging a rectangle with the one to its right
+// leaves corners where the two had theirs: the left ones' neighbours stay, at the top right there
+// is the neighbour that the second one had; and where their edges met there is no corner any more,
+// nor will there be one, as whatever is merged later has no corners but those of its parts. (The
+// same goes for one below the other.) So a merge costs a few steps, whatever the length of the
+// list.
 #include "newfilelibs/cmn/cmn_rectjoin.h"
 
 #include <bit>
-#include <numeric>
 
 #include "newfilelibs/cmn/cmn_rectjoinfew.h"
 #include "newfilelibs/cmn/cmn_rectscan.h"
@@ -12,15 +23,345 @@ namespace {
 using Rect = Cmn_Rect<int>;
 using Rects = Cmn_Scratch<Rect, 96>;
 
-constexpr std::int32_t kNone = -1;
-
-// A rectangle's neighbours: those that share the whole edge. Indices into the list; a link to a
-// rectangle that has been merged away counts as none.
-struct Links {
-    std::int32_t mNext[2] = {kNone, kNone};     // to the right; below
-    std::int32_t mPrevious[2] = {kNone, kNone}; // to the left; above
-};
 enum Axis : int { kHorizontal = 0, kVertical = 1 };
+
+using Index = std::uint32_t;
+
+// Flags by index, a byte each, that are walked in ascending order while more are set ahead.
+class Flags {
+  public:
+    [[nodiscard]] static std::size_t BytesFor(std::size_t count) noexcept { return count + kStep; }
+    /// Takes so many bytes over.
+    void Start(void* bytes, std::size_t count) noexcept {
+        mFlags = static_cast<unsigned char*>(bytes);
+        std::memset(mFlags, 0, BytesFor(count));
+    }
+    [[nodiscard]] bool Has(std::size_t index) const noexcept { return mFlags[index] != 0; }
+    void SetIf(bool yes, std::size_t index) noexcept {
+        mFlags[index] |= static_cast<unsigned char>(yes);
+    }
+    void Reset(std::size_t index) noexcept { mFlags[index] = 0; }
+    /// The first one set from `index` on, or any number not below `end`, from where on none is.
+    [[nodiscard]] std::size_t NextSet(std::size_t index, std::size_t end) const noexcept {
+        if (Has(index) || Has(++index)) // close by as a rule
+            return index;
+        for (++index; index < end; index += kStep) {
+            std::uint64_t flags;
+            std::memcpy(&flags, mFlags + index, kStep);
+            if (flags != 0)
+                return index + FirstByte(flags);
+        }
+        return index;
+    }
+
+  private:
+    static constexpr std::size_t kStep = sizeof(std::uint64_t);
+
+    static std::size_t FirstByte(std::uint64_t flags) noexcept {
+        const int zeros = std::endian::native == std::endian::little ? std::countr_zero(flags)
+                                                                     : std::countl_zero(flags);
+        return static_cast<std::size_t>(zeros) / 8;
+    }
+    unsigned char* mFlags = nullptr; // not owned
+};
+
+// The latest rectangle that came by for each left edge.
+class LatestByLeft {
+  public:
+    explicit LatestByLeft(std::size_t count) {
+        const int bits = static_cast<int>(std::bit_width(count)) + 1;
+        mShift = 32 - bits;
+        mSlots.Resize(std::size_t{1} << bits);
+        std::fill(mSlots.begin(), mSlots.end(), kNone);
+    }
+    /// Puts a rectangle in the place of the one before it, which is answered; for the first one at
+    /// its edge itself.
+    [[nodiscard]] Index Replace(const Rect* rects, Index index) noexcept {
+        const int left = rects[index].left;
+        // The multiplier is 2 to the 32 over the golden ratio: regular grids spread evenly.
+        std::size_t slot = static_cast<std::uint32_t>(left) * 0x9E3779B9U >> mShift;
+        while (mSlots[slot] != kNone && rects[mSlots[slot]].left != left)
+            slot = (slot + 1) & (mSlots.size() - 1);
+        const Index before = mSlots[slot] == kNone ? index : mSlots[slot];
+        mSlots[slot] = index;
+        return before;
+    }
+
+  private:
+    static constexpr Index kNone = std::numeric_limits<Index>::max();
+    int mShift;
+    Cmn_Scratch<Index, 256> mSlots;
+};
+
+// Joins a list of disjoint rectangles.
+//
+// A rectangle keeps its number while it grows: what is merged from two has that of the left or
+// upper one, whose top left corner it has too. Its place in the list changes then, to a new one at
+// the end; nothing moves up in turn, so that places, too, are taken in order.
+class Joiner {
+  public:
+    explicit Joiner(Cmn_UnjoinedRects& unjoined)
+        : mHead(unjoined.mHead), mCount(unjoined.mRects.size()), mFew(mCount - mHead <= kFew),
+          mNone(static_cast<Index>(mCount)), mEnd(mNone + 1) {
+        unjoined.mRects.Reserve(mCount + 1);
+        mRects = unjoined.mRects.data();
+        mRects[mNone] = Rect();
+        Allocate();
+        for (Index i = 0; i < mNone; ++i) {
+            mPlaces[i] = i + 1;
+            mAt[i + 1] = i;
+        }
+        mPlaces[mNone] = kGone;
+    }
+
+    void Run(const Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
+        if (mFew)
+            LinkFew();
+        else
+            LinkAll(unjoined);
+        while (Cycle()) {
+        }
+        out.ResizeForOverwrite(mCount - (mEnd - (mNone + 1)));
+        if (mFew)
+            SortFew(out.Edit());
+        else
+            CopyInOrder(out.Edit());
+    }
+
+  private:
+    static constexpr std::size_t kFew = 8;
+    static constexpr Index kGone = 0; // as a place: before all others
+
+    // A rectangle's neighbours by axis: to the right and left, below and above. They may be gone.
+    struct Links {
+        Index mNext[2];
+        Index mPrevious[2];
+    };
+
+    void Allocate() {
+        const std::size_t places = mCount * 2 + 1;
+        const std::size_t words = (mCount + 1) * 5 + places + mCount;
+        mMemory.Resize(words * sizeof(Index) + Flags::BytesFor(places) * 2);
+        mLinks = reinterpret_cast<Links*>(mMemory.data());
+        mPlaces = reinterpret_cast<Index*>(mLinks + mCount + 1);
+        mAt = mPlaces + mCount + 1;
+        mOrder = mAt + places;
+        std::byte* const flags = mMemory.data() + words * sizeof(Index);
+        mMarked[kHorizontal].Start(flags, places);
+        mMarked[kVertical].Start(flags + Flags::BytesFor(places), places);
+    }
+
+    // Links
+
+    template <Axis axis>
+    void Link(Index a, Index b) noexcept {
+        mLinks[a].mNext[axis] = b;
+        mLinks[b].mPrevious[axis] = a;
+    }
+
+    // Whether two neighbours share the whole edge.
+    template <Axis axis>
+    [[nodiscard]] bool Agree(Index a, Index b) const noexcept {
+        return axis == kHorizontal ? mRects[a].bottom == mRects[b].bottom
+                                   : mRects[a].right == mRects[b].right;
+    }
+
+    // Where two can be merged, the first one's place is marked for the next sweep.
+    template <Axis axis>
+    void Mark(Index a, Index b) noexcept {
+        mMarked[axis].SetIf(Agree<axis>(a, b), std::min(mPlaces[a], mPlaces[b]));
+    }
+    template <Axis axis>
+    void MarkBoth(Index index) noexcept {
+        Mark<axis>(mLinks[index].mPrevious[axis], index);
+        Mark<axis>(index, mLinks[index].mNext[axis]);
+    }
+
+    // By rows a right neighbour can only be the next one, and one below only the next that has the
+    // same left edge: between the two corners there is the edge that they share.
+    void LinkAll(const Cmn_UnjoinedRects& unjoined) {
+        if (unjoined.mHead + unjoined.mNext == mCount)
+            Cmn_MergeRows(mRects, unjoined.mHead, mCount, mOrder);
+        else
+            Cmn_OrderRows(mRects, mCount, mOrder, reinterpret_cast<std::uint64_t*>(mLinks));
+        LatestByLeft latest(mCount);
+        Index previous = mOrder[0];
+        for (std::size_t i = 0; i < mCount; ++i) {
+            const Index index = mOrder[i];
+            mLinks[index] = {{mNone, mNone}, {mNone, mNone}};
+            const Index above = latest.Replace(mRects, index);
+            const Rect& rect = mRects[index];
+            const Rect& before = mRects[previous];
+            LinkIf<kHorizontal>((before.right == rect.left) & (before.top == rect.top), previous,
+                                index);
+            LinkIf<kVertical>(mRects[above].bottom == rect.top, above, index);
+            previous = index;
+        }
+    }
+    template <Axis axis>
+    void LinkIf(bool meet, Index a, Index b) noexcept {
+        mLinks[meet ? a : mNone].mNext[axis] = b;
+        mLinks[b].mPrevious[axis] = meet ? a : mNone;
+        mMarked[axis].SetIf(meet & Agree<axis>(a, b), std::min(a, b) + 1);
+    }
+
+    // Where all but a few come from a joined list, only those few are linked; others when it comes
+    // to merging them.
+    void LinkFew() noexcept {
+        std::fill(mLinks, mLinks + mCount, Links{{mNone, mNone}, {mNone, mNone}});
+        mLinked.Start(mOrder, mCount);
+        for (Index i = static_cast<Index>(mHead); i < mNone; ++i) {
+            FindLinks(i);
+            MarkBoth<kHorizontal>(i);
+            MarkBoth<kVertical>(i);
+        }
+    }
+    void FindLinks(Index index) noexcept {
+        if (mLinked.Has(index))
+            return;
+        mLinked.SetIf(true, index);
+        const Cmn_RectScan::TouchProbe probe(mRects[index]);
+        std::size_t i = 0;
+        while ((i = Cmn_RectScan::FindFirst(probe, mRects, i, mCount)) < mCount) {
+            if (IsThere(static_cast<Index>(i)))
+                LinkTouching(index, static_cast<Index>(i));
+            ++i;
+        }
+    }
+    void LinkTouching(Index a, Index b) noexcept {
+        const Rect& rect = mRects[a];
+        const Rect& other = mRects[b];
+        if (other.top == rect.top) {
+            if (rect.right == other.left)
+                Link<kHorizontal>(a, b);
+            else if (other.right == rect.left)
+                Link<kHorizontal>(b, a);
+        } else if (other.left == rect.left) {
+            if (rect.bottom == other.top)
+                Link<kVertical>(a, b);
+            else if (other.bottom == rect.top)
+                Link<kVertical>(b, a);
+        }
+    }
+
+    // Sweeping
+
+    // Returns whether anything has been merged.
+    bool Cycle() noexcept {
+        const Index start = mEnd;
+        Sweep<kHorizontal>();
+        MarkMerged<kVertical>(start);
+        const Index middle = mEnd;
+        Sweep<kVertical>();
+        MarkMerged<kHorizontal>(middle);
+        return mEnd > start;
+    }
+
+    template <Axis axis>
+    void Sweep() noexcept {
+        Flags& marked = mMarked[axis];
+        for (std::size_t place = marked.NextSet(1, mEnd); place < mEnd;
+             place = marked.NextSet(place + 1, mEnd)) {
+            marked.Reset(place);
+            if (MergeAt<axis>(static_cast<Index>(place))) {
+                // Deliberate: what moved up into the place of the merged one is passed over.
+                do
+                    ++place;
+                while (mAt[place] == mNone);
+            }
+        }
+    }
+
+    // With the first of the at most two neighbours that stand after it in the list.
+    template <Axis axis>
+    bool MergeAt(Index place) noexcept {
+        const Index index = mAt[place];
+        if (index == mNone)
+            return false;
+        const Index next = mLinks[index].mNext[axis];
+        const Index previous = mLinks[index].mPrevious[axis];
+        const Index nextPlace = LaterPlace<axis>(index, place, next);
+        const Index previousPlace = LaterPlace<axis>(index, place, previous);
+        if (nextPlace == previousPlace)
+            return false;
+        const bool isNext = nextPlace < previousPlace;
+        Merge<axis>(isNext ? index : previous, isNext ? next : index);
+        return true;
+    }
+    template <Axis axis>
+    [[nodiscard]] Index LaterPlace(Index index, Index place, Index other) const noexcept {
+        return (mPlaces[other] > place) & Agree<axis>(index, other) ? mPlaces[other] : mEnd;
+    }
+
+    // Two neighbours become one at the end.
+    template <Axis axis>
+    void Merge(Index first, Index second) noexcept {
+        if (mFew) {
+            FindLinks(first);
+            FindLinks(second);
+        }
+        if constexpr (axis == kHorizontal)
+            mRects[first].right = mRects[second].right;
+        else
+            mRects[first].bottom = mRects[second].bottom;
+        Link<axis>(first, mLinks[second].mNext[axis]);
+        mAt[mPlaces[first]] = mNone;
+        mAt[mPlaces[second]] = mNone;
+        mPlaces[second] = kGone;
+        mPlaces[first] = mEnd;
+        mAt[mEnd] = first;
+        ++mEnd;
+        MarkBoth<axis>(first);
+    }
+
+    // What the last sweep has merged may have come to agree with its neighbours along the other
+    // axis.
+    template <Axis axis>
+    void MarkMerged(Index from) noexcept {
+        for (Index place = from; place < mEnd; ++place) {
+            if (mAt[place] != mNone)
+                MarkBoth<axis>(mAt[place]);
+        }
+    }
+
+    // The end
+
+    [[nodiscard]] bool IsThere(Index index) const noexcept { return mPlaces[index] != kGone; }
+
+    // A rectangle's top left corner has stayed, and with it the order.
+    void CopyInOrder(Rect* to) const noexcept {
+        for (std::size_t i = 0; i < mCount; ++i) {
+            if (IsThere(mOrder[i]))
+                *to++ = mRects[mOrder[i]];
+        }
+    }
+    void SortFew(Rect* sorted) const noexcept {
+        std::size_t count = 0;
+        Index i = 0;
+        for (; i < mHead; ++i) {
+            if (IsThere(i))
+                sorted[count++] = mRects[i];
+        }
+        for (; i < mNone; ++i) {
+            if (IsThere(i))
+                Cmn_InsertSorted(sorted, count++, mRects[i]);
+        }
+    }
+
+    const std::size_t mHead;
+    const std::size_t mCount;
+    const bool mFew;   // besides the head
+    const Index mNone; // links where there is no neighbour: a rectangle that is gone
+    Index mEnd;        // of the places
+    Rect* mRects;      // not owned
+    Links* mLinks;     // in mMemory, as all that follow
+    Index* mPlaces;    // by rectangle, from 1 on
+    Index* mAt;        // by place
+    Index* mOrder;     // all by rows
+    Flags mMarked[2];  // by axis and place: something to merge with stands after it
+    Flags mLinked;     // where there are only a few: all links are known
+    Cmn_Scratch<std::byte, 4096> mMemory;
+};
 
 // Whether b begins where a ends, over the whole edge.
 template <Axis axis>
@@ -30,362 +371,6 @@ bool Follows(const Rect& a, const Rect& b) noexcept {
     else
         return a.bottom == b.top && a.left == b.left && a.right == b.right;
 }
-
-bool AreNeighbours(const Rect& a, const Rect& b) noexcept {
-    return Follows<kHorizontal>(a, b) || Follows<kHorizontal>(b, a) || Follows<kVertical>(a, b) ||
-           Follows<kVertical>(b, a);
-}
-
-// Bits by index that are walked in ascending order while more are set ahead.
-class Bits {
-  public:
-    static constexpr std::size_t kWordBits = 64;
-
-    void Clear(std::size_t count) {
-        mWords.Resize(count / kWordBits + 1);
-        std::fill(mWords.begin(), mWords.end(), std::uint64_t{0});
-    }
-    void Set(std::size_t index) noexcept { mWords[index / kWordBits] |= Mask(index); }
-    void Reset(std::size_t index) noexcept { mWords[index / kWordBits] &= ~Mask(index); }
-    [[nodiscard]] bool Has(std::size_t index) const noexcept {
-        return (mWords[index / kWordBits] & Mask(index)) != 0;
-    }
-    /// The first set bit from `index` on, or `end`.
-    [[nodiscard]] std::size_t NextSet(std::size_t index, std::size_t end) const noexcept {
-        return Next(index, end, 0);
-    }
-    [[nodiscard]] std::size_t NextClear(std::size_t index, std::size_t end) const noexcept {
-        return Next(index, end, ~std::uint64_t{0});
-    }
-
-  private:
-    static std::uint64_t Mask(std::size_t index) noexcept {
-        return std::uint64_t{1} << index % kWordBits;
-    }
-    [[nodiscard]] std::size_t Next(std::size_t index, std::size_t end,
-                                   std::uint64_t flip) const noexcept {
-        if (index >= end)
-            return end;
-        std::size_t word = index / kWordBits;
-        std::uint64_t bits = (mWords[word] ^ flip) >> index % kWordBits << index % kWordBits;
-        while (bits == 0) {
-            if (++word * kWordBits >= end)
-                return end;
-            bits = mWords[word] ^ flip;
-        }
-        return std::min(end, word * kWordBits + static_cast<std::size_t>(std::countr_zero(bits)));
-    }
-    Cmn_Scratch<std::uint64_t, 8> mWords;
-};
-
-// Rectangles by the place of one corner. No two that are there have a corner in common; one that is
-// gone gives its place to the next at the same corner.
-template <int Rect::*X, int Rect::*Y>
-class CornerTable {
-  public:
-    void Start(std::size_t count) {
-        const int bits = std::bit_width(count) + 1;
-        mShift = 64 - bits;
-        mSlots.Resize(std::size_t{1} << bits);
-        std::fill(mSlots.begin(), mSlots.end(), kNone);
-    }
-    void Insert(const Rect* rects, std::size_t index) noexcept {
-        mSlots[Slot(rects, rects[index].*X, rects[index].*Y)] = static_cast<std::int32_t>(index);
-    }
-    [[nodiscard]] std::int32_t Find(const Rect* rects, int x, int y) const noexcept {
-        return mSlots[Slot(rects, x, y)];
-    }
-
-  private:
-    // Where the corner stands or would stand.
-    [[nodiscard]] std::size_t Slot(const Rect* rects, int x, int y) const noexcept {
-        const std::uint64_t key =
-            std::uint64_t{static_cast<std::uint32_t>(y)} << 32 | static_cast<std::uint32_t>(x);
-        // The multiplier is 2 to the 64 over the golden ratio: regular grids spread evenly.
-        std::size_t slot = (key ^ key >> 32) * 0x9E3779B97F4A7C15U >> mShift;
-        for (;; slot = (slot + 1) & (mSlots.size() - 1)) {
-            const std::int32_t found = mSlots[slot];
-            if (found == kNone || (rects[found].*X == x && rects[found].*Y == y))
-                return slot;
-        }
-    }
-
-    int mShift = 0;
-    Cmn_Scratch<std::int32_t, 4> mSlots;
-};
-
-// Finds neighbours in one probe: a neighbour's corner lies on the rectangle's own.
-class Corners {
-  public:
-    /// For lists of up to `capacity` rectangles.
-    void Start(std::size_t capacity) {
-        mTopLeft.Start(capacity);
-        mTopRight.Start(capacity);
-        mBottomLeft.Start(capacity);
-    }
-    void Insert(const Rect* rects, std::size_t index) noexcept {
-        mTopLeft.Insert(rects, index);
-        mTopRight.Insert(rects, index);
-        mBottomLeft.Insert(rects, index);
-    }
-    template <Axis axis>
-    [[nodiscard]] std::int32_t FindNext(const Rect* rects, const Rect& rect) const noexcept {
-        return axis == kHorizontal ? mTopLeft.Find(rects, rect.right, rect.top)
-                                   : mTopLeft.Find(rects, rect.left, rect.bottom);
-    }
-    template <Axis axis>
-    [[nodiscard]] std::int32_t FindPrevious(const Rect* rects, const Rect& rect) const noexcept {
-        return axis == kHorizontal ? mTopRight.Find(rects, rect.left, rect.top)
-                                   : mBottomLeft.Find(rects, rect.left, rect.top);
-    }
-
-  private:
-    CornerTable<&Rect::left, &Rect::top> mTopLeft;
-    CornerTable<&Rect::right, &Rect::top> mTopRight;
-    CornerTable<&Rect::left, &Rect::bottom> mBottomLeft;
-};
-
-// Joins a list of disjoint rectangles. The list's order is the order of the indices: merged
-// rectangles get new ones at the end, and those merged away keep theirs, marked as gone.
-class Joiner {
-  public:
-    explicit Joiner(Cmn_UnjoinedRects& unjoined) noexcept
-        : mRects(unjoined.mRects), mHead(unjoined.mHead), mNext(unjoined.mNext),
-          mInitial(unjoined.mRects.size()) {}
-
-    // Finds the first links. Returns false when there is nothing to merge.
-    bool FindLinks() {
-        const std::size_t others = mInitial - mHead;
-        return others * mInitial <= kComparisons ? FindLinksByComparing() : FindLinksByCorners();
-    }
-
-    void Run() {
-        bool any = true;
-        while (any) {
-            any = Sweep<kHorizontal>();
-            Relink<kVertical>();
-            any = Sweep<kVertical>() || any;
-            Relink<kHorizontal>();
-        }
-    }
-
-    // Moves what is left to the front; returns how many of them are still of the sorted head.
-    std::size_t Compact() noexcept {
-        const std::size_t end = mRects.size();
-        std::size_t kept = 0;
-        std::size_t head = 0;
-        for (std::size_t i = mGone.NextClear(0, end); i < end; i = mGone.NextClear(i + 1, end)) {
-            head += i < mHead;
-            mRects[kept++] = mRects[i];
-        }
-        mRects.Resize(kept);
-        return head;
-    }
-
-  private:
-    // As many pairs are compared as cost about what the corners' tables would.
-    static constexpr std::size_t kComparisons = 4000;
-
-    void StartLinks() {
-        const std::size_t capacity = mInitial * 2; // every merge takes two away and adds one
-        mRects.Reserve(capacity);
-        mLinks.Resize(capacity);
-        std::fill(mLinks.begin(), mLinks.begin() + mInitial, Links());
-        mGone.Clear(capacity);
-        mLinked[kHorizontal].Clear(capacity);
-        mLinked[kVertical].Clear(capacity);
-    }
-
-    template <Axis axis>
-    void Link(std::size_t a, std::size_t b) noexcept {
-        mLinks[a].mNext[axis] = static_cast<std::int32_t>(b);
-        mLinks[b].mPrevious[axis] = static_cast<std::int32_t>(a);
-        mLinked[axis].Set(a);
-        mLinked[axis].Set(b);
-    }
-
-    template <Axis axis>
-    bool LinkIfNeighbours(std::size_t a, std::size_t b) noexcept {
-        if (Follows<axis>(mRects[a], mRects[b]))
-            Link<axis>(a, b);
-        else if (Follows<axis>(mRects[b], mRects[a]))
-            Link<axis>(b, a);
-        else
-            return false;
-        return true;
-    }
-
-    // Every rectangle after the head with those before it, except within the second part.
-    bool FindLinksByComparing() {
-        bool any = false;
-        for (std::size_t i = std::max<std::size_t>(mHead, 1); i < mInitial; ++i) {
-            const std::size_t end = i < mHead + mNext ? mHead : i;
-            const Cmn_RectScan::EdgeProbe probe(mRects[i]);
-            std::size_t j = 0;
-            while ((j = Cmn_RectScan::FindFirst(probe, mRects.data(), j, end)) < end) {
-                if (AreNeighbours(mRects[i], mRects[j])) {
-                    if (!any)
-                        StartLinks();
-                    any = true;
-                    (void)(LinkIfNeighbours<kHorizontal>(i, j) ||
-                           LinkIfNeighbours<kVertical>(i, j));
-                }
-                ++j;
-            }
-        }
-        return any;
-    }
-
-    bool FindLinksByCorners() {
-        StartLinks();
-        mCorners.Start(mInitial);
-        mHasCorners = true;
-        for (std::size_t i = 0; i < mInitial; ++i)
-            mCorners.Insert(mRects.data(), i);
-        bool any = false;
-        for (std::size_t i = 0; i < mInitial; ++i) {
-            any = LinkNext<kHorizontal>(i) || any;
-            any = LinkNext<kVertical>(i) || any;
-        }
-        return any;
-    }
-
-    template <Axis axis>
-    bool LinkNext(std::size_t index) noexcept {
-        const std::int32_t next = mCorners.FindNext<axis>(mRects.data(), mRects[index]);
-        if (!IsThere(next) || !Follows<axis>(mRects[index], mRects[static_cast<std::size_t>(next)]))
-            return false;
-        Link<axis>(index, static_cast<std::size_t>(next));
-        return true;
-    }
-
-    template <Axis axis>
-    void LinkPrevious(std::size_t index) noexcept {
-        const std::int32_t previous = mCorners.FindPrevious<axis>(mRects.data(), mRects[index]);
-        if (IsThere(previous) &&
-            Follows<axis>(mRects[static_cast<std::size_t>(previous)], mRects[index]))
-            Link<axis>(static_cast<std::size_t>(previous), index);
-    }
-
-    [[nodiscard]] bool IsThere(std::int32_t link) const noexcept {
-        return link != kNone && !mGone.Has(static_cast<std::size_t>(link));
-    }
-    // A link's rectangle if it is there still and stands after `index` in the list, else kNone.
-    [[nodiscard]] std::int32_t After(std::size_t index, std::int32_t link) const noexcept {
-        return link > static_cast<std::int32_t>(index) && IsThere(link) ? link : kNone;
-    }
-
-    template <Axis axis>
-    bool Sweep() {
-        bool any = false;
-        std::size_t i = 0;
-        while ((i = mLinked[axis].NextSet(i, mRects.size())) < mRects.size()) {
-            const std::int32_t next = mLinks[i].mNext[axis];
-            const std::int32_t previous = mLinks[i].mPrevious[axis];
-            if (mGone.Has(i) || (!IsThere(next) && !IsThere(previous))) {
-                mLinked[axis].Reset(i++);
-                continue;
-            }
-            if (!MergeWithLater<axis>(i, After(i, next), After(i, previous))) {
-                ++i;
-                continue;
-            }
-            any = true;
-            // Deliberate: what moved up into the place of the merged one is passed over.
-            i = mGone.NextClear(i, mRects.size()) + 1;
-        }
-        return any;
-    }
-
-    // With the first of the two that stand after it in the list.
-    template <Axis axis>
-    bool MergeWithLater(std::size_t index, std::int32_t next, std::int32_t previous) {
-        if (next == kNone && previous == kNone)
-            return false;
-        if (next != kNone && (previous == kNone || next < previous))
-            Merge<axis>(index, static_cast<std::size_t>(next));
-        else
-            Merge<axis>(static_cast<std::size_t>(previous), index);
-        return true;
-    }
-
-    // Replaces `first` and its follower `second` by one rectangle at the end.
-    template <Axis axis>
-    void Merge(std::size_t first, std::size_t second) {
-        const std::size_t merged = mRects.size();
-        mRects.Append(Rect(mRects[first].left, mRects[first].top, mRects[second].right,
-                           mRects[second].bottom));
-        mGone.Set(first);
-        mGone.Set(second);
-        mLinks[merged] = Links();
-        if (const std::int32_t before = mLinks[first].mPrevious[axis]; IsThere(before))
-            Link<axis>(static_cast<std::size_t>(before), merged);
-        if (const std::int32_t after = mLinks[second].mNext[axis]; IsThere(after))
-            Link<axis>(merged, static_cast<std::size_t>(after));
-    }
-
-    // Finds the links along an axis of what the last sweep, along the other one, has merged.
-    template <Axis axis>
-    void Relink() {
-        const std::size_t end = mRects.size();
-        const std::size_t fresh = end - mLinkedUpTo;
-        if (!mHasCorners && fresh * end > kComparisons)
-            StartCorners();
-        if (mHasCorners)
-            RelinkByCorners<axis>();
-        else
-            RelinkByComparing<axis>();
-        mLinkedUpTo = end;
-    }
-
-    // What the list begins with; merged ones since then come through Relink.
-    void StartCorners() {
-        mCorners.Start(mInitial);
-        mHasCorners = true;
-        for (std::size_t i = 0; i < mLinkedUpTo; ++i) {
-            if (!mGone.Has(i))
-                mCorners.Insert(mRects.data(), i);
-        }
-    }
-
-    template <Axis axis>
-    void RelinkByCorners() noexcept {
-        const std::size_t end = mRects.size();
-        const std::size_t start = mGone.NextClear(mLinkedUpTo, end);
-        for (std::size_t i = start; i < end; i = mGone.NextClear(i + 1, end))
-            mCorners.Insert(mRects.data(), i);
-        for (std::size_t i = start; i < end; i = mGone.NextClear(i + 1, end)) {
-            LinkNext<axis>(i);
-            LinkPrevious<axis>(i);
-        }
-    }
-
-    template <Axis axis>
-    void RelinkByComparing() noexcept {
-        const std::size_t end = mRects.size();
-        for (std::size_t i = mGone.NextClear(mLinkedUpTo, end); i < end;
-             i = mGone.NextClear(i + 1, end)) {
-            const Cmn_RectScan::EdgeProbe probe(mRects[i]);
-            std::size_t other = 0;
-            while ((other = Cmn_RectScan::FindFirst(probe, mRects.data(), other, end)) < end) {
-                if (!mGone.Has(other))
-                    LinkIfNeighbours<axis>(i, other);
-                ++other;
-            }
-        }
-    }
-
-    Rects& mRects;
-    std::size_t mHead;
-    std::size_t mNext;
-    std::size_t mInitial;
-    std::size_t mLinkedUpTo = mInitial; // rectangles before it have links along both axes
-    Cmn_Scratch<Links, 64> mLinks;
-    Bits mGone;
-    Bits mLinked[2]; // by axis: may have a link there
-    Corners mCorners;
-    bool mHasCorners = false;
-};
 
 // Lists whose rectangles overlap come from growing insets, from offsets beyond the coordinates'
 // limits and from outside. There several rectangles may share an edge with one, so each sweep
@@ -428,61 +413,18 @@ void JoinFew(const Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
     few.MoveTo(out, unjoined.mHead);
 }
 
-bool Precedes(const Rect& a, const Rect& b) noexcept {
-    return Cmn_RectKey(a, Cmn_RectOrder::kRows) < Cmn_RectKey(b, Cmn_RectOrder::kRows);
-}
-
-// Few enough that moving them one by one is the fastest.
-constexpr std::size_t kInsertionSorted = 24;
-
-void InsertionSort(Rect* rects, std::size_t count) noexcept {
-    for (std::size_t i = 1; i < count; ++i) {
-        const Rect moved = rects[i];
-        std::size_t place = i;
-        for (; place > 0 && Precedes(moved, rects[place - 1]); --place)
-            rects[place] = rects[place - 1];
-        rects[place] = moved;
-    }
-}
-
 } // namespace
-
-void Cmn_SortRects(const Rect* rects, std::size_t count, std::size_t sortedHead,
-                   Cmn_RectList& out) {
-    const std::size_t tail = count - sortedHead;
-    Cmn_Scratch<Rect, kInsertionSorted> sorted;
-    sorted.Resize(tail);
-    if (tail <= kInsertionSorted) {
-        std::copy(rects + sortedHead, rects + count, sorted.begin());
-        InsertionSort(sorted.data(), tail);
-    } else {
-        Cmn_Scratch<std::uint32_t, 64> order;
-        order.Resize(tail);
-        std::iota(order.begin(), order.end(), static_cast<std::uint32_t>(sortedHead));
-        Cmn_SortRectIndices(rects, order.data(), tail, Cmn_RectOrder::kRows, order.data());
-        for (std::size_t i = 0; i < tail; ++i)
-            sorted[i] = rects[order[i]];
-    }
-    out.ResizeForOverwrite(count);
-    std::merge(rects, rects + sortedHead, sorted.begin(), sorted.end(), out.Edit(), Precedes);
-}
 
 void Cmn_JoinRects(Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
     Rects& rects = unjoined.mRects;
-    std::size_t head = unjoined.mHead;
-    if (unjoined.mDisjoint && rects.size() <= Cmn_FewRects::kMost) {
-        JoinFew(unjoined, out);
-        return;
-    }
     if (!unjoined.mDisjoint) {
         JoinOverlapping(rects);
-        head = 0;
-    } else if (rects.size() > 1) {
-        Joiner joiner(unjoined);
-        if (joiner.FindLinks()) {
-            joiner.Run();
-            head = joiner.Compact();
-        }
+        Cmn_SortRects(rects.data(), rects.size(), 0, out);
+    } else if (unjoined.mHead == rects.size()) {
+        out.Assign(rects.data(), rects.size());
+    } else if (rects.size() <= Cmn_FewRects::kMost) {
+        JoinFew(unjoined, out);
+    } else {
+        Joiner(unjoined).Run(unjoined, out);
     }
-    Cmn_SortRects(rects.data(), rects.size(), head, out);
 }

@@ -1,4 +1,4 @@
-// The joining pass over a list of rectangles, and the sorting that ends it.
+// The joining pass over a list of rectangles.
 #pragma once
 
 #include "newfilelibs/cmn/cmn_rectlist.h"
@@ -21,13 +21,4 @@ struct Cmn_UnjoinedRects {
 /// with the first one after it that shares the whole edge. Both leave the list, the merged one goes
 /// to its end, and what moved up into the first one's place is passed over until the next cycle.
 /// Cycles repeat until one merges nothing.
-///
-/// Disjoint rectangles have at most one such neighbour at each edge, so neighbours are found once
-/// (by comparing a few rectangles with all, or for many by sorting) and kept as links; a sweep then
-/// only follows links. Cost: n log n for the sorting, and for each cycle as much again for what is
-/// left.
 void Cmn_JoinRects(Cmn_UnjoinedRects& unjoined, Cmn_RectList& out);
-
-/// Sorts by top, then left; equal ones keep their order. The first sortedHead are in order already.
-void Cmn_SortRects(const Cmn_Rect<int>* rects, std::size_t count, std::size_t sortedHead,
-                   Cmn_RectList& out);

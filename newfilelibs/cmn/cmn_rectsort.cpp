@@ -2,92 +2,162 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
+#include "newfilelibs/cmn/cmn_rectscan.h"
 #include "newfilelibs/cmn/cmn_scratch.h"
 
 namespace {
 
-// Corners of one drawing lie close together, so both coordinates, less the smallest, nearly always
-// fit into 32 bits; with the index below them an entry is one word.
-struct KeyRange {
-    std::uint32_t mLowMajor = 0;
-    std::uint32_t mLowMinor = 0;
-    int mMinorBits = 0;
-    int mBits = 0;
+using Rect = Cmn_Rect<int>;
 
-    [[nodiscard]] std::uint64_t Pack(std::uint64_t key) const noexcept {
-        const std::uint64_t major = (key >> 32) - mLowMajor;
-        const std::uint64_t minor = (key & 0xFFFFFFFFU) - mLowMinor;
-        return major << mMinorBits | minor;
+// Corners of one drawing lie close together, so both coordinates, less the smallest, nearly always
+// fit into 32 bits: left in the low ones, top above.
+class CornerKeys {
+  public:
+    // For rectangles of positive size.
+    CornerKeys(const Rect* rects, std::size_t count) noexcept {
+        const Rect bounds = Cmn_RectScan::BoundsOf(rects, count);
+        mLeft = static_cast<std::uint32_t>(bounds.left);
+        mTop = static_cast<std::uint32_t>(bounds.top);
+        mLeftBits = std::bit_width(static_cast<std::uint32_t>(bounds.right) - 1 - mLeft);
+        mTopBits = std::bit_width(static_cast<std::uint32_t>(bounds.bottom) - 1 - mTop);
     }
+    [[nodiscard]] bool Fit() const noexcept { return mLeftBits + mTopBits <= 32; }
+    [[nodiscard]] int LeftBits() const noexcept { return mLeftBits; }
+    [[nodiscard]] int TopBits() const noexcept { return mTopBits; }
+    // Only when they fit.
+    [[nodiscard]] std::uint64_t Get(const Rect& rect) const noexcept {
+        const std::uint64_t top = static_cast<std::uint32_t>(rect.top) - mTop;
+        return top << mLeftBits | (static_cast<std::uint32_t>(rect.left) - mLeft);
+    }
+
+  private:
+    std::uint32_t mLeft;
+    std::uint32_t mTop;
+    int mLeftBits;
+    int mTopBits;
 };
 
-KeyRange FindRange(const Cmn_Rect<int>* rects, const std::uint32_t* indices, std::size_t count,
-                   Cmn_RectOrder order) noexcept {
-    std::uint32_t lowMajor = 0xFFFFFFFFU;
-    std::uint32_t lowMinor = 0xFFFFFFFFU;
-    std::uint32_t highMajor = 0;
-    std::uint32_t highMinor = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint64_t key = Cmn_RectKey(rects[indices[i]], order);
-        const auto major = static_cast<std::uint32_t>(key >> 32);
-        const auto minor = static_cast<std::uint32_t>(key);
-        lowMajor = std::min(lowMajor, major);
-        lowMinor = std::min(lowMinor, minor);
-        highMajor = std::max(highMajor, major);
-        highMinor = std::max(highMinor, minor);
+// Sorts corners digit by digit, the least significant first; each pass keeps the order of what has
+// the same digit.
+class RadixSorter {
+  public:
+    RadixSorter(std::size_t count, const CornerKeys& keys) noexcept
+        : mCount(count), mKeys(keys),
+          mMostBits(
+              std::clamp(static_cast<int>(std::bit_width(count)) + 1, kLeastBits, kMostBits)) {
+        AddDigits(0, keys.LeftBits());
+        AddDigits(keys.LeftBits(), keys.TopBits());
     }
-    KeyRange range;
-    range.mLowMajor = lowMajor;
-    range.mLowMinor = lowMinor;
-    range.mMinorBits = std::bit_width(highMinor - lowMinor);
-    range.mBits = range.mMinorBits + std::bit_width(highMajor - lowMajor);
-    return range;
-}
 
-constexpr int kDigitBits = 8;
-constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
-constexpr std::size_t kRadixFrom = 64; // below, comparing is faster
-
-// Least significant digit first, over the key's bits only; they lie above the index's 32.
-void RadixSort(std::uint64_t* entries, std::uint64_t* other, std::size_t count, int bits) noexcept {
-    std::uint64_t* from = entries;
-    std::uint64_t* to = other;
-    for (int shift = 32; shift < 32 + bits; shift += kDigitBits) {
-        std::uint32_t starts[kDigits] = {};
-        for (std::size_t i = 0; i < count; ++i)
-            ++starts[from[i] >> shift & (kDigits - 1)];
-        std::uint32_t start = 0;
-        for (std::uint32_t& slot : starts) {
-            const std::uint32_t size = slot;
-            slot = start;
-            start += size;
+    void Sort(const Rect* rects, std::uint32_t* order, std::uint64_t* scratch) noexcept {
+        std::uint64_t* from = scratch;
+        std::uint64_t* to = from + mCount;
+        Pack(rects, from);
+        for (int i = 0; i < mDigitCount; ++i) {
+            Distribute(mDigits[i], mStarts[i], from, to);
+            std::swap(from, to);
         }
-        for (std::size_t i = 0; i < count; ++i)
-            to[starts[from[i] >> shift & (kDigits - 1)]++] = from[i];
-        std::swap(from, to);
+        for (std::size_t i = 0; i < mCount; ++i)
+            order[i] = static_cast<std::uint32_t>(from[i]);
     }
-    if (from != entries)
-        std::copy(from, from + count, entries);
-}
 
-void SortPacked(const Cmn_Rect<int>* rects, const std::uint32_t* indices, std::size_t count,
-                Cmn_RectOrder order, const KeyRange& range, std::uint32_t* sorted) {
-    Cmn_Scratch<std::uint64_t, 128> entries;
-    const bool radix = count >= kRadixFrom;
-    entries.Resize(radix ? count * 2 : count);
-    for (std::size_t i = 0; i < count; ++i)
-        entries[i] = range.Pack(Cmn_RectKey(rects[indices[i]], order)) << 32 | indices[i];
-    if (radix)
-        RadixSort(entries.data(), entries.data() + count, count, range.mBits);
-    else
-        std::sort(entries.begin(), entries.begin() + count);
-    for (std::size_t i = 0; i < count; ++i)
-        sorted[i] = static_cast<std::uint32_t>(entries[i]);
-}
+  private:
+    // No digit has more counters than it takes about as long to clear as to go over the entries.
+    static constexpr int kLeastBits = 8;
+    static constexpr int kMostBits = 11;
+    static constexpr int kMostDigits = 5;
 
-void SortWide(const Cmn_Rect<int>* rects, const std::uint32_t* indices, std::size_t count,
-              Cmn_RectOrder order, std::uint32_t* sorted) {
+    struct Digit {
+        int mShift; // in an entry, whose low 32 bits are the index
+        std::uint64_t mMask;
+        [[nodiscard]] std::size_t Of(std::uint64_t entry) const noexcept {
+            return entry >> mShift & mMask;
+        }
+    };
+
+    // Cuts a coordinate into even digits.
+    void AddDigits(int shift, int bits) noexcept {
+        for (int digits = (bits + mMostBits - 1) / mMostBits; digits > 0; --digits) {
+            const int digitBits = (bits + digits - 1) / digits;
+            const std::uint64_t size = std::uint64_t{1} << digitBits;
+            std::fill(mStarts[mDigitCount], mStarts[mDigitCount] + size, 0U);
+            mDigits[mDigitCount++] = {32 + shift, size - 1};
+            shift += digitBits;
+            bits -= digitBits;
+        }
+    }
+    void Pack(const Rect* rects, std::uint64_t* entries) noexcept {
+        for (std::size_t i = 0; i < mCount; ++i) {
+            const std::uint64_t entry = mKeys.Get(rects[i]) << 32 | i;
+            entries[i] = entry;
+            for (int digit = 0; digit < mDigitCount; ++digit)
+                ++mStarts[digit][mDigits[digit].Of(entry)];
+        }
+    }
+    void Distribute(const Digit& digit, std::uint32_t* starts, const std::uint64_t* from,
+                    std::uint64_t* to) noexcept {
+        std::uint32_t start = 0;
+        for (std::size_t i = 0; i <= digit.mMask; ++i)
+            start += std::exchange(starts[i], start);
+        for (std::size_t i = 0; i < mCount; ++i)
+            to[starts[digit.Of(from[i])]++] = from[i];
+    }
+
+    std::size_t mCount;
+    const CornerKeys& mKeys;
+    int mMostBits;
+    int mDigitCount = 0;
+    Digit mDigits[kMostDigits];
+    std::uint32_t mStarts[kMostDigits][std::size_t{1} << kMostBits];
+};
+
+// Few corners: each one's place is the number of those that come before it, which four comparisons
+// at a time and no branch find sooner than any sorting.
+class Ranks {
+  public:
+    static constexpr std::size_t kMost = 64;
+
+    // No two corners are the same.
+    Ranks(const Rect* rects, std::size_t count, const CornerKeys& keys) noexcept : mCount(count) {
+        for (std::size_t i = 0; i < count; ++i)
+            mKeys[i] = static_cast<std::int32_t>(keys.Get(rects[i]) ^ 0x80000000U);
+    }
+    void CopyIndices(std::uint32_t* indices) noexcept {
+        for (std::size_t i = mCount; i % 4 != 0; ++i)
+            mKeys[i] = std::numeric_limits<std::int32_t>::max(); // before none
+        for (std::size_t i = 0; i < mCount; ++i)
+            indices[CountBefore(mKeys[i])] = static_cast<std::uint32_t>(i);
+    }
+
+  private:
+#if defined(__SSE2__)
+    [[nodiscard]] std::size_t CountBefore(std::int32_t key) const noexcept {
+        const __m128i keys = _mm_set1_epi32(key);
+        __m128i before = _mm_setzero_si128();
+        for (std::size_t i = 0; i < mCount; i += 4) {
+            const __m128i four = _mm_load_si128(reinterpret_cast<const __m128i*>(mKeys + i));
+            before = _mm_sub_epi32(before, _mm_cmpgt_epi32(keys, four));
+        }
+        before = _mm_add_epi32(before, _mm_shuffle_epi32(before, _MM_SHUFFLE(1, 0, 3, 2)));
+        before = _mm_add_epi32(before, _mm_shuffle_epi32(before, _MM_SHUFFLE(2, 3, 0, 1)));
+        return static_cast<std::size_t>(_mm_cvtsi128_si32(before));
+    }
+#else
+    [[nodiscard]] std::size_t CountBefore(std::int32_t key) const noexcept {
+        std::size_t before = 0;
+        for (std::size_t i = 0; i < mCount; ++i)
+            before += mKeys[i] < key ? 1 : 0;
+        return before;
+    }
+#endif
+
+    std::size_t mCount;
+    alignas(16) std::int32_t mKeys[kMost];
+};
+
+void SortByComparing(const Rect* rects, std::size_t count, std::uint32_t* order) {
     struct Entry {
         std::uint64_t mKey;
         std::uint32_t mIndex;
@@ -95,21 +165,61 @@ void SortWide(const Cmn_Rect<int>* rects, const std::uint32_t* indices, std::siz
     Cmn_Scratch<Entry, 64> entries;
     entries.Resize(count);
     for (std::size_t i = 0; i < count; ++i)
-        entries[i] = {Cmn_RectKey(rects[indices[i]], order), indices[i]};
+        entries[i] = {Cmn_RectKey(rects[i]), static_cast<std::uint32_t>(i)};
     std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
         return a.mKey != b.mKey ? a.mKey < b.mKey : a.mIndex < b.mIndex;
     });
     for (std::size_t i = 0; i < count; ++i)
-        sorted[i] = entries[i].mIndex;
+        order[i] = entries[i].mIndex;
 }
 
 } // namespace
 
-void Cmn_SortRectIndices(const Cmn_Rect<int>* rects, const std::uint32_t* indices,
-                         std::size_t count, Cmn_RectOrder order, std::uint32_t* sorted) {
-    const KeyRange range = FindRange(rects, indices, count, order);
-    if (range.mBits <= 32)
-        SortPacked(rects, indices, count, order, range, sorted);
+void Cmn_SortRects(const Rect* rects, std::size_t count, std::size_t sortedHead,
+                   Cmn_RectList& out) {
+    constexpr std::size_t inserted = 24; // few enough that moving them one by one is the fastest
+    const std::size_t tail = count - sortedHead;
+    Cmn_Scratch<Rect, inserted> sorted;
+    sorted.Resize(tail);
+    if (tail <= inserted) {
+        for (std::size_t i = 0; i < tail; ++i)
+            Cmn_InsertSorted(sorted.data(), i, rects[sortedHead + i]);
+    } else {
+        Cmn_Scratch<std::uint32_t, 64> order;
+        order.Resize(tail);
+        SortByComparing(rects + sortedHead, tail, order.data());
+        for (std::size_t i = 0; i < tail; ++i)
+            sorted[i] = rects[sortedHead + order[i]];
+    }
+    out.ResizeForOverwrite(count);
+    std::merge(rects, rects + sortedHead, sorted.begin(), sorted.end(), out.Edit(),
+               [](const Rect& a, const Rect& b) { return Cmn_RectKey(a) < Cmn_RectKey(b); });
+}
+
+void Cmn_OrderRows(const Rect* rects, std::size_t count, std::uint32_t* order,
+                   std::uint64_t* scratch) {
+    const CornerKeys keys(rects, count);
+    if (!keys.Fit())
+        SortByComparing(rects, count, order);
+    else if (count <= Ranks::kMost)
+        Ranks(rects, count, keys).CopyIndices(order);
     else
-        SortWide(rects, indices, count, order, sorted);
+        RadixSorter(count, keys).Sort(rects, order, scratch);
+}
+
+void Cmn_MergeRows(const Rect* rects, std::size_t middle, std::size_t count,
+                   std::uint32_t* order) noexcept {
+    std::uint32_t first = 0;
+    auto second = static_cast<std::uint32_t>(middle);
+    std::uint32_t* to = order;
+    while (first < middle && second < count) {
+        const bool isFirst = Cmn_RectKey(rects[first]) < Cmn_RectKey(rects[second]);
+        *to++ = isFirst ? first : second;
+        first += isFirst;
+        second += !isFirst;
+    }
+    while (first < middle)
+        *to++ = first++;
+    while (second < count)
+        *to++ = second++;
 }

@@ -2,6 +2,7 @@
 
 #include "newfilelibs/cmn/cmn_interval.h"
 #include "newfilelibs/cmn/cmn_rectindex.h"
+#include "newfilelibs/cmn/cmn_rectsort.h"
 #include "newfilelibs/cmn/cmn_rectunite.h"
 #include "newfilelibs/cmn/cmn_regionoperations.h"
 
