@@ -103,7 +103,7 @@ class Joiner {
     explicit Joiner(Cmn_UnjoinedRects& unjoined)
         : mHead(unjoined.mHead), mCount(unjoined.mRects.size()), mFew(mCount - mHead <= kFew),
           mNone(static_cast<Index>(mCount)), mEnd(mNone + 1) {
-        unjoined.mRects.Reserve(mCount + 1);
+        unjoined.mRects.Reserve(mCount + 4); // one for none, and scans read whole fours
         mRects = unjoined.mRects.data();
         mRects[mNone] = Rect();
         Allocate();
@@ -221,12 +221,10 @@ class Joiner {
             return;
         mLinked.SetIf(true, index);
         const Cmn_RectScan::TouchProbe probe(mRects[index]);
-        std::size_t i = 0;
-        while ((i = Cmn_RectScan::FindFirst(probe, mRects, i, mCount)) < mCount) {
+        Cmn_RectScan::ForEachHit(probe, mRects, 0, mCount, [&](std::size_t i) {
             if (IsThere(static_cast<Index>(i)))
                 LinkTouching(index, static_cast<Index>(i));
-            ++i;
-        }
+        });
     }
     void LinkTouching(Index a, Index b) noexcept {
         const Rect& rect = mRects[a];

@@ -24,12 +24,6 @@ inline __m128i Load(const Rect* rect) noexcept {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(rect));
 }
 
-/// Four vectors of whole-lane truths as bits: four a rectangle, the first rectangle lowest.
-inline unsigned LaneBits(__m128i a, __m128i b, __m128i c, __m128i d) noexcept {
-    return static_cast<unsigned>(
-        _mm_movemask_epi8(_mm_packs_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d))));
-}
-
 /// Tells rectangles that begin no further than a corner and end behind another: a limit's left and
 /// top are the last that a rectangle's may have, and its right and bottom must be passed.
 class LimitProbe {
@@ -82,28 +76,6 @@ class OverlapProbe : public LimitProbe {
   public:
     explicit OverlapProbe(const Rect& probe) noexcept
         : LimitProbe(_mm_add_epi32(Crosswise(probe), _mm_set_epi32(0, 0, -1, -1))) {}
-};
-
-/// Finds rectangles that share both rows' edges or both columns' edges with one.
-class EdgeProbe {
-  public:
-    explicit EdgeProbe(const Rect& probe) noexcept : mProbe(Load(&probe)) {}
-    [[nodiscard]] unsigned Four(const Rect* rects) const noexcept {
-        const unsigned bits =
-            LaneBits(Lanes(rects), Lanes(rects + 1), Lanes(rects + 2), Lanes(rects + 3));
-        const unsigned pairs = bits & bits >> 2; // left and right, top and bottom
-        return (pairs | pairs >> 1) & 0x1111;
-    }
-    [[nodiscard]] bool One(const Rect* rect) const noexcept {
-        const int bits = _mm_movemask_epi8(Lanes(rect));
-        return (bits & 0x0F0F) == 0x0F0F || (bits & 0xF0F0) == 0xF0F0;
-    }
-
-  private:
-    [[nodiscard]] __m128i Lanes(const Rect* rect) const noexcept {
-        return _mm_cmpeq_epi32(Load(rect), mProbe);
-    }
-    __m128i mProbe;
 };
 
 /// A bounding box that grows.
@@ -166,24 +138,6 @@ class OverlapProbe : public LimitProbe {
         : LimitProbe(probe.right - 1, probe.bottom - 1, probe.left, probe.top) {}
 };
 
-class EdgeProbe {
-  public:
-    explicit EdgeProbe(const Rect& probe) noexcept : mProbe(probe) {}
-    [[nodiscard]] unsigned Four(const Rect* rects) const noexcept {
-        unsigned bits = 0;
-        for (int i = 0; i < 4; ++i)
-            bits |= static_cast<unsigned>(One(rects + i)) << 4 * i;
-        return bits;
-    }
-    [[nodiscard]] bool One(const Rect* rect) const noexcept {
-        return ((rect->left == mProbe.left) & (rect->right == mProbe.right)) |
-               ((rect->top == mProbe.top) & (rect->bottom == mProbe.bottom));
-    }
-
-  private:
-    Rect mProbe;
-};
-
 class Bounds {
   public:
     Bounds() noexcept : Bounds(kNowhere) {}
@@ -196,21 +150,6 @@ class Bounds {
 };
 
 #endif
-
-/// The first index in [from, end) whose rectangle the probe hits, or end.
-template <class Probe>
-[[nodiscard]] inline std::size_t FindFirst(const Probe& probe, const Rect* rects, std::size_t from,
-                                           std::size_t end) noexcept {
-    for (; from + 4 <= end; from += 4) {
-        if (const unsigned bits = probe.Four(rects + from))
-            return from + static_cast<std::size_t>(std::countr_zero(bits)) / 4;
-    }
-    for (; from < end; ++from) {
-        if (probe.One(rects + from))
-            return from;
-    }
-    return end;
-}
 
 // The following look at rectangles by fours from the start. Those behind the end, up to a multiple
 // of four, are in memory, as in lists, whatever stands there.
