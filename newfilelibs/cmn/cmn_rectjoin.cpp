@@ -93,20 +93,26 @@ class LatestByLeft {
     Cmn_Scratch<Index, 256> mSlots;
 };
 
+using Memory = Cmn_Scratch<std::byte, 4096>;
+
 // Joins a list of disjoint rectangles.
 //
 // A rectangle keeps its number while it grows: what is merged from two has that of the left or
 // upper one, whose top left corner it has too. Its place in the list changes then, to a new one at
 // the end; nothing moves up in turn, so that places, too, are taken in order.
+//
+// Where all but a few rectangles come from a joined list, isLazy has only those few linked first.
+// The memory lies outside, as nothing then points to what is here: it lives in registers.
+template <bool isLazy>
 class Joiner {
   public:
-    explicit Joiner(Cmn_UnjoinedRects& unjoined)
-        : mHead(unjoined.mHead), mCount(unjoined.mRects.size()), mFew(mCount - mHead <= kFew),
-          mNone(static_cast<Index>(mCount)), mEnd(mNone + 1) {
+    Joiner(Cmn_UnjoinedRects& unjoined, Memory& memory)
+        : mHead(unjoined.mHead), mCount(unjoined.mRects.size()), mNone(static_cast<Index>(mCount)),
+          mEnd(mNone + 1) {
         unjoined.mRects.Reserve(mCount + 4); // one for none, and scans read whole fours
         mRects = unjoined.mRects.data();
         mRects[mNone] = Rect();
-        Allocate();
+        Allocate(memory);
         for (Index i = 0; i < mNone; ++i) {
             mPlaces[i] = i + 1;
             mAt[i + 1] = i;
@@ -115,21 +121,20 @@ class Joiner {
     }
 
     void Run(const Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
-        if (mFew)
-            LinkFew();
+        if constexpr (isLazy)
+            LinkTail();
         else
             LinkAll(unjoined);
         while (Cycle()) {
         }
         out.ResizeForOverwrite(mCount - (mEnd - (mNone + 1)));
-        if (mFew)
-            SortFew(out.Edit());
+        if constexpr (isLazy)
+            SortTail(out.Edit());
         else
             CopyInOrder(out.Edit());
     }
 
   private:
-    static constexpr std::size_t kFew = 8;
     static constexpr Index kGone = 0; // as a place: before all others
 
     // A rectangle's neighbours by axis: to the right and left, below and above. They may be gone.
@@ -138,15 +143,15 @@ class Joiner {
         Index mPrevious[2];
     };
 
-    void Allocate() {
+    void Allocate(Memory& memory) {
         const std::size_t places = mCount * 2 + 1;
         const std::size_t words = (mCount + 1) * 5 + places + mCount;
-        mMemory.Resize(words * sizeof(Index) + Flags::BytesFor(places) * 2);
-        mLinks = reinterpret_cast<Links*>(mMemory.data());
+        memory.Resize(words * sizeof(Index) + Flags::BytesFor(places) * 2);
+        mLinks = reinterpret_cast<Links*>(memory.data());
         mPlaces = reinterpret_cast<Index*>(mLinks + mCount + 1);
         mAt = mPlaces + mCount + 1;
         mOrder = mAt + places;
-        std::byte* const flags = mMemory.data() + words * sizeof(Index);
+        std::byte* const flags = memory.data() + words * sizeof(Index);
         mMarked[kHorizontal].Start(flags, places);
         mMarked[kVertical].Start(flags + Flags::BytesFor(places), places);
     }
@@ -171,6 +176,11 @@ class Joiner {
     void Mark(Index a, Index b) noexcept {
         mMarked[axis].SetIf(Agree<axis>(a, b), std::min(mPlaces[a], mPlaces[b]));
     }
+    // The same while nothing has been merged: places go by the numbers.
+    template <Axis axis>
+    void MarkFirst(Index a, Index b) noexcept {
+        mMarked[axis].SetIf(Agree<axis>(a, b), std::min(a, b) + 1);
+    }
     template <Axis axis>
     void MarkBoth(Index index) noexcept {
         Mark<axis>(mLinks[index].mPrevious[axis], index);
@@ -185,29 +195,28 @@ class Joiner {
         else
             Cmn_OrderRows(mRects, mCount, mOrder, reinterpret_cast<std::uint64_t*>(mLinks));
         LatestByLeft latest(mCount);
-        Index previous = mOrder[0];
+        Index last = mOrder[0];
         for (std::size_t i = 0; i < mCount; ++i) {
             const Index index = mOrder[i];
-            mLinks[index] = {{mNone, mNone}, {mNone, mNone}};
-            const Index above = latest.Replace(mRects, index);
+            const Index upper = latest.Replace(mRects, index);
             const Rect& rect = mRects[index];
-            const Rect& before = mRects[previous];
-            LinkIf<kHorizontal>((before.right == rect.left) & (before.top == rect.top), previous,
-                                index);
-            LinkIf<kVertical>(mRects[above].bottom == rect.top, above, index);
-            previous = index;
+            const bool isRight = (mRects[last].right == rect.left) & (mRects[last].top == rect.top);
+            const bool isBelow = mRects[upper].bottom == rect.top;
+            mLinks[index] = {{mNone, mNone}, {isRight ? last : mNone, isBelow ? upper : mNone}};
+            if (isRight) {
+                mLinks[last].mNext[kHorizontal] = index;
+                MarkFirst<kHorizontal>(last, index);
+            }
+            if (isBelow) {
+                mLinks[upper].mNext[kVertical] = index;
+                MarkFirst<kVertical>(upper, index);
+            }
+            last = index;
         }
     }
-    template <Axis axis>
-    void LinkIf(bool meet, Index a, Index b) noexcept {
-        mLinks[meet ? a : mNone].mNext[axis] = b;
-        mLinks[b].mPrevious[axis] = meet ? a : mNone;
-        mMarked[axis].SetIf(meet & Agree<axis>(a, b), std::min(a, b) + 1);
-    }
 
-    // Where all but a few come from a joined list, only those few are linked; others when it comes
-    // to merging them.
-    void LinkFew() noexcept {
+    // Only what comes behind the head; the others when it comes to merging them.
+    void LinkTail() noexcept {
         std::fill(mLinks, mLinks + mCount, Links{{mNone, mNone}, {mNone, mNone}});
         mLinked.Start(mOrder, mCount);
         for (Index i = static_cast<Index>(mHead); i < mNone; ++i) {
@@ -280,21 +289,28 @@ class Joiner {
         const Index previous = mLinks[index].mPrevious[axis];
         const Index nextPlace = LaterPlace<axis>(index, place, next);
         const Index previousPlace = LaterPlace<axis>(index, place, previous);
-        if (nextPlace == previousPlace)
+        if (nextPlace == previousPlace) // neither
             return false;
-        const bool isNext = nextPlace < previousPlace;
-        Merge<axis>(isNext ? index : previous, isNext ? next : index);
+        mAt[place] = mNone;
+        if (nextPlace < previousPlace) {
+            mAt[nextPlace] = mNone;
+            Merge<axis>(index, next);
+        } else {
+            mAt[previousPlace] = mNone;
+            Merge<axis>(previous, index);
+        }
         return true;
     }
+    // Where a neighbour stands that shares the whole edge and comes later, else the end.
     template <Axis axis>
     [[nodiscard]] Index LaterPlace(Index index, Index place, Index other) const noexcept {
         return (mPlaces[other] > place) & Agree<axis>(index, other) ? mPlaces[other] : mEnd;
     }
 
-    // Two neighbours become one at the end.
+    // Two neighbours, which have left their places, become one at the end.
     template <Axis axis>
     void Merge(Index first, Index second) noexcept {
-        if (mFew) {
+        if constexpr (isLazy) {
             FindLinks(first);
             FindLinks(second);
         }
@@ -302,14 +318,15 @@ class Joiner {
             mRects[first].right = mRects[second].right;
         else
             mRects[first].bottom = mRects[second].bottom;
-        Link<axis>(first, mLinks[second].mNext[axis]);
-        mAt[mPlaces[first]] = mNone;
-        mAt[mPlaces[second]] = mNone;
+        const Index before = mLinks[first].mPrevious[axis];
+        const Index after = mLinks[second].mNext[axis];
+        Link<axis>(first, after);
         mPlaces[second] = kGone;
         mPlaces[first] = mEnd;
-        mAt[mEnd] = first;
-        ++mEnd;
-        MarkBoth<axis>(first);
+        mAt[mEnd++] = first;
+        // Its neighbours stand before it in the list.
+        mMarked[axis].SetIf(Agree<axis>(before, first), mPlaces[before]);
+        mMarked[axis].SetIf(Agree<axis>(first, after), mPlaces[after]);
     }
 
     // What the last sweep has merged may have come to agree with its neighbours along the other
@@ -333,7 +350,7 @@ class Joiner {
                 *to++ = mRects[mOrder[i]];
         }
     }
-    void SortFew(Rect* sorted) const noexcept {
+    void SortTail(Rect* sorted) const noexcept {
         std::size_t count = 0;
         Index i = 0;
         for (; i < mHead; ++i) {
@@ -346,20 +363,29 @@ class Joiner {
         }
     }
 
-    const std::size_t mHead;
-    const std::size_t mCount;
-    const bool mFew;   // besides the head
-    const Index mNone; // links where there is no neighbour: a rectangle that is gone
-    Index mEnd;        // of the places
-    Rect* mRects;      // not owned
-    Links* mLinks;     // in mMemory, as all that follow
-    Index* mPlaces;    // by rectangle, from 1 on
-    Index* mAt;        // by place
-    Index* mOrder;     // all by rows
-    Flags mMarked[2];  // by axis and place: something to merge with stands after it
-    Flags mLinked;     // where there are only a few: all links are known
-    Cmn_Scratch<std::byte, 4096> mMemory;
+    std::size_t mHead;
+    std::size_t mCount;
+    Index mNone;      // links where there is no neighbour: a rectangle that is gone
+    Index mEnd;       // of the places
+    Rect* mRects;     // not owned, nor what follows
+    Links* mLinks;    // by rectangle
+    Index* mPlaces;   // by rectangle, from 1 on
+    Index* mAt;       // by place
+    Index* mOrder;    // all by rows
+    Flags mMarked[2]; // by axis and place: something to merge with stands after it
+    Flags mLinked;    // by rectangle: all its links are known; only when that comes late
 };
+
+// That few are compared with all rectangles sooner than all are sorted.
+constexpr std::size_t kLazyTail = 8;
+
+void JoinDisjoint(Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
+    Memory memory;
+    if (unjoined.mRects.size() - unjoined.mHead <= kLazyTail)
+        Joiner</*isLazy*/ true>(unjoined, memory).Run(unjoined, out);
+    else
+        Joiner</*isLazy*/ false>(unjoined, memory).Run(unjoined, out);
+}
 
 // Whether b begins where a ends, over the whole edge.
 template <Axis axis>
@@ -423,6 +449,6 @@ void Cmn_JoinRects(Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
     } else if (rects.size() <= Cmn_FewRects::kMost) {
         JoinFew(unjoined, out);
     } else {
-        Joiner(unjoined).Run(unjoined, out);
+        JoinDisjoint(unjoined, out);
     }
 }
