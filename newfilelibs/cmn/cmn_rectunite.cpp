@@ -1,7 +1,6 @@
 #include "newfilelibs/cmn/cmn_rectunite.h"
 
 #include "newfilelibs/cmn/cmn_rectjoinfew.h"
-#include "newfilelibs/cmn/cmn_rectscan.h"
 #include "newfilelibs/cmn/cmn_rectsort.h"
 
 namespace {
@@ -26,10 +25,10 @@ struct Partners {
     std::size_t mLast = 0;
 };
 
-Partners FindPartners(const Cmn_RectList& list, const Rect& rect) noexcept {
+Partners FindPartners(const Cmn_RectList& list, const Rect& rect, std::size_t from) noexcept {
     Partners partners;
     const Rect* rects = list.data();
-    Cmn_RectScan::ForEachHit(Cmn_RectScan::TouchProbe(rect), rects, 0, list.size(),
+    Cmn_RectScan::ForEachHit(Cmn_RectScan::TouchProbe(rect), rects, from, list.size(),
                              [&](std::size_t i) {
                                  if (Overlap(rects[i], rect) || MakeRectangle(rects[i], rect)) {
                                      ++partners.mCount;
@@ -185,9 +184,9 @@ bool UniteByCutting(Cmn_RectList& list, const Rect& rect) {
 
 } // namespace
 
-bool Cmn_UniteWithRect(Cmn_RectList& joined, const Rect& rect) {
-    const Partners partners = FindPartners(joined, rect);
-    if (partners.mCount == 0) [[likely]] {
+bool Cmn_UniteWithTouched(Cmn_RectList& joined, const Rect& rect, std::size_t touched) {
+    const Partners partners = FindPartners(joined, rect, touched);
+    if (partners.mCount == 0) {
         Rect* const rects = joined.Extend();
         Cmn_InsertSorted(rects, joined.size() - 1, rect);
         return true;

@@ -1,13 +1,27 @@
 // Uniting a list with one rectangle in place: what a window does with each of its dirty rectangles.
+//
+// The list is joined (disjoint, nothing to merge, sorted), and the rectangle has positive size. One
+// that touches nothing just comes in, and one that makes up a rectangle with the only one that it
+// touches so grows that one; this is most of what windows invalidate. The others are cut and joined
+// as in general, but on the stack. The result is what Cmn_UniteRects and Cmn_JoinRects come to.
 #pragma once
 
 #include "newfilelibs/cmn/cmn_rectlist.h"
+#include "newfilelibs/cmn/cmn_rectscan.h"
 
-/// Unites a joined list (disjoint, nothing to merge, sorted) with a rectangle of positive size; the
-/// result is what Cmn_UniteRects and Cmn_JoinRects come to. Returns false, with the list as it was,
-/// when there is too much to do for the few rectangles that this is made for.
-///
-/// A rectangle that overlaps none and would be joined with none just comes in, and one that makes
-/// up a rectangle with the only one that it touches so grows that one; this is most of what windows
-/// invalidate. The others are cut and joined as in general, but on the stack.
-[[nodiscard]] bool Cmn_UniteWithRect(Cmn_RectList& joined, const Cmn_Rect<int>& rect);
+/// An index up to which the rectangle overlaps none of the list and shares no corner with any; the
+/// list's size or more when that holds for all. A multiple of four.
+[[nodiscard]] inline std::size_t Cmn_FindTouched(const Cmn_RectList& joined,
+                                                 const Cmn_Rect<int>& rect) noexcept {
+    const Cmn_RectScan::TouchProbe probe(rect);
+    std::size_t i = 0;
+    while (i < joined.size() && probe.Four(joined.data() + i) == 0)
+        i += 4;
+    return i;
+}
+
+/// Unites with a rectangle that touches some, but none before what Cmn_FindTouched has answered.
+/// Returns false, with the list as it was, when there is too much to do for the few rectangles that
+/// this is made for.
+[[nodiscard]] bool Cmn_UniteWithTouched(Cmn_RectList& joined, const Cmn_Rect<int>& rect,
+                                        std::size_t touched);

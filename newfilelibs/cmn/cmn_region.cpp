@@ -32,6 +32,13 @@ Rect Shrunk(const Rect& rect, int dx, int dy) noexcept {
             std::max(top, Cmn_WrappingSubtract(rect.bottom, dy))};
 }
 
+// Whether a rectangle has a size, and one that Cmn_Interval::CheckRect lets pass.
+bool HasPlainSize(const Rect& rect) noexcept {
+    return rect.left < rect.right && rect.top < rect.bottom &&
+           Cmn_WrappingSubtract(rect.right, rect.left) > 0 &&
+           Cmn_WrappingSubtract(rect.bottom, rect.top) > 0;
+}
+
 } // namespace
 
 Cmn_RegionCore<int>::Cmn_RegionCore(const Cmn_Rect<int>& rect) {
@@ -67,15 +74,63 @@ void Cmn_RegionCore<int>::FinishFrom(Cmn_UnjoinedRects& unjoined) {
 void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     if (IsEmpty() || other.IsEmpty()) {
         result.CopyFrom(IsEmpty() ? other : *this);
+    } else if (other.IsOneRectangle()) {
+        result.CopyFrom(*this);
+        result.Unite(other.mRects[0]);
+    } else if (IsOneRectangle()) {
+        result.CopyFrom(other);
+        result.Unite(mRects[0]);
+    } else {
+        UniteLists(result, other);
+    }
+}
+
+void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const {
+    result.CopyFrom(*this);
+    result.UniteWith(rect);
+}
+
+void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
+    if (IsEmpty())
+        CopyFrom(other);
+    else if (other.IsOneRectangle())
+        Unite(other.mRects[0]);
+    else if (!other.IsEmpty())
+        UniteLists(*this, other); // an operation reads its operands before it writes
+}
+
+void Cmn_RegionCore<int>::UniteWith(const Cmn_Rect<int>& rect) {
+    if (HasPlainSize(rect) || (Cmn_Interval::CheckRect(rect), !rect.Empty()))
+        Unite(rect);
+}
+
+// With a rectangle of positive size; in place, where no more is needed than a joined list.
+void Cmn_RegionCore<int>::Unite(const Cmn_Rect<int>& rect) {
+    if (!IsKnown(kKnown_Joined) || (mFlags & kFlag_NoJoining)) {
+        UniteSlowly(rect);
         return;
     }
-    if (IsRectangular() || other.IsRectangular()) {
-        const bool thisIsList = other.IsRectangular();
-        result.CopyFrom(thisIsList ? *this : other);
-        if (result.UniteQuickly(thisIsList ? other.mRects[0] : mRects[0]))
-            return;
+    const std::size_t touched = Cmn_FindTouched(mRects, rect);
+    if (touched >= mRects.size()) {
+        Rect* const rects = mRects.Extend();
+        Cmn_InsertSorted(rects, mRects.size() - 1, rect);
+    } else if (!Cmn_UniteWithTouched(mRects, rect, touched)) {
+        UniteSlowly(rect);
+        return;
     }
-    UniteLists(result, other);
+    Cmn_RectScan::Bounds bounds(mRects.size() == 1 ? mRects[0] : mBounds);
+    bounds.Add(rect);
+    mBounds = bounds.Get(); // stale ones stay stale
+}
+
+void Cmn_RegionCore<int>::UniteSlowly(const Cmn_Rect<int>& rect) {
+    Cmn_RegionCore single;
+    single.mRects.Append(rect);
+    single.mBounds = rect;
+    if (IsEmpty())
+        CopyFrom(single);
+    else
+        UniteLists(*this, single);
 }
 
 // Of two lists that are not empty.
@@ -87,40 +142,6 @@ void Cmn_RegionCore<int>::UniteLists(Cmn_RegionCore& result, const Cmn_RegionCor
     result.FinishFrom(unjoined);
 }
 
-// The union with one rectangle where no more is needed than a joined list in place; else nothing
-// changes.
-inline bool Cmn_RegionCore<int>::UniteQuickly(const Cmn_Rect<int>& rect) {
-    if (!IsKnown(kKnown_Joined) || (mFlags & kFlag_NoJoining) || rect.Empty() ||
-        !Cmn_UniteWithRect(mRects, rect))
-        return false;
-    Cmn_RectScan::Bounds bounds(mRects.size() == 1 ? mRects[0] : mBounds);
-    bounds.Add(rect);
-    mBounds = bounds.Get(); // stale ones stay stale
-    return true;
-}
-
-void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const {
-    result.CopyFrom(*this);
-    result.UniteWith(rect);
-}
-
-void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
-    if (IsEmpty())
-        CopyFrom(other);
-    else if (!other.IsEmpty() && (!other.IsRectangular() || !UniteQuickly(other.mRects[0])))
-        UniteLists(*this, other); // an operation reads its operands before it writes
-}
-
-void Cmn_RegionCore<int>::UniteWith(const Cmn_Rect<int>& rect) {
-    Cmn_Interval::CheckRect(rect);
-    if (rect.Empty() || UniteQuickly(rect))
-        return;
-    Cmn_RegionCore single;
-    single.mRects.Append(rect);
-    single.mBounds = rect;
-    UniteWith(single);
-}
-
 void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     if (!BoundsOverlap(other))
         return;
@@ -130,7 +151,7 @@ void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionC
 }
 
 void Cmn_RegionCore<int>::Difference(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
-    if (other.IsEmpty() || IsEmpty() || (IsKnown(kKnown_Joined) && !BoundsOverlap(other))) {
+    if (other.IsEmpty() || IsEmpty() || IsLeftAloneBy(other)) {
         result.CopyFrom(*this);
         return;
     }

@@ -92,11 +92,14 @@ class QLX_API Cmn_RegionCore<int> {
     [[nodiscard]] bool ContainsRect(const Cmn_Rect<int>& rect) const noexcept;
     /// Whether the bounds overlap; without that the regions have no pixel in common.
     [[nodiscard]] bool BoundsOverlap(const Cmn_RegionCore& other) const noexcept {
-        Cmn_Rect<int> bounds;
-        Cmn_Rect<int> otherBounds;
-        GetBounds(bounds);
-        other.GetBounds(otherBounds);
-        return bounds.Overlaps(otherBounds);
+        if (((mFlags | other.mFlags) & kFlag_BoundsStale) != 0 &&
+            (!HasFreshBounds() || !other.HasFreshBounds()))
+            return false;
+        return mBounds.Overlaps(other.mBounds);
+    }
+    /// Whether the difference to the other is seen at once to be this core's list as it stands.
+    [[nodiscard]] bool IsLeftAloneBy(const Cmn_RegionCore& other) const noexcept {
+        return IsKnown(kKnown_Joined) && !BoundsOverlap(other);
     }
 
     /// Computes what queries would compute or do without, so that from now on reading changes
@@ -134,8 +137,19 @@ class QLX_API Cmn_RegionCore<int> {
 
     [[nodiscard]] bool IsKnown(EKnown what) const noexcept { return (mKnown & what) != 0; }
     void FillBounds() const noexcept;
+    // Fills stale ones; those of an empty list stay stale.
+    [[nodiscard]] bool HasFreshBounds() const noexcept {
+        if ((mFlags & kFlag_BoundsStale) != 0)
+            FillBounds();
+        return (mFlags & kFlag_BoundsStale) == 0;
+    }
     void CopyFrom(const Cmn_RegionCore& other);
-    [[nodiscard]] inline bool UniteQuickly(const Cmn_Rect<int>& rect);
+    // One that is not flat.
+    [[nodiscard]] bool IsOneRectangle() const noexcept {
+        return mRects.size() == 1 && !mRects[0].Empty();
+    }
+    void Unite(const Cmn_Rect<int>& rect);
+    void UniteSlowly(const Cmn_Rect<int>& rect);
     void UniteLists(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
     void FinishFrom(Cmn_UnjoinedRects& unjoined);
     friend struct Cmn_RectOperand;
@@ -149,6 +163,7 @@ class QLX_API Cmn_RegionImpl<int> : public Cmn_RefCountObject {
   public:
     Cmn_RegionImpl() noexcept = default;
     explicit Cmn_RegionImpl(const Cmn_Rect<int>& rect) : mCore(rect) {}
+    explicit Cmn_RegionImpl(const Cmn_RegionCore<int>& core) : mCore(core) {}
     ~Cmn_RegionImpl() override;
 
     [[nodiscard]] const Cmn_RegionCore<int>& GetCore() const noexcept { return mCore; }
@@ -166,9 +181,9 @@ class QLX_API Cmn_RegionImpl<int> : public Cmn_RefCountObject {
 /// A region without an implementation (moved from, or made when memory ran out) acts as an empty
 /// one, and its queries report it as a trace assertion.
 ///
-/// Impl derives from Cmn_RegionImpl<T> and offers `bool ImplQuery(int selector, void** io)`,
-/// `bool MayChange()` (nothing beside the core would have to follow) and a static
-/// `Impl* GetSharedEmpty()`.
+/// Impl derives from Cmn_RegionImpl<T>, is made empty or from a core, and offers
+/// `bool ImplQuery(int selector, void** io)`, `bool MayChange()` (nothing beside the core would
+/// have to follow) and a static `Impl* GetSharedEmpty()`.
 template <class T, class Impl>
 class Cmn_Region {
   public:
@@ -242,14 +257,16 @@ class Cmn_Region {
     [[nodiscard]] const Cmn_RegionCore<T>& GetCore() const noexcept {
         return HasImpl() ? mImpl->GetCore() : Impl::GetSharedEmpty()->GetCore();
     }
-    [[nodiscard]] static Cmn_RefCountPtr<Impl> NewImpl();
+    template <class... Arguments>
+    [[nodiscard]] static Cmn_RefCountPtr<Impl> NewImpl(const Arguments&... arguments);
     [[nodiscard]] bool OwnImpl() const;
     [[nodiscard]] bool IsOnlyOwner() const noexcept;
-    [[nodiscard]] static Cmn_Region ShareEmpty(Cmn_Region result) noexcept;
-    template <class Operand>
-    Cmn_Region& UniteInPlace(const Operand& other);
+    [[nodiscard]] static Cmn_Region Finish(Cmn_RefCountPtr<Impl>&& impl) noexcept;
+    using CoreOperation = void (Cmn_RegionCore<T>::*)(Cmn_RegionCore<T>& result,
+                                                      const Cmn_RegionCore<T>& other) const;
+    [[nodiscard]] Cmn_Region Combine(CoreOperation operation, const Cmn_Region& other) const;
     template <class Operation>
-    [[nodiscard]] static Cmn_Region Make(Operation operation);
+    [[nodiscard]] Cmn_Region Change(Operation operation) const;
 
     mutable Cmn_RefCountPtr<Impl>
         mImpl; // counted; mutable for the first native query of an empty region

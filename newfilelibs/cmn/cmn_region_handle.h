@@ -7,7 +7,7 @@ inline constexpr const char* kCmn_RegionSource = "newfilelibs/cmn/cmn_region";
 
 template <class T, class Impl>
 Cmn_Region<T, Impl>::Cmn_Region(const Cmn_Rect<T>& rect)
-    : Cmn_Region(Make([&](Cmn_RegionCore<T>& core) { core = Cmn_RegionCore<T>(rect); })) {}
+    : Cmn_Region(Finish(NewImpl(Cmn_RegionCore<T>(rect)))) {}
 
 template <class T, class Impl>
 bool Cmn_Region<T, Impl>::CheckImpl(int line) const noexcept {
@@ -18,87 +18,91 @@ bool Cmn_Region<T, Impl>::CheckImpl(int line) const noexcept {
 }
 
 template <class T, class Impl>
-Cmn_RefCountPtr<Impl> Cmn_Region<T, Impl>::NewImpl() {
-    auto impl = Cmn_RefCountPtr<Impl>::MakeFirst(new (std::nothrow) Impl);
+template <class... Arguments>
+Cmn_RefCountPtr<Impl> Cmn_Region<T, Impl>::NewImpl(const Arguments&... arguments) {
+    auto impl = Cmn_RefCountPtr<Impl>::MakeFirst(new (std::nothrow) Impl(arguments...));
     if (!impl)
         Cmn_TraceAssert("newCore", kCmn_RegionSource, kNewCoreLine);
     return impl;
 }
 
+// What an operation has built, ready to be read on any thread. An empty one gives its
+// implementation back.
 template <class T, class Impl>
-template <class Operation>
-Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Make(Operation operation) {
-    Cmn_RefCountPtr<Impl> impl = NewImpl();
-    if (!impl)
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Finish(Cmn_RefCountPtr<Impl>&& impl) noexcept {
+    if (!impl || impl->GetCore().IsEmpty())
         return Cmn_Region();
-    operation(impl->EditCore());
     impl->EditCore().FillCaches();
     return Cmn_Region(std::move(impl));
 }
 
-// What has turned out empty gives its implementation back.
 template <class T, class Impl>
-Cmn_Region<T, Impl> Cmn_Region<T, Impl>::ShareEmpty(Cmn_Region result) noexcept {
-    return result.GetCore().IsEmpty() ? Cmn_Region() : result;
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Combine(CoreOperation operation,
+                                                 const Cmn_Region& other) const {
+    Cmn_RefCountPtr<Impl> impl = NewImpl();
+    if (impl)
+        (GetCore().*operation)(impl->EditCore(), other.GetCore());
+    return Finish(std::move(impl));
+}
+
+// A changed copy.
+template <class T, class Impl>
+template <class Operation>
+Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Change(Operation operation) const {
+    Cmn_RefCountPtr<Impl> impl = NewImpl(GetCore());
+    if (impl)
+        operation(impl->EditCore());
+    return Finish(std::move(impl));
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Region& other) const {
-    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other.GetCore()); });
+    return Combine(&Cmn_RegionCore<T>::Union, other);
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Union(const Cmn_Rect<T>& rect) const {
-    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, rect); });
+    return Change([&](Cmn_RegionCore<T>& core) { core.UniteWith(rect); });
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Intersection(const Cmn_Region& other) const {
     if (!GetCore().BoundsOverlap(other.GetCore()))
         return Cmn_Region();
-    return ShareEmpty(
-        Make([&](Cmn_RegionCore<T>& core) { GetCore().Intersection(core, other.GetCore()); }));
+    return Combine(&Cmn_RegionCore<T>::Intersection, other);
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Difference(const Cmn_Region& other) const {
-    return ShareEmpty(
-        Make([&](Cmn_RegionCore<T>& core) { GetCore().Difference(core, other.GetCore()); }));
+    if (GetCore().IsLeftAloneBy(other.GetCore()))
+        return Copy();
+    return Combine(&Cmn_RegionCore<T>::Difference, other);
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Xor(const Cmn_Region& other) const {
-    return Make([&](Cmn_RegionCore<T>& core) { GetCore().Xor(core, other.GetCore()); });
+    return Combine(&Cmn_RegionCore<T>::Xor, other);
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Offset(int dx, int dy) const {
-    return Make([&](Cmn_RegionCore<T>& core) {
-        core = GetCore();
-        core.Offset(dx, dy);
-    });
+    return Change([&](Cmn_RegionCore<T>& core) { core.Offset(dx, dy); });
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Inset(int dx, int dy) const {
-    return Make([&](Cmn_RegionCore<T>& core) {
-        core = GetCore();
-        core.Inset(dx, dy);
-    });
+    return Change([&](Cmn_RegionCore<T>& core) { core.Inset(dx, dy); });
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::OffsetWithin(int dx, int dy,
                                                       const Cmn_Rect<T>& within) const {
-    return Make([&](Cmn_RegionCore<T>& core) {
-        core = GetCore();
-        core.OffsetWithin(dx, dy, within);
-    });
+    return Change([&](Cmn_RegionCore<T>& core) { core.OffsetWithin(dx, dy, within); });
 }
 
 template <class T, class Impl>
 Cmn_Region<T, Impl> Cmn_Region<T, Impl>::Copy() const {
-    return Make([&](Cmn_RegionCore<T>& core) { core = GetCore(); });
+    return Finish(NewImpl(GetCore()));
 }
 
 template <class T, class Impl>
@@ -107,25 +111,21 @@ bool Cmn_Region<T, Impl>::IsOnlyOwner() const noexcept {
 }
 
 template <class T, class Impl>
-template <class Operand>
-Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteInPlace(const Operand& other) {
-    if (IsOnlyOwner()) {
-        mImpl->EditCore().UniteWith(other);
-        mImpl->EditCore().FillCaches();
-    } else {
-        mImpl = Make([&](Cmn_RegionCore<T>& core) { GetCore().Union(core, other); }).mImpl;
-    }
+Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Region& other) {
+    if (!IsOnlyOwner())
+        return *this = Union(other);
+    mImpl->EditCore().UniteWith(other.GetCore());
+    mImpl->EditCore().FillCaches();
     return *this;
 }
 
 template <class T, class Impl>
-Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Region& other) {
-    return UniteInPlace(other.GetCore());
-}
-
-template <class T, class Impl>
 Cmn_Region<T, Impl>& Cmn_Region<T, Impl>::UniteWith(const Cmn_Rect<T>& rect) {
-    return UniteInPlace(rect);
+    if (!IsOnlyOwner())
+        return *this = Union(rect);
+    mImpl->EditCore().UniteWith(rect);
+    mImpl->EditCore().FillCaches();
+    return *this;
 }
 
 template <class T, class Impl>

@@ -21,7 +21,9 @@ class QLX_API QLX_RegionImpl_HRGN : public Cmn_RegionImpl<int> {
         kSelector_AdoptHandle = 2
     };
 
-    QLX_RegionImpl_HRGN() noexcept = default;
+    // Written out, so that making one does not clear the room for its list first.
+    QLX_RegionImpl_HRGN() noexcept {} // NOLINT(modernize-use-equals-default)
+    explicit QLX_RegionImpl_HRGN(const Cmn_RegionCore<int>& core) : Cmn_RegionImpl<int>(core) {}
     QLX_RegionImpl_HRGN(const QLX_RegionImpl_HRGN&) = delete;
     QLX_RegionImpl_HRGN& operator=(const QLX_RegionImpl_HRGN&) = delete;
     ~QLX_RegionImpl_HRGN() override;
@@ -31,7 +33,7 @@ class QLX_API QLX_RegionImpl_HRGN : public Cmn_RegionImpl<int> {
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* memory, std::size_t size) noexcept;
     static void operator delete(void* memory, const std::nothrow_t&) noexcept {
-        ::operator delete(memory);
+        operator delete(memory, sizeof(QLX_RegionImpl_HRGN));
     }
 
     // Slot order is part of the binary interface: append, never move.
