@@ -12,6 +12,13 @@ class QLX_API Cmn_Interval {
         return std::int64_t{high} - std::int64_t{low} <= std::numeric_limits<int>::max();
     }
 
+    /// Whether a rectangle is not empty and passes CheckRect, in one go.
+    [[nodiscard]] static constexpr bool HasPlainSize(const Cmn_Rect<int>& rect) noexcept {
+        return rect.left < rect.right && rect.top < rect.bottom &&
+               Cmn_WrappingSubtract(rect.right, rect.left) > 0 &&
+               Cmn_WrappingSubtract(rect.bottom, rect.top) > 0;
+    }
+
     /// Reports (as a trace assertion; nothing is changed) a rectangle whose width or height does
     /// not fit. Returns whether both do.
     static bool CheckRect(const Cmn_Rect<int>& rect) noexcept {

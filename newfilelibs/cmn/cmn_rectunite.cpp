@@ -38,12 +38,20 @@ Partners FindPartners(const Cmn_RectList& list, const Rect& rect, std::size_t fr
     return partners;
 }
 
-// The edges that two rectangles and all pieces of them can have.
-class PieceEdges {
-  public:
-    PieceEdges(const Rect& a, const Rect& b) noexcept : mA(a), mB(b), mBoth(a | b) {}
+// A rectangle of a list, one that touches it, and the box around both.
+struct Pair {
+    Rect mA;
+    Rect mB;
+    Rect mBoth;
 
-    /// Whether a rectangle that overlaps neither could be joined with some piece.
+    Pair(const Rect& a, const Rect& b) noexcept : mA(a), mB(b) {
+        Cmn_RectScan::Bounds bounds(a);
+        bounds.Add(b);
+        mBoth = bounds.Get();
+    }
+
+    /// Whether a rectangle that overlaps neither could be joined with some piece that they are cut
+    /// into: it would have to share two edges that pieces can have.
     [[nodiscard]] bool MayJoin(const Rect& other) const noexcept {
         const bool isBeside = other.right <= mBoth.left || other.left >= mBoth.right;
         return isBeside ? IsRow(other.top) && IsRow(other.bottom)
@@ -57,19 +65,15 @@ class PieceEdges {
     [[nodiscard]] bool IsColumn(int x) const noexcept {
         return x == mA.left || x == mA.right || x == mB.left || x == mB.right;
     }
-    Rect mA;
-    Rect mB;
-    Rect mBoth;
 };
 
 // Whether a third rectangle could be joined with what a list's rectangle and another are cut into.
-bool IsAnyJoined(const Cmn_RectList& list, std::size_t partner, const Rect& rect) noexcept {
+bool IsAnyJoined(const Cmn_RectList& list, std::size_t partner, const Pair& pair) noexcept {
     const Rect* rects = list.data();
-    const PieceEdges edges(rects[partner], rect);
     bool any = false;
     Cmn_RectScan::ForEachHit(
-        Cmn_RectScan::TouchProbe(rects[partner] | rect), rects, 0, list.size(),
-        [&](std::size_t i) { any = any || (i != partner && edges.MayJoin(rects[i])); });
+        Cmn_RectScan::TouchProbe(pair.mBoth), rects, 0, list.size(),
+        [&](std::size_t i) { any = any || (i != partner && pair.MayJoin(rects[i])); });
     return any;
 }
 
@@ -79,11 +83,13 @@ bool UniteWithPartner(Cmn_RectList& list, std::size_t partner, const Rect& rect)
     const Rect other = list[partner];
     if (rect == other)
         return true;
-    if (!MakeRectangle(rect, other) || IsAnyJoined(list, partner, rect))
+    if (!MakeRectangle(rect, other))
         return false;
-    const Rect both = rect | other;
-    if (both != other) // grown, it can only come earlier in order
-        Cmn_InsertSorted(list.Edit(), partner, both);
+    const Pair pair(other, rect);
+    if (IsAnyJoined(list, partner, pair))
+        return false;
+    if (pair.mBoth != other) // grown, it can only come earlier in order
+        Cmn_InsertSorted(list.Edit(), partner, pair.mBoth);
     return true;
 }
 

@@ -1,6 +1,5 @@
 #include "newfilelibs/cmn/cmn_region.h"
 
-#include "newfilelibs/cmn/cmn_interval.h"
 #include "newfilelibs/cmn/cmn_rectindex.h"
 #include "newfilelibs/cmn/cmn_rectsort.h"
 #include "newfilelibs/cmn/cmn_rectunite.h"
@@ -30,13 +29,6 @@ Rect Shrunk(const Rect& rect, int dx, int dy) noexcept {
     const int top = Cmn_WrappingAdd(rect.top, dy);
     return {left, top, std::max(left, Cmn_WrappingSubtract(rect.right, dx)),
             std::max(top, Cmn_WrappingSubtract(rect.bottom, dy))};
-}
-
-// Whether a rectangle has a size, and one that Cmn_Interval::CheckRect lets pass.
-bool HasPlainSize(const Rect& rect) noexcept {
-    return rect.left < rect.right && rect.top < rect.bottom &&
-           Cmn_WrappingSubtract(rect.right, rect.left) > 0 &&
-           Cmn_WrappingSubtract(rect.bottom, rect.top) > 0;
 }
 
 } // namespace
@@ -77,7 +69,8 @@ void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& ot
     } else if (other.IsOneRectangle()) {
         result.CopyFrom(*this);
         result.Unite(other.mRects[0]);
-    } else if (IsOneRectangle()) {
+    } else if (IsOneRectangle() &&
+               !other.IsRectangular()) { // of two, the order would be turned round
         result.CopyFrom(other);
         result.Unite(mRects[0]);
     } else {
@@ -99,8 +92,10 @@ void Cmn_RegionCore<int>::UniteWith(const Cmn_RegionCore& other) {
         UniteLists(*this, other); // an operation reads its operands before it writes
 }
 
-void Cmn_RegionCore<int>::UniteWith(const Cmn_Rect<int>& rect) {
-    if (HasPlainSize(rect) || (Cmn_Interval::CheckRect(rect), !rect.Empty()))
+// With one that is empty or larger than the type's largest number.
+void Cmn_RegionCore<int>::UniteUnusual(const Cmn_Rect<int>& rect) {
+    Cmn_Interval::CheckRect(rect);
+    if (!rect.Empty())
         Unite(rect);
 }
 

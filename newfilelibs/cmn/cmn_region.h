@@ -9,6 +9,7 @@
 
 #include "basekit/cmn/cmn_assert.h"
 #include "basekit/cmn/cmn_refcount.h"
+#include "newfilelibs/cmn/cmn_interval.h"
 #include "newfilelibs/cmn/cmn_rectlist.h"
 
 #include <new>
@@ -53,7 +54,12 @@ class QLX_API Cmn_RegionCore<int> {
     void Union(Cmn_RegionCore& result, const Cmn_Rect<int>& rect) const;
     /// Union into this core itself, with the same list as those above.
     void UniteWith(const Cmn_RegionCore& other);
-    void UniteWith(const Cmn_Rect<int>& rect);
+    void UniteWith(const Cmn_Rect<int>& rect) {
+        if (Cmn_Interval::HasPlainSize(rect))
+            Unite(rect);
+        else
+            UniteUnusual(rect);
+    }
 
     // Changes
 
@@ -149,6 +155,7 @@ class QLX_API Cmn_RegionCore<int> {
         return mRects.size() == 1 && !mRects[0].Empty();
     }
     void Unite(const Cmn_Rect<int>& rect);
+    void UniteUnusual(const Cmn_Rect<int>& rect);
     void UniteSlowly(const Cmn_Rect<int>& rect);
     void UniteLists(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
     void FinishFrom(Cmn_UnjoinedRects& unjoined);
