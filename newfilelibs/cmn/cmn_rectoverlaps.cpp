@@ -8,15 +8,14 @@ using Found = Cmn_Scratch<std::uint32_t, 64>;
 // Rectangles that are looked at together.
 constexpr std::size_t kBlock = 16;
 
-// A rectangle's first column and row and its last ones, as distances from a corner of 15 bits.
+// A rectangle's first column and row and its last ones, as distances from a corner.
 struct Coarse {
     std::int16_t mLeft;
     std::int16_t mTop;
     std::int16_t mRight;
     std::int16_t mLow;
 };
-constexpr int kDistanceBits = 15;
-// Further away than anything.
+constexpr int kDistanceBits = 14; // so that one more is left for what is beyond
 constexpr std::int16_t kBeyond = std::numeric_limits<std::int16_t>::max();
 
 std::uint32_t Distance(int from, int to) noexcept {
@@ -25,10 +24,9 @@ std::uint32_t Distance(int from, int to) noexcept {
 
 // How many bits too many distances within the hull have.
 int FindShift(const Rect& hull) noexcept {
-    const std::uint64_t width = Distance(hull.left, hull.right);
-    const std::uint64_t height = Distance(hull.top, hull.bottom);
-    return std::max(static_cast<int>(std::bit_width(std::max(width, height) + 1)) - kDistanceBits,
-                    0);
+    const std::uint32_t longest =
+        std::max(Distance(hull.left, hull.right), Distance(hull.top, hull.bottom));
+    return std::max(static_cast<int>(std::bit_width(longest)) - kDistanceBits, 0);
 }
 
 #if defined(__SSE2__)

@@ -299,6 +299,31 @@ TEST(CmnRegionLists, OneRectangleOverManyAtTheLimitsOfLength) {
     }
 }
 
+// Overlaps are looked for in 16-bit coordinates: drawings that just fit them and just do not, with
+// one rectangle as large as the drawing.
+TEST(CmnRegionLists, OverlapsInDrawingsOfEverySize) {
+    for (int bits = 10; bits <= 32; ++bits) {
+        for (int less = 1; less <= 5; ++less) {
+            const std::int64_t side = (std::int64_t{1} << bits) - less;
+            const int end = static_cast<int>(kLow + side);
+            Core list(Rect(kLow + 1, kLow, end, end));
+            Core built;
+            for (int i = 0; i < 21; ++i) {
+                list.UniteWith(Rect(kLow, kLow + 2 * i, kLow + 1, kLow + 2 * i + 1));
+                const int left = static_cast<int>(kLow + side * i / 21);
+                built.UniteWith(Rect(left, kLow + i, left + 3, end - i));
+            }
+            const Core others = built; // with no more memory than it needs
+            Core both;
+            list.Intersection(both, others);
+            ASSERT_EQ(ToRects(both), literal::Intersection(ToRects(list), ToRects(others))) << side;
+            Core cut;
+            list.Difference(cut, others);
+            ASSERT_EQ(ToRects(cut), literal::Difference(ToRects(list), ToRects(others))) << side;
+        }
+    }
+}
+
 // Queries do not rely on lists that come from outside being sorted or disjoint.
 TEST(CmnRegionLists, QueriesOfListsInAnyOrder) {
     std::mt19937_64 random(7);
