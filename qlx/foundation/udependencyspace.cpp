@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "basekit/cmn/cmn_internal.h"
 #include "newfilelibs/cmn/cmn_scratch.h"
 #include "qlx/foundation/uobject.h"
 
@@ -120,6 +121,23 @@ class TDependencySpace::Table {
         }
         return entry;
     }
+    [[nodiscard]] bool IsEmpty() const noexcept { return mUsed == 0; }
+    /// Takes out an object, if it is here, and what others have to do with it. Stands alone for the
+    /// many objects that are freed while nothing is here.
+    QLX_STANDS_ALONE void EraseWithRelations(TObject* object) noexcept {
+        Entry* const entry = Find(object);
+        if (!entry)
+            return;
+        for (const Relation& dependent : entry->mDependents)
+            Find(dependent.mOther)->mNotifiers.Remove(object);
+        for (const Relation& notifier : entry->mNotifiers)
+            Find(notifier.mOther)->mDependents.Remove(object);
+        Erase(*entry);
+    }
+
+  private:
+    static constexpr int kFirstBits = 6;
+
     /// Takes out an object without relations.
     void Erase(Entry& entry) noexcept {
         entry.Release();
@@ -136,10 +154,6 @@ class TDependencySpace::Table {
         mSlots[gap] = Entry{};
         --mUsed;
     }
-
-  private:
-    static constexpr int kFirstBits = 6;
-
     [[nodiscard]] std::size_t HomeOf(const TObject* key) const noexcept {
         // The multiplier is 2 to the 64 over the golden ratio, which spreads what allocators align.
         return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(key)) *
@@ -180,9 +194,15 @@ TDependencySpace::TDependencySpace() : mTable(std::make_unique<Table>()) {}
 
 TDependencySpace::~TDependencySpace() = default;
 
+namespace {
+
+QLX_STANDS_ALONE void UseBuiltIn() { TDependencySpace::SetGlobal(BuiltIn()); }
+
+} // namespace
+
 TDependencySpace* TDependencySpace::GetGlobal() {
-    if (!sGlobalIsSet)
-        SetGlobal(BuiltIn());
+    if (!sGlobalIsSet) [[unlikely]]
+        UseBuiltIn();
     return sGlobal;
 }
 
@@ -241,14 +261,8 @@ void TDependencySpace::RemoveDependency(TObject* notifier, TObject* dependent) {
 void TDependencySpace::RemoveAllDependencies(TObject* object) {
     if (mNewestNotifier == object || mNewestDependent == object)
         mNewestNotifier = nullptr;
-    Entry* const entry = mTable->Find(object);
-    if (!entry)
-        return;
-    for (const Relation& dependent : entry->mDependents)
-        mTable->Find(dependent.mOther)->mNotifiers.Remove(object);
-    for (const Relation& notifier : entry->mNotifiers)
-        mTable->Find(notifier.mOther)->mDependents.Remove(object);
-    mTable->Erase(*entry);
+    if (!mTable->IsEmpty())
+        mTable->EraseWithRelations(object);
 }
 
 void TDependencySpace::Notify(int change, TObject* notifier, TObject* changedBy) {
@@ -279,6 +293,14 @@ void TObject::Changed(int change, TObject* changedBy) {
 void TObject::RemoveAllDependencies() {
     if (TDependencySpace* space = GetDependencySpace())
         space->RemoveAllDependencies(this);
+}
+
+bool TObject::RemoveDependenciesOnFree() { return true; }
+
+QLX_MERGES_CALLS void TObject::Free() {
+    if (RemoveDependenciesOnFree())
+        RemoveAllDependencies();
+    delete this;
 }
 
 void TObject::AddDependent(TObject* dependent) {

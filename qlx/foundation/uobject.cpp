@@ -18,8 +18,6 @@ TObject::~TObject() = default;
 
 void TObject::DoUpdate(int, TObject*, TObject*, TDependencySpace*) {}
 
-bool TObject::RemoveDependenciesOnFree() { return true; }
-
 void TObject::ReadContainer(QLX_RawPropertyContainer* container,
                             const Cmn_AliasedRefCountPtr<QLX_ViewMemento>& memento, TView*) {
     ReadProperties(container, memento);
@@ -29,12 +27,6 @@ void TObject::ReadProperties(QLX_RawPropertyContainer*,
                              const Cmn_AliasedRefCountPtr<QLX_ViewMemento>&) {}
 
 TObject* TObject::Clone() { return ShallowClone(); }
-
-void TObject::Free() {
-    if (RemoveDependenciesOnFree())
-        RemoveAllDependencies();
-    delete this;
-}
 
 TObject* TObject::ShallowClone() {
     const std::size_t size = static_cast<std::size_t>(GetClassSize());

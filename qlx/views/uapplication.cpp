@@ -10,6 +10,7 @@
 #include "newfilelibs/daw/daw_keyevent.h"
 #include "qlx/views/qlx_eventloop.h"
 #include "qlx/views/qlx_keyboard.h"
+#include "qlx/views/uactivitywatch.h"
 #include "qlx/views/ubehavior.h"
 #include "qlx/views/ucommand.h"
 #include "qlx/views/ucommandmanager.h"
@@ -22,13 +23,15 @@
 QLX_DEFINE_CLASS(TApplication, TCommandHandler)
 
 TApplication* gApplication = nullptr;
+constinit Cmn_VirtualTable gUnwatchedApplication;
 
 bool TApplication::sMacAppKeyDownHandled = true;
 std::vector<TEventHandler*> TApplication::sTargetHandlingEventStack;
 
 namespace {
 
-TEventHandler* sPreMenuLoopTarget = nullptr; // not owned
+TEventHandler* sPreMenuLoopTarget = nullptr;  // not owned
+constinit Cmn_VirtualTable sPlainApplication; // written by the constructor
 
 } // namespace
 
@@ -39,6 +42,8 @@ void TApplicationData::SetPreMenuLoopTarget(TEventHandler* handler) {
 }
 
 TApplication::TApplication() : mPrevious(std::exchange(gApplication, this)) {
+    sPlainApplication = Cmn_VirtualTable(*this);
+    gUnwatchedApplication = Cmn_VirtualTable();
     sTargetHandlingEventStack.reserve(16);
     AttachToLoop(QLX_EventLoop::Get());
 }
@@ -245,6 +250,15 @@ void TApplication::SetUndoText(bool done, TCommand* command) {
 }
 
 // Activities
+
+bool QLX_TakesOverActivityHooks(const TApplication& application) {
+    const Cmn_VirtualTable table(application);
+    if (!table.Shares<&TApplication::ActivityStarted, &TApplication::ActivityEnded>(
+            sPlainApplication))
+        return true;
+    gUnwatchedApplication = table;
+    return false;
+}
 
 void TApplication::ActivityStarted(const CActivity&) {}
 void TApplication::ActivityEnded(const CActivity&) {}

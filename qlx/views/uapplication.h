@@ -172,15 +172,21 @@ class QLX_API TApplication : public TCommandHandler {
     class StKeyDown;
     /// An entry of the queue, with the turns of processing in which it came and was last asked.
     struct Posted {
+        Posted(TEvent* event, std::uint64_t turn) noexcept : mEvent(event), mTurn(turn) {}
         TEvent* mEvent; // owned
         std::uint64_t mTurn;
-        std::uint64_t mAskedInTurn;
+        std::uint64_t mAskedInTurn = 0;
     };
     void Enqueue(TEvent* event, bool atFront);
-    [[nodiscard]] bool IsPosted(const TEvent* event) const;
-    TEvent* TakePosted(std::size_t index);
+    void EnqueueAmongOthers(TEvent* event, bool atFront);
+    [[nodiscard]] Posted* FirstPosted();
+    [[nodiscard]] Posted* EndOfPosted();
+    [[nodiscard]] bool HasPosted();
+    [[nodiscard]] Posted* FindPosted(const TEvent* event);
+    TEvent* TakePosted(Posted* posted);
+    TEvent* TakeIfReady(TEvent* event);
     TEvent* TakeReady(std::uint64_t turn);
-    void ProcessOne(TEvent* event);
+    void ProcessOne(TEvent* event, const StGuard& self);
     void DropPosted();
     void LeaveLoop();
     void ForgetPosted(TEventHandler* handler);

@@ -7,8 +7,6 @@
 
 QLX_DEFINE_CLASS(TBehavior, TObject)
 
-TBehavior::TBehavior() = default;
-
 TBehavior::~TBehavior() {
     Unlink();
     StGuard::ObjectIsGone(this);

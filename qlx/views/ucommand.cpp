@@ -1,6 +1,5 @@
 #include "qlx/views/ucommand.h"
 
-#include <ctime>
 #include <new>
 
 #include "qlx/views/uapplication.h"
@@ -8,19 +7,6 @@
 
 QLX_DEFINE_CLASS(TCommand, TEvent)
 QLX_DEFINE_CLASS(TUndoRedoCommand, TCommand)
-
-TCommand::TCommand() : mCreationTime(static_cast<std::int64_t>(std::time(nullptr))) {
-    mIsCommand = true;
-}
-
-void TCommand::ICommand(std::int32_t number, TCommandHandler* context, bool canUndo,
-                        bool causesChange, TObject* objectToNotify) {
-    mContext = context ? context : gApplication;
-    IEvent(number, nullptr, mContext);
-    mCanUndo = canUndo;
-    mCausesChange = causesChange;
-    mObjectToNotify = objectToNotify;
-}
 
 // TObject
 
@@ -49,22 +35,12 @@ TObject* TCommand::Clone() {
 
 // TEvent
 
-bool TCommand::IsReadyToPost() { return true; }
-
-bool TCommand::IsReadyToExecute() { return mReadyToExecute; }
-
-bool TCommand::IsRecurring() { return mRecurring; }
-
 TEventHandler* TCommand::GetHandler() { return TEvent::GetHandler(); }
-
-void TCommand::Process() {
-    if (mContext)
-        mContext->PerformCommand(this);
-}
 
 bool TCommand::Merge(TEvent*) { return true; }
 
-// What subclasses fill in; what performing asks is in ucommandperform.cpp
+// What subclasses fill in; what performing asks is in ucommandperform.cpp, what the
+// queue asks in uapplicationqueue.cpp
 
 void TCommand::AbandonClipboardView() {}
 void TCommand::AbandonUndoClipboardView() {}

@@ -57,13 +57,38 @@ void TCommandHandler::Free() {
 
 // Menus
 
-void TCommandHandler::DoMenuCommand(std::int32_t command) {
-    TCommand* const last = command == kCommand_Undo ? GetLastCommand() : nullptr;
-    if (!last || last->mContext != this) {
-        TEventHandler::DoMenuCommand(command);
-        return;
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kKeepsSpare = false; // every use of freed memory is to be seen
+#else
+constexpr bool kKeepsSpare = true;
+#endif
+
+/// Undo and redo follow each other, one command at a time: its memory is kept for the next one.
+class SparingUndoRedo final : public TUndoRedoCommand {
+  public:
+    static void* operator new(std::size_t size) {
+        if (kKeepsSpare && sSpare)
+            return std::exchange(sSpare, nullptr);
+        return ::operator new(size);
     }
-    auto* const undoRedo = new TUndoRedoCommand;
+    static void operator delete(void* bytes) noexcept {
+        if (kKeepsSpare && !sSpare)
+            sSpare = bytes;
+        else
+            ::operator delete(bytes);
+    }
+
+  private:
+    static constinit void* sSpare; // owned; null while it is in use
+};
+constinit void* SparingUndoRedo::sSpare = nullptr;
+
+} // namespace
+
+void TCommandHandler::PostUndoRedo() {
+    auto* const undoRedo = new SparingUndoRedo;
     undoRedo->IUndoRedoCommand(kCommand_Undo, this);
     PostCommand(undoRedo);
 }
@@ -85,5 +110,3 @@ void TCommandHandler::SetupUndoMenu() {
 }
 
 TCommandHandler* TCommandHandler::GetContext(int) { return this; }
-
-TCommand* TCommandHandler::GetLastCommand() { return mLastCommand; }

@@ -65,8 +65,13 @@ class QLX_API TCommandHandler : public TEventHandler {
     static void ForgetContext(const TCommandHandler* context);
     static void End(TCommand* command, const StGuard& alive);
     static void LetGo(TCommand* command, bool frees);
+    void PerformTraced(TCommand* command);
+    static void Commit(TCommand* command);
+    static void CommitNamed(TCommand* command);
+    void PostUndoRedo();
     void UndoOrRedo();
-    static void UndoOrRedoBusy(TCommand* command, bool wasDone);
+    static void UndoOrRedoNamed(TCommand* command, bool wasDone, const StGuard& alive);
+    static void UndoOrRedoBusy(TCommand* command, bool wasDone, const StGuard& alive);
     static void EndDisplaced(TCommand* command, const StGuard& alive);
 
     // The order of the fields is part of the binary interface.

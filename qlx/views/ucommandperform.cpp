@@ -1,15 +1,18 @@
 // What a command goes through from PerformCommand to its end, and what it answers on the way when
 // nobody has overridden it. Both are in one source, so that the compiler can merge the answers into
-// the questions: a command asks and is told some thirty things.
-#include <algorithm>
+// the questions: a command asks and is told some thirty things. It does so only as long as no class
+// derived from TCommand has its operations here.
+#include <ctime>
 #include <exception>
 #include <optional>
 #include <utility>
-#include <vector>
 
 #include "basekit/cmn/cmn_assert.h"
 #include "basekit/cmn/cmn_traceswitch.h"
+#include "basekit/cmn/cmn_virtualtable.h"
 #include "newfilelibs/daw/daw_command.h"
+#include "qlx/views/uactivitywatch.h"
+#include "qlx/views/ualivecommands.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ucommand.h"
 #include "qlx/views/ucommandhandler.h"
@@ -24,51 +27,8 @@ constexpr char kSource[] = "qlx/views/ucommandhandler";
 
 TCommandHandler::PointerChecker sPointerChecker = nullptr;
 
-// Sorted by address. A flat list, as there are seldom more commands alive than windows. Null until
-// the first one comes; never destroyed, as commands may be freed by other static destructors.
-using AliveCommandList = std::vector<const TCommand*>;
-constinit AliveCommandList* sAliveCommands = nullptr;
-
-AliveCommandList::iterator FindPlace(const TCommand* command) {
-    return std::lower_bound(sAliveCommands->begin(), sAliveCommands->end(), command,
-                            std::less<const TCommand*>());
-}
-
 const char* ClassNameOf(const TObject* object) {
     return object->GetClassDescDynamic()->GetClassName().c_str();
-}
-
-/// A command that is there already stays there.
-void AddAliveCommand(const TCommand* command) {
-    if (!sAliveCommands)
-        sAliveCommands = new AliveCommandList;
-    if (sAliveCommands->empty() || std::less<const TCommand*>()(sAliveCommands->back(), command)) {
-        sAliveCommands->push_back(command);
-    } else {
-        const auto place = FindPlace(command);
-        if (*place == command)
-            return;
-        sAliveCommands->insert(place, command);
-    }
-    if (Cmn_TraceIsOn(kTrace_Commands)) [[unlikely]]
-        Cmn_Trace(kTrace_Commands,
-                  "TCommandHandler::PerformCommand - adding to AliveCommands %p (%s)",
-                  static_cast<const void*>(command), ClassNameOf(command));
-}
-
-/// Whether the command was there.
-bool RemoveAliveCommand(const TCommand* command) {
-    if (!sAliveCommands || sAliveCommands->empty())
-        return false;
-    if (sAliveCommands->back() == command) {
-        sAliveCommands->pop_back();
-        return true;
-    }
-    const auto place = FindPlace(command);
-    if (place == sAliveCommands->end() || *place != command)
-        return false;
-    sAliveCommands->erase(place);
-    return true;
 }
 
 const char* YesOrNo(bool flag) { return flag ? "YES" : "NO"; }
@@ -77,10 +37,38 @@ const char* YesOrNo(bool flag) { return flag ? "YES" : "NO"; }
 
 // What a command answers
 
+namespace {
+
+// TCommand's own, written by its constructor.
+constinit Cmn_VirtualTable sPlainCommand;
+
+/// Whether a command makes its name as TCommand does and nobody would get to see it: then it is not
+/// made. The operations are those that would be called with it.
+template <auto... Operations>
+bool IsUnseen(const TCommand* command) {
+    return Cmn_VirtualTable(*command).Shares<&TCommand::GetCommandName, Operations...>(
+               sPlainCommand) &&
+           !QLX_SomebodyWatchesActivities();
+}
+
+} // namespace
+
+TCommand::TCommand() : mCreationTime(static_cast<std::int64_t>(std::time(nullptr))) {
+    mIsCommand = true;
+    sPlainCommand = Cmn_VirtualTable(*this);
+}
+
+void TCommand::ICommand(std::int32_t number, TCommandHandler* context, bool canUndo,
+                        bool causesChange, TObject* objectToNotify) {
+    mContext = context ? context : gApplication;
+    IEvent(number, nullptr, mContext);
+    mCanUndo = canUndo;
+    mCausesChange = causesChange;
+    mObjectToNotify = objectToNotify;
+}
+
 TCommand::~TCommand() {
-    if (RemoveAliveCommand(this) && Cmn_TraceIsOn(kTrace_Commands)) [[unlikely]]
-        Cmn_Trace(kTrace_Commands, "TCommand::~TCommand - deleting from AliveCommands %p (%s)",
-                  static_cast<const void*>(this), ClassNameOf(this));
+    QLX_RemoveAliveCommand(this);
     StGuard::ObjectIsGone(this);
     if (mKeeper)
         mKeeper->mLastCommand = nullptr;
@@ -127,12 +115,8 @@ void TCommand::SetupDependencies() {
 }
 
 void TCommand::DoNotification() {
-    if (!WillCauseChange())
-        return;
-    if (!mFurtherObjects.empty()) [[unlikely]]
+    if (WillCauseChange() && (mObjectToNotify || !mFurtherObjects.empty()))
         NotifyAll();
-    else if (mObjectToNotify)
-        mObjectToNotify->Changed(mDone ? GetChangeID() : kCommand_Undo, this);
 }
 
 bool TCommand::GetCommandName(std::string* name) {
@@ -158,30 +142,7 @@ const std::string& TCommand::FindName() {
     return GetClassDescDynamic()->GetClassName();
 }
 
-// Live commands
-
-bool TCommandHandler::IsAlive(const TCommand* command) {
-    if (!sAliveCommands)
-        return false;
-    const auto place = FindPlace(command);
-    return place != sAliveCommands->end() && *place == command;
-}
-
-std::size_t TCommandHandler::CountAliveCommands() {
-    return sAliveCommands ? sAliveCommands->size() : 0;
-}
-
-void TCommandHandler::ForgetContext(const TCommandHandler* context) {
-    if (!sAliveCommands)
-        return;
-    for (const TCommand* const alive : *sAliveCommands) {
-        auto* const command = const_cast<TCommand*>(alive);
-        if (command->mContext == context) {
-            command->mContext = nullptr;
-            command->mHandler = nullptr;
-        }
-    }
-}
+// Performing
 
 TCommandHandler::PointerChecker TCommandHandler::SetPointerChecker(PointerChecker checker) {
     return std::exchange(sPointerChecker, checker);
@@ -189,18 +150,19 @@ TCommandHandler::PointerChecker TCommandHandler::SetPointerChecker(PointerChecke
 
 namespace {
 
+QLX_STANDS_ALONE void ReportUnusable(const TCommand* command) {
+    Cmn_Assert(command ? "TCommandHandler::PerformCommand - volatileCommand is bogus"
+                       : "TCommandHandler::PerformCommand - volatileCommand is NULL",
+               kSource, __LINE__);
+}
+
 bool CanBeUsed(const TCommand* command) {
-    if (!command) [[unlikely]] {
-        Cmn_Assert("TCommandHandler::PerformCommand - volatileCommand is NULL", kSource, __LINE__);
-        return false;
-    }
     const bool isAligned = reinterpret_cast<std::uintptr_t>(command) % 8 == 0;
-    if (!isAligned || (sPointerChecker && !sPointerChecker(command, sizeof(TCommand))))
-        [[unlikely]] {
-        Cmn_Assert("TCommandHandler::PerformCommand - volatileCommand is bogus", kSource, __LINE__);
-        return false;
-    }
-    return true;
+    const bool isUsable =
+        command && isAligned && (!sPointerChecker || sPointerChecker(command, sizeof(TCommand)));
+    if (!isUsable) [[unlikely]]
+        ReportUnusable(command);
+    return isUsable;
 }
 
 } // namespace
@@ -209,31 +171,30 @@ bool CanBeUsed(const TCommand* command) {
 /// inside, and one that loses its place as last command meanwhile is ended by whoever made it busy.
 class TCommandHandler::StBusy {
   public:
-    explicit StBusy(TCommand* command) : mCommand(command), mAlive(command), mOuter(sInnermost) {
+    /// The guard watches the command and outlives this.
+    StBusy(TCommand* command, const StGuard& alive)
+        : mCommand(command), mAlive(alive), mOuter(sInnermost) {
         sInnermost = this;
     }
     ~StBusy() { sInnermost = mOuter; }
     StBusy(const StBusy&) = delete;
     StBusy& operator=(const StBusy&) = delete;
 
-    [[nodiscard]] bool CommandIsAlive() const { return mAlive.IsAlive(); }
     [[nodiscard]] static bool IsBusy(const TCommand* command) {
         const StBusy* busy = sInnermost;
-        while (busy && (busy->mCommand != command || !busy->CommandIsAlive()))
+        while (busy && (busy->mCommand != command || !busy->mAlive))
             [[unlikely]] busy = busy->mOuter;
         return busy != nullptr;
     }
 
   private:
     TCommand* mCommand; // not owned, only compared
-    StGuard mAlive;
+    const StGuard& mAlive;
     StBusy* mOuter; // not owned
-    static constinit StBusy* sInnermost;
+    QLX_INTERNAL static constinit StBusy* sInnermost;
 };
 
 constinit TCommandHandler::StBusy* TCommandHandler::StBusy::sInnermost = nullptr;
-
-// Performing
 
 /// One command on its way through PerformCommand. Everything is said in the class, as each part of
 /// the way is gone in one place only.
@@ -244,7 +205,7 @@ class TCommandHandler::Run {
 
     void Perform() {
         try {
-            if (mCommand->ShouldTraceCommand())
+            if (mCommand->ShouldTraceCommand() && NameMayBeSeen())
                 PerformNamed();
             else
                 PerformPlain();
@@ -258,7 +219,13 @@ class TCommandHandler::Run {
     }
 
   private:
-    void PerformNamed() {
+    [[nodiscard]] bool NameMayBeSeen() const {
+        return Cmn_TraceIsOn(kTrace_Commands) ||
+               !IsUnseen<&TCommand::GetCommandTracingDetails, &TCommand::ShouldValidateCommand>(
+                   mCommand);
+    }
+
+    QLX_STANDS_ALONE void PerformNamed() {
         StScratchText name;
         StScratchText details;
         mCommand->GetCommandName(&*name);
@@ -277,11 +244,12 @@ class TCommandHandler::Run {
     }
 
     void PerformPlain() {
-        TakeFromKeeper();
+        if (mAlive)
+            TakeFromKeeper();
         if (mAlive && mHandler && (mCommand->WillCauseChange() || mCommand->CanBeUndone()))
             mPerformer->CommitLastCommand();
         if (mAlive) [[likely]] {
-            AddAliveCommand(mCommand);
+            QLX_AddAliveCommand(mCommand);
             if (mHandler)
                 DoIt();
         }
@@ -335,23 +303,30 @@ class TCommandHandler::Run {
     }
 
     void Keep() {
-        TCommand*& last = mPerformer->mLastCommand;
+        TCommand* const last = mPerformer->mLastCommand;
         if (last && last != mCommand) [[unlikely]] {
-            // The command performed another one from its DoIt, or the one before it stays.
-            if (last != mCommitted)
-                mPerformer->CommitLastCommand();
+            Displace();
             if (!mHandler || !mAlive)
                 return;
-            if (last && last != mCommand) {
-                last->mKeeper = nullptr;
-                last->NoLongerTopUndo();
-            }
         }
-        last = mCommand;
+        mPerformer->mLastCommand = mCommand;
         mCommand->mKeeper = mPerformer;
         mCommand->SetupDependencies();
         if (mAlive)
             mCommand->NowTopUndo();
+    }
+
+    // The command performed another one from its DoIt, or the one before it stays.
+    QLX_STANDS_ALONE void Displace() {
+        if (mPerformer->mLastCommand != mCommitted)
+            mPerformer->CommitLastCommand();
+        if (!mHandler || !mAlive)
+            return;
+        TCommand* const last = mPerformer->mLastCommand;
+        if (last && last != mCommand) {
+            last->mKeeper = nullptr;
+            last->NoLongerTopUndo();
+        }
     }
 
     void Discard(const char* text);
@@ -364,7 +339,7 @@ class TCommandHandler::Run {
     bool mIsInDoIt = false;
 };
 
-void TCommandHandler::Run::Discard(const char* text) {
+QLX_STANDS_ALONE void TCommandHandler::Run::Discard(const char* text) {
     const bool isAlive = mAlive.IsAlive();
     const bool frees = isAlive && mCommand->ShouldFreeOnCompletion();
     const bool isLast = isAlive && mCommand->mKeeper;
@@ -386,13 +361,16 @@ void TCommandHandler::Run::Discard(const char* text) {
     mCommand->Free();
 }
 
-void TCommandHandler::PerformCommand(TCommand* command) {
+QLX_MERGES_CALLS void TCommandHandler::PerformCommand(TCommand* command) {
+    if (gEventTraceIsOn) [[unlikely]]
+        PerformTraced(command);
+    else if (CanBeUsed(command))
+        Run(this, command).Perform();
+}
+
+QLX_STANDS_ALONE void TCommandHandler::PerformTraced(TCommand* command) {
     if (!CanBeUsed(command))
         return;
-    if (!gEventTraceIsOn) [[likely]] {
-        Run(this, command).Perform();
-        return;
-    }
     const QLX_StEventHop hop(EEventMessage::Command, command, command->GetCommandNumber(), this);
     Run(this, command).Perform();
 }
@@ -413,16 +391,31 @@ void TCommandHandler::LetGo(TCommand* command, bool frees) {
         command->Free();
 }
 
-void TCommandHandler::CommitLastCommand() {
+QLX_MERGES_CALLS void TCommandHandler::CommitLastCommand() {
     TCommand* const command = mLastCommand;
     if (!command || StBusy::IsBusy(command))
         return;
+    if (IsUnseen(command))
+        Commit(command);
+    else
+        CommitNamed(command);
+}
+
+QLX_STANDS_ALONE void TCommandHandler::CommitNamed(TCommand* command) {
+    const StGuard alive(command);
     StScratchText name;
     command->GetCommandName(&*name);
     TApplication::StActivity activity("committing ", *name);
+    // The hook is the host's code and may have ended the command.
+    if (alive)
+        Commit(command);
+    activity.End();
+}
+
+void TCommandHandler::Commit(TCommand* command) {
     const StGuard alive(command);
     try {
-        const StBusy busy(command);
+        const StBusy busy(command, alive);
         command->NoLongerTopUndo();
         if (command->mDone)
             command->Commit();
@@ -436,12 +429,21 @@ void TCommandHandler::CommitLastCommand() {
     }
     if (alive && command->ShouldFreeOnCompletion())
         LetGo(command, true);
-    activity.End();
 }
 
 // Undo and redo
 
-void TCommandHandler::UndoOrRedo() {
+TCommand* TCommandHandler::GetLastCommand() { return mLastCommand; }
+
+void TCommandHandler::DoMenuCommand(std::int32_t command) {
+    TCommand* const last = command == kCommand_Undo ? GetLastCommand() : nullptr;
+    if (last && last->mContext == this)
+        PostUndoRedo();
+    else
+        TEventHandler::DoMenuCommand(command);
+}
+
+QLX_MERGES_CALLS void TCommandHandler::UndoOrRedo() {
     TCommand* const command = GetLastCommand();
     if (!command || StBusy::IsBusy(command))
         return;
@@ -449,7 +451,10 @@ void TCommandHandler::UndoOrRedo() {
     const bool wasDone = command->mDone;
     const bool wasKept = command->mKeeper != nullptr;
     try {
-        UndoOrRedoBusy(command, wasDone);
+        if (IsUnseen(command))
+            UndoOrRedoBusy(command, wasDone, alive);
+        else
+            UndoOrRedoNamed(command, wasDone, alive);
         if (!alive)
             return;
         command->mDone = !wasDone;
@@ -463,22 +468,29 @@ void TCommandHandler::UndoOrRedo() {
         EndDisplaced(command, alive);
 }
 
-void TCommandHandler::UndoOrRedoBusy(TCommand* command, bool wasDone) {
+QLX_STANDS_ALONE void TCommandHandler::UndoOrRedoNamed(TCommand* command, bool wasDone,
+                                                       const StGuard& alive) {
     StScratchText name;
     command->GetCommandName(&*name);
     TApplication::StActivity activity(wasDone ? "undoing " : "redoing ", *name);
-    const StBusy busy(command);
+    // The hook is the host's code and may have ended the command.
+    if (alive)
+        UndoOrRedoBusy(command, wasDone, alive);
+    activity.End();
+}
+
+void TCommandHandler::UndoOrRedoBusy(TCommand* command, bool wasDone, const StGuard& alive) {
+    const StBusy busy(command, alive);
     if (wasDone)
         command->UndoIt();
     else
         command->RedoIt();
-    if (busy.CommandIsAlive() && command->mUsesClipboard)
+    if (alive && command->mUsesClipboard)
         command->UndoRedoClipboard();
-    activity.End();
 }
 
 // Its UndoIt performed another command, which is the last one now and could not end this one.
-void TCommandHandler::EndDisplaced(TCommand* command, const StGuard& alive) {
+QLX_STANDS_ALONE void TCommandHandler::EndDisplaced(TCommand* command, const StGuard& alive) {
     if (command->mDone)
         command->Commit();
     if (alive)

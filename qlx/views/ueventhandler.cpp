@@ -41,8 +41,6 @@ TEventHandler::ObjectMaker sObjectMaker = &MakeByClassName;
 
 } // namespace
 
-TEventHandler::TEventHandler() = default;
-
 TEventHandler::~TEventHandler() {
     // Free has done this already; an object that lives in a scope or a member has only its
     // destructor.
@@ -176,31 +174,6 @@ bool TEventHandler::DoMultiClick(const _CPoint& first, const _CPoint& second) {
         return next->DoMultiClick(first, second);
     return std::abs(first.v - second.v) <= gStdHysteresis.v &&
            std::abs(first.h - second.h) <= gStdHysteresis.h;
-}
-
-namespace {
-
-// On its own, so that the way to the end of the chain saves no registers for it.
-QLX_STANDS_ALONE void DecodeKey(TToolboxEvent& event) {
-    const std::uint32_t kind = event.mEventKind;
-    if (kind != kQLX_EventKind_KeyDown && kind != kQLX_EventKind_KeyUp &&
-        kind != kQLX_EventKind_AutoKey)
-        return;
-    const QLX_EventRef& record = event.GetEvent();
-    record.GetProperty(kQLX_EventProperty_KeyCode, &event.mKeyCode, sizeof event.mKeyCode);
-    record.GetProperty(kQLX_EventProperty_Character, &event.mCharacterCode,
-                       sizeof event.mCharacterCode);
-}
-
-} // namespace
-
-void TEventHandler::KeyEventToComponents(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler()) {
-        next->KeyEventToComponents(event);
-        return;
-    }
-    if (event)
-        DecodeKey(*event);
 }
 
 TEvent* TEventHandler::RetrieveAnEvent() {

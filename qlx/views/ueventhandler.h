@@ -171,6 +171,8 @@ class QLX_API TEventHandler : public TObject {
 
   private:
     friend class TBehavior;
+    class QuietWalk;
+    static void PassKeyFrom(TEventHandler* handler, TToolboxEvent* event);
     void FreeBehaviors();
     void LeaveApplication();
 

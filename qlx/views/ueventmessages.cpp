@@ -2,9 +2,13 @@
 // behaviours and from handler to handler. All of it is in one source, so that the compiler can
 // merge the questions that nobody has overridden into the hops: a key on its way through a deep
 // window asks hundreds of them.
+#include <utility>
+
 #include "basekit/cmn/cmn_internal.h"
+#include "basekit/cmn/cmn_virtualtable.h"
 #include "qlx/views/uapplication.h"
 #include "qlx/views/ubehavior.h"
+#include "qlx/views/ucommand.h"
 #include "qlx/views/ueventdispatch.h"
 #include "qlx/views/ueventhandler.h"
 
@@ -37,6 +41,96 @@ TBehavior* TBehavior::ThisOrNextEnabled() {
         behavior = behavior->mNext;
     return behavior;
 }
+
+// Most handlers of a chain, and most behaviours, do nothing with a message but pass it on. The walk
+// passes a message over all of them at once: they need not be called as long as their class answers
+// every question on the way as its base does. Nobody's code runs meanwhile, so that no chain and no
+// list can change under the walk.
+
+namespace {
+
+// Written by the constructors, which see it in their objects. Nobody walks before.
+constinit Cmn_VirtualTable sPlainHandler;
+constinit Cmn_VirtualTable sPlainBehavior;
+
+/// The classes that a walk has found quiet, as far as it remembers them.
+class QuietClasses {
+  public:
+    explicit QuietClasses(const Cmn_VirtualTable& plain) : mPlain(plain) {}
+    template <auto... Operations>
+    [[nodiscard]] bool Have(const Cmn_VirtualTable& table) {
+        if (table == mLast || table == mOther)
+            return true;
+        if (!table.Shares<Operations...>(mPlain))
+            return false;
+        mOther = std::exchange(mLast, table);
+        return true;
+    }
+
+  private:
+    const Cmn_VirtualTable mPlain;
+    Cmn_VirtualTable mLast = mPlain;
+    Cmn_VirtualTable mOther = mPlain;
+};
+
+} // namespace
+
+TEventHandler::TEventHandler() { sPlainHandler = Cmn_VirtualTable(*this); }
+
+TBehavior::TBehavior() { sPlainBehavior = Cmn_VirtualTable(*this); }
+
+class TEventHandler::QuietWalk {
+  public:
+    /// The first handler from this one on that may do more with a message than pass it on by these
+    /// operations, null when there is none. The first operation is that of behaviours. The trace
+    /// wants to see everyone.
+    template <auto BehaviorOperation, auto... Operations>
+    [[nodiscard]] static TEventHandler* Over(TEventHandler* handler) {
+        if (gEventTraceIsOn) [[unlikely]]
+            return handler;
+        QuietClasses classes(sPlainHandler);
+        while (handler && IsQuiet<Operations...>(handler, classes) &&
+               (!handler->mFirstBehavior || BehaviorsAreQuiet<BehaviorOperation>(handler)))
+            handler = handler->mNextHandler;
+        return handler;
+    }
+    /// The same, but stops at the first handler with behaviours: a loop without a call.
+    template <auto... Operations>
+    [[nodiscard]] static TEventHandler* ToBehaviors(TEventHandler* handler) {
+        if (gEventTraceIsOn) [[unlikely]]
+            return handler;
+        QuietClasses classes(sPlainHandler);
+        while (handler && IsQuiet<Operations...>(handler, classes) && !handler->mFirstBehavior)
+            handler = handler->mNextHandler;
+        return handler;
+    }
+    /// The same for what neither behaviours nor the trace get to see.
+    template <auto Operation>
+    [[nodiscard]] static TEventHandler* OverAnyBehaviors(TEventHandler* handler) {
+        QuietClasses classes(sPlainHandler);
+        while (handler &&
+               classes.Have<&TEventHandler::GetNextHandler, Operation>(Cmn_VirtualTable(*handler)))
+            handler = handler->mNextHandler;
+        return handler;
+    }
+
+  private:
+    template <auto... Operations>
+    [[nodiscard]] static bool IsQuiet(const TEventHandler* handler, QuietClasses& classes) {
+        return classes.Have<&TEventHandler::GetNextHandler, &TEventHandler::GetFirstEnabledBehavior,
+                            Operations...>(Cmn_VirtualTable(*handler));
+    }
+    template <auto Operation>
+    [[nodiscard]] static bool BehaviorsAreQuiet(const TEventHandler* owner) {
+        QuietClasses classes(sPlainBehavior);
+        const TBehavior* behavior = owner->mFirstBehavior;
+        while (behavior && behavior->mOwner == owner &&
+               classes.Have<&TBehavior::IsEnabled, &TBehavior::GetNextEnabledBehavior, Operation>(
+                   Cmn_VirtualTable(*behavior)))
+            behavior = behavior->mNext;
+        return !behavior;
+    }
+};
 
 // Keys in general. The operations below take the usual cases themselves and leave the others to
 // these, which stand alone so that the usual cases save no registers for them.
@@ -76,7 +170,9 @@ void TEventHandler::HandleEvent(std::int32_t number, TEventHandler* source, TEve
 }
 
 void TEventHandler::DoEvent(std::int32_t number, TEventHandler* source, TEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
+    if (TEventHandler* const next =
+            QuietWalk::Over<&TBehavior::DoEvent, &TEventHandler::HandleEvent,
+                            &TEventHandler::DoEvent>(GetNextHandler()))
         next->HandleEvent(number, source, event);
     else
         QLX_NoteEndOfChain();
@@ -94,11 +190,25 @@ void TEventHandler::HandleKeyCommand(TToolboxEvent* event) {
         DoKeyEvent(event);
 }
 
-QLX_MERGES_CALLS void TEventHandler::DoKeyEvent(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
+QLX_STANDS_ALONE void TEventHandler::PassKeyFrom(TEventHandler* handler, TToolboxEvent* event) {
+    if (TEventHandler* const next =
+            QuietWalk::Over<&TBehavior::DoKeyEvent, &TEventHandler::HandleKeyCommand,
+                            &TEventHandler::DoKeyEvent>(handler))
         next->HandleKeyCommand(event);
     else
         TApplication::KeyDownIsUnhandled();
+}
+
+QLX_MERGES_CALLS void TEventHandler::DoKeyEvent(TToolboxEvent* event) {
+    TEventHandler* const next =
+        QuietWalk::ToBehaviors<&TEventHandler::HandleKeyCommand, &TEventHandler::DoKeyEvent>(
+            GetNextHandler());
+    if (!next)
+        TApplication::KeyDownIsUnhandled();
+    else if (next->mFirstBehavior)
+        PassKeyFrom(next, event);
+    else
+        next->HandleKeyCommand(event);
 }
 
 void TEventHandler::HandleCommandKey(TToolboxEvent* event) {
@@ -126,21 +236,38 @@ void TEventHandler::HandleKeyUp(TToolboxEvent* event) {
 }
 
 void TEventHandler::DoKeyUp(TToolboxEvent* event) {
-    if (TEventHandler* const next = GetNextHandler())
+    if (TEventHandler* const next =
+            QuietWalk::Over<&TBehavior::DoKeyUp, &TEventHandler::DoKeyUp>(GetNextHandler()))
         next->HandleKeyUp(event);
     else
         QLX_NoteEndOfChain();
 }
 
-void TEventHandler::HandleMenuCommand(std::int32_t command) {
-    if (TBehavior* const behavior = GetFirstEnabledBehavior())
+namespace {
+
+QLX_STANDS_ALONE void HandleMenuWithBehaviors(TEventHandler* handler, std::int32_t command) {
+    if (TBehavior* const behavior = handler->GetFirstEnabledBehavior())
         QLX_DispatchMenuCommand(command, behavior);
     else
-        QLX_DispatchMenuCommand(command, this);
+        QLX_DispatchMenuCommand(command, handler);
+}
+
+} // namespace
+
+void TEventHandler::HandleMenuCommand(std::int32_t command) {
+    const bool isAlone =
+        !mFirstBehavior && !gEventTraceIsOn &&
+        Cmn_VirtualTable(*this).Shares<&TEventHandler::GetFirstEnabledBehavior>(sPlainHandler);
+    if (isAlone)
+        DoMenuCommand(command);
+    else
+        HandleMenuWithBehaviors(this, command);
 }
 
 void TEventHandler::DoMenuCommand(std::int32_t command) {
-    if (TEventHandler* const next = GetNextHandler())
+    if (TEventHandler* const next =
+            QuietWalk::Over<&TBehavior::DoMenuCommand, &TEventHandler::DoMenuCommand>(
+                GetNextHandler()))
         next->HandleMenuCommand(command);
     else
         QLX_NoteEndOfChain();
@@ -154,10 +281,67 @@ void TEventHandler::HandleSetupMenus() {
 }
 
 void TEventHandler::DoSetupMenus() {
-    if (TEventHandler* const next = GetNextHandler())
+    if (TEventHandler* const next =
+            QuietWalk::Over<&TBehavior::DoSetupMenus, &TEventHandler::HandleSetupMenus,
+                            &TEventHandler::DoSetupMenus>(GetNextHandler()))
         next->HandleSetupMenus();
     else
         QLX_NoteEndOfChain();
+}
+
+// Decoding a key
+
+namespace {
+
+// On its own, so that the way to the end of the chain saves no registers for it.
+QLX_STANDS_ALONE void DecodeKey(TToolboxEvent& event) {
+    const std::uint32_t kind = event.mEventKind;
+    if (kind != kQLX_EventKind_KeyDown && kind != kQLX_EventKind_KeyUp &&
+        kind != kQLX_EventKind_AutoKey)
+        return;
+    const QLX_EventRef& record = event.GetEvent();
+    record.GetProperty(kQLX_EventProperty_KeyCode, &event.mKeyCode, sizeof event.mKeyCode);
+    record.GetProperty(kQLX_EventProperty_Character, &event.mCharacterCode,
+                       sizeof event.mCharacterCode);
+}
+
+} // namespace
+
+void TEventHandler::KeyEventToComponents(TToolboxEvent* event) {
+    if (TEventHandler* const next =
+            QuietWalk::OverAnyBehaviors<&TEventHandler::KeyEventToComponents>(GetNextHandler()))
+        next->KeyEventToComponents(event);
+    else if (event)
+        DecodeKey(*event);
+}
+
+// What is posted goes to the end of the chain, where an application queues it.
+
+namespace {
+
+void DropEvent(TEvent* event) {
+    if (event->ShouldFreeOnCompletion())
+        event->Free();
+}
+
+} // namespace
+
+void TEventHandler::PostCommand(TCommand* command) {
+    if (!command)
+        return;
+    if (TEventHandler* const next = GetNextHandler())
+        next->PostCommand(command);
+    else
+        DropEvent(command);
+}
+
+void TEventHandler::PostAndConsumeEvent(TEvent* event, bool atFront) {
+    if (!event)
+        return;
+    if (TEventHandler* const next = GetNextHandler())
+        next->PostAndConsumeEvent(event, atFront);
+    else
+        DropEvent(event);
 }
 
 // Behaviours: on to the next enabled behaviour, after the last one to the owner's own Do.
