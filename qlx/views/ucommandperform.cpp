@@ -247,7 +247,7 @@ class TCommandHandler::Run {
         if (mAlive)
             TakeFromKeeper();
         if (mAlive && mHandler && (mCommand->WillCauseChange() || mCommand->CanBeUndone()))
-            mPerformer->CommitLastCommand();
+            CommitOneBefore();
         if (mAlive) [[likely]] {
             QLX_AddAliveCommand(mCommand);
             if (mHandler)
@@ -258,6 +258,15 @@ class TCommandHandler::Run {
         else
             Cmn_TraceAssert("TCommandHandler::PerformCommand - command destroyed itself in DoIt",
                             kSource, __LINE__);
+    }
+
+    // One that is not freed on completion stays. One that its Commit performed takes its place, and
+    // is committed when this one takes that.
+    void CommitOneBefore() {
+        TCommand* const before = mPerformer->mLastCommand;
+        mPerformer->CommitLastCommand();
+        if (mHandler && mPerformer->mLastCommand == before)
+            mCommitted = before;
     }
 
     // A command that is performed while a handler keeps it becomes final first, and is not freed by
@@ -281,7 +290,6 @@ class TCommandHandler::Run {
                     mPerformer->mInCommand = mWasInCommand;
             }
         } const restore{mPerformer, mHandler, std::exchange(mPerformer->mInCommand, true)};
-        mCommitted = mPerformer->mLastCommand;
         mIsInDoIt = true;
         mCommand->DoIt();
         mIsInDoIt = false;
@@ -316,7 +324,8 @@ class TCommandHandler::Run {
             mCommand->NowTopUndo();
     }
 
-    // The command performed another one from its DoIt, or the one before it stays.
+    // The command performed another one from its DoIt, or the one before it did from its Commit, or
+    // that one stays.
     QLX_STANDS_ALONE void Displace() {
         if (mPerformer->mLastCommand != mCommitted)
             mPerformer->CommitLastCommand();

@@ -521,6 +521,18 @@ TEST_F(Commands, PerformingAnotherFromCommitDoesNotCommitTwice) {
     EXPECT_NE(mHandler->GetLastCommand(), a);
 }
 
+// It took the place of the command that was committed, and was lost when the next one took it.
+TEST_F(Commands, OneThatTheCommitBeforePerformedIsEndedToo) {
+    LogCommand* const a = New("a");
+    mHandler->PerformCommand(a);
+    a->mInCommit = [&] { mHandler->PerformCommand(New("nested")); };
+    Take();
+    mHandler->PerformCommand(New("b"));
+    EXPECT_EQ(Take(), (CallLog{"a:commit", "nested:do", "nested:notify done", "a:completed",
+                               "a:gone", "b:do", "b:notify done", "nested:commit",
+                               "nested:completed", "nested:gone"}));
+}
+
 TEST_F(Commands, PerformingAnotherFromUndoItEndsTheUndoneCommand) {
     LogCommand* const a = New("a");
     mHandler->PerformCommand(a);
