@@ -377,7 +377,7 @@ class Joiner {
 };
 
 // That few are compared with all rectangles sooner than all are sorted.
-constexpr std::size_t kLazyTail = 8;
+constexpr std::size_t kLazyTail = 20;
 
 void JoinDisjoint(Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
     Memory memory;

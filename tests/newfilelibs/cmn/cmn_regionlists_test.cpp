@@ -324,6 +324,38 @@ TEST(CmnRegionLists, OverlapsInDrawingsOfEverySize) {
     }
 }
 
+// Fields of a chessboard, or any, against others: lists about as long as what is joined on the
+// stack and what is sorted in other ways, close together and so far apart that their corners take
+// more than one word.
+TEST(CmnRegionLists, FieldsOfBoardsOfAnyLengthAndSpread) {
+    std::mt19937_64 random(11);
+    const auto gather = [](int side, int width, auto isIn) {
+        Core core;
+        for (int i = 0; i < side * side; ++i) {
+            const int x = (i % side - side / 2) * width;
+            const int y = (i / side - side / 2) * width;
+            if (isIn(i % side, i / side))
+                core.UniteWith(Rect(x, y, x + width, y + width));
+        }
+        return core;
+    };
+    const auto black = [](int x, int y) { return (x + y) % 2 == 0; };
+    const auto white = [](int x, int y) { return (x + y) % 2 != 0; };
+    const auto any = [&](int, int) { return random() % 2 == 0; };
+    for (const int side : {5, 6, 7, 8, 9, 12, 27}) {
+        for (const int width : {1, 10, 300, 70'000, 50'000'000}) {
+            const Core first[] = {gather(side, width, black), gather(side, width, any)};
+            const Core second[] = {gather(side, width, white), gather(side, width + 1, any)};
+            for (int i = 0; i < 2; ++i) {
+                Core joined;
+                first[i].Union(joined, second[i]);
+                ASSERT_EQ(ToRects(joined), literal::Union(ToRects(first[i]), ToRects(second[i])))
+                    << side << " fields of " << width << ", " << (i ? "any" : "chessboard");
+            }
+        }
+    }
+}
+
 // Queries do not rely on lists that come from outside being sorted or disjoint.
 TEST(CmnRegionLists, QueriesOfListsInAnyOrder) {
     std::mt19937_64 random(7);
