@@ -1,5 +1,6 @@
 #include "newfilelibs/cmn/cmn_rectunite.h"
 
+#include "newfilelibs/cmn/cmn_rectcut.h"
 #include "newfilelibs/cmn/cmn_rectjoinfew.h"
 #include "newfilelibs/cmn/cmn_rectsort.h"
 
@@ -100,7 +101,7 @@ class Queue {
     [[nodiscard]] bool HasRoom() const noexcept { return mEnd + 4 <= Cmn_FewRects::kMost; }
     void Append(const Rect& rect) noexcept { mRects[mEnd++] = rect; }
     void AppendPieces(const Rect& whole, const Rect& part) noexcept {
-        mEnd += static_cast<std::size_t>(whole.Cut(part, mRects + mEnd));
+        mEnd += Cmn_CutAround(whole, part, mRects + mEnd);
     }
     [[nodiscard]] bool IsEmpty() const noexcept { return mStart == mEnd; }
     [[nodiscard]] Rect TakeFirst() noexcept { return mRects[mStart++]; }
@@ -159,8 +160,7 @@ bool CutBoth(Pending& pending, Cmn_FewRects& out) {
             out.Append(one);
             continue;
         }
-        const Rect common(std::max(one.left, other.left), std::max(one.top, other.top),
-                          std::min(one.right, other.right), std::min(one.bottom, other.bottom));
+        const Rect common = Cmn_CommonPart(one, other);
         out.Append(common);
         pending.mLarger.AppendPieces(one, common);
         pending.mSmaller.AppendPieces(other, common);

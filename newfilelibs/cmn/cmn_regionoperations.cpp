@@ -1,15 +1,11 @@
 #include "newfilelibs/cmn/cmn_regionoperations.h"
 
+#include "newfilelibs/cmn/cmn_rectcut.h"
 #include "newfilelibs/cmn/cmn_rectoverlaps.h"
 
 namespace {
 
 using Rect = Cmn_Rect<int>;
-
-Rect CommonPart(const Rect& a, const Rect& b) noexcept {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
 
 // For rectangles of positive size.
 bool Overlap(const Rect& a, const Rect& b) noexcept {
@@ -28,6 +24,13 @@ struct Waiting {
 class Queue {
   public:
     void Append(const Waiting& waiting) { mWaiting.Append(waiting); }
+    /// What is left of one without a part of it, with the same overlaps.
+    void AppendPieces(const Waiting& waiting, const Rect& part) {
+        Rect pieces[4];
+        const std::size_t count = Cmn_CutAround(waiting.mRect, part, pieces);
+        for (std::size_t i = 0; i < count; ++i)
+            mWaiting.Append({pieces[i], waiting.mFirst, waiting.mEnd});
+    }
     [[nodiscard]] bool IsEmpty() const noexcept { return mTaken == mWaiting.size(); }
     [[nodiscard]] Waiting Take() noexcept { return mWaiting[mTaken++]; }
 
@@ -106,10 +109,9 @@ class CutList {
     /// Replaces a rectangle by its pieces without the part that lies in it.
     void Cut(std::uint32_t number, const Rect& part) {
         Rect pieces[4];
-        const int count = mNodes[number].mRect.Cut(part, pieces);
-        mNodes[number].mPieces =
-            static_cast<std::uint32_t>(mNodes.size()) << 3 | static_cast<std::uint32_t>(count);
-        for (int i = 0; i < count; ++i)
+        const std::size_t count = Cmn_CutAround(mNodes[number].mRect, part, pieces);
+        mNodes[number].mPieces = static_cast<std::uint32_t>(mNodes.size() << 3 | count);
+        for (std::size_t i = 0; i < count; ++i)
             mNodes.Append({pieces[i], kUncut, true});
     }
 
@@ -156,7 +158,6 @@ class CutList {
 
 // Cuts the larger list's waiting rectangles and the smaller's against each other.
 void CutBoth(Queue& queue, CutList& smaller, Cmn_UnjoinedRects& out) {
-    Rect pieces[4];
     while (!queue.IsEmpty()) {
         Waiting waiting = queue.Take();
         const std::uint32_t found = smaller.FindFirst(waiting);
@@ -164,10 +165,9 @@ void CutBoth(Queue& queue, CutList& smaller, Cmn_UnjoinedRects& out) {
             out.mRects.Append(waiting.mRect);
             continue;
         }
-        const Rect common = CommonPart(waiting.mRect, smaller[found]);
+        const Rect common = Cmn_CommonPart(waiting.mRect, smaller[found]);
         out.mRects.Append(common);
-        for (int i = 0, count = waiting.mRect.Cut(common, pieces); i < count; ++i)
-            queue.Append({pieces[i], waiting.mFirst, waiting.mEnd});
+        queue.AppendPieces(waiting, common);
         smaller.Cut(found, common);
     }
 }
@@ -203,7 +203,7 @@ void Cmn_IntersectRects(const Cmn_RectOperand& list, const Cmn_RectOperand& othe
     for (const Cmn_RectOverlaps::Span& span : overlaps.mSpans) {
         for (std::uint32_t i = span.mFirst; i < span.mEnd; ++i)
             out.mRects.Append(
-                CommonPart(list.mRects[span.mRect], other.mRects[overlaps.mOthers[i]]));
+                Cmn_CommonPart(list.mRects[span.mRect], other.mRects[overlaps.mOthers[i]]));
     }
 }
 
@@ -217,7 +217,6 @@ bool Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutte
     Queue queue;
     Split(list, overlaps, out, queue);
     out.mHead = list.mJoined ? out.mRects.size() : 0;
-    Rect pieces[4];
     while (!queue.IsEmpty()) {
         Waiting waiting = queue.Take();
         while (waiting.mFirst < waiting.mEnd &&
@@ -227,9 +226,8 @@ bool Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutte
             out.mRects.Append(waiting.mRect);
             continue;
         }
-        const Rect& cutter = cutters.mRects[overlaps.mOthers[waiting.mFirst]];
-        for (int i = 0, count = waiting.mRect.Cut(cutter, pieces); i < count; ++i)
-            queue.Append({pieces[i], waiting.mFirst + 1, waiting.mEnd});
+        const Rect& cutter = cutters.mRects[overlaps.mOthers[waiting.mFirst++]];
+        queue.AppendPieces(waiting, Cmn_CommonPart(waiting.mRect, cutter));
     }
     return true;
 }
