@@ -22,7 +22,7 @@ constexpr int cInset = 4;
 constexpr int cCornerRadius = 3;
 // The edge of a background image that keeps its width while the middle stretches.
 constexpr int cPlateBorder = 8;
-// What frame and focus ring take at the edges.
+// What the frame takes at the edges, its smoothing included.
 constexpr int cFrame = 2;
 
 // What one font's ASCII characters measure. Fields share a handful of fonts, and a text's width is
@@ -131,7 +131,7 @@ short TNumericEntryText::GetCharacterAt(const VPoint& where) {
     return static_cast<short>(mText.size());
 }
 
-// The rows that the text and its hilite take, inside the frame and the focus ring.
+// The rows that the text and its hilite take, inside the frame.
 void TNumericEntryText::GetTextRows(VCoordinate& top, VCoordinate& bottom) const {
     const VRect extent = GetExtent();
     const QLX_FontMetrics& metrics = AdvancesOf(GetControlFont()).metrics;
@@ -151,7 +151,17 @@ void TNumericEntryText::InvalidateCharacters(std::size_t first, std::size_t last
     area.Left() = RoundDown(left + GetWidthUpTo(first)) - 1;
     area.Right() = RoundUp(left + GetWidthUpTo(last)) + 1;
     GetTextRows(area.Top(), area.Bottom());
-    InvalidateVRect(area);
+    if (GetInside(GetExtent()).Contains(area))
+        InvalidateVRect(area);
+    else
+        ForceRedraw();
+}
+
+// Where there is neither frame nor focus ring. The ring may take a part of one pixel more where a
+// logical pixel is not a whole number of them.
+VRect TNumericEntryText::GetInside(VRect extent) {
+    extent.Inset(VPoint(cInset, ShowsFocus() ? GetFocusRingWidth() + 1 : cFrame));
+    return extent;
 }
 
 // ---- Looks ----
@@ -248,10 +258,7 @@ void TNumericEntryText::Draw(const VRect& area) {
     AdjustEraseForAdorners(extent);
     // Only characters in the middle changed: the plain field behind them is a filled rectangle,
     // frame and focus ring are still there.
-    const bool insideOnly = !mBackgroundImage && area.Left() >= extent.Left() + cInset &&
-                            area.Right() <= extent.Right() - cInset &&
-                            area.Top() >= extent.Top() + cFrame &&
-                            area.Bottom() <= extent.Bottom() - cFrame;
+    const bool insideOnly = !mBackgroundImage && GetInside(extent).Contains(area);
     if (insideOnly) {
         painter->SetForegroundColor(IsEnabled() ? GetControlColor(kThemeColor_FieldBackground)
                                                 : GetControlColor(kThemeColor_WindowBackground));

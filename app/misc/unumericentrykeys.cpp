@@ -270,7 +270,7 @@ bool TNumericEntryText::KeySign(const KeyStroke& key) {
         mOldIsDuration = mIsDuration;
     mIsDuration = true;
     helper->ResetCurrentText(this);
-    mArithmetic = subtract ? kArithmetic_Subtracting : kArithmetic_Adding;
+    SetArithmetic(subtract ? kArithmetic_Subtracting : kArithmetic_Adding);
     ForceRedraw();
     return true;
 }

@@ -550,8 +550,14 @@ void TNumericEntryText::AddValueToCurrentSelection(std::int64_t delta) {
 
 // ---- Editing ----
 
+// Its mark stands beside the characters, which may not change with it.
+void TNumericEntryText::SetArithmetic(EArithmeticMode mode) {
+    if (std::exchange(mArithmetic, mode) != mode)
+        ForceRedraw();
+}
+
 void TNumericEntryText::EndArithmetic() {
-    mArithmetic = kArithmetic_None;
+    SetArithmetic(kArithmetic_None);
     mIsDuration = mOldIsDuration;
 }
 
@@ -566,7 +572,7 @@ bool TNumericEntryText::Validate() {
                                    result);
         ChangeText(result);
     }
-    mArithmetic = kArithmetic_None;
+    SetArithmetic(kArithmetic_None);
     return helper->Validate(this);
 }
 

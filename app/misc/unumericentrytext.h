@@ -323,12 +323,14 @@ class QLX_API TNumericEntryText : public TControl {
     bool KeyTap(const KeyStroke& key, TToolboxEvent* event);
     void NotifyClient(const KeyStroke& key);
     void CollapseSelection();
+    void SetArithmetic(EArithmeticMode mode);
     void EndArithmetic();
     void PassOn(TToolboxEvent* event);
     void InvalidateCharacters(std::size_t first, std::size_t last, bool all);
     [[nodiscard]] float GetCompositionLeft() const;
     void DrawComposition(const PainterPtr& painter);
     void GetTextRows(VCoordinate& top, VCoordinate& bottom) const;
+    [[nodiscard]] VRect GetInside(VRect extent);
     /// Where the value's first character begins, in local coordinates.
     [[nodiscard]] float GetValueLeft() const;
     /// The width of the first characters of the text.

@@ -28,8 +28,8 @@ void TControl::SetRange(std::int32_t minimum, std::int32_t maximum, bool redraw)
     mMaximum = std::max(minimum, maximum);
     const std::int32_t value = std::clamp(mValue, mMinimum, mMaximum);
     if (value != mValue)
-        SetValue(value, redraw);
-    else if (redraw)
+        SetValue(value, /*redraw*/ false);
+    if (redraw) // all of it: where the old value was shown is not known by the new bounds
         ForceRedraw();
 }
 
@@ -121,6 +121,8 @@ void TControl::DoFocus(const PainterPtr& painter) {
 
 bool TControl::ShowsFocus() { return mAlwaysShowsFocus || IsTarget(); }
 
+int TControl::GetFocusRingWidth() { return QLX_Theme::IsHighContrast() ? 3 : 2; }
+
 void TControl::DrawFocusRing(int inset, int radius) {
     if (!ShowsFocus())
         return;
@@ -129,7 +131,7 @@ void TControl::DrawFocusRing(int inset, int radius) {
     ring.Inset(VPoint(inset, inset));
     QLX_StPaintState saver(painter);
     painter->SetForegroundColor(GetControlColor(kThemeColor_FocusRing));
-    const short thickness = QLX_Theme::IsHighContrast() ? 3 : 2;
+    const auto thickness = static_cast<short>(GetFocusRingWidth());
     painter->SetPenSize(thickness, thickness);
     painter->DrawRoundRect(ring, radius, radius, /*antialias*/ true, /*topOnly*/ false);
 }

@@ -117,6 +117,8 @@ class QLX_API TControl : public TView {
     [[nodiscard]] CRGBColor GetTextColor(EThemeColor color);
     /// Draws the focus ring just inside the extent when it is due.
     void DrawFocusRing(int inset = 0, int radius = 3);
+    /// How thick it is, logical pixels; the field's own frame is thinner.
+    [[nodiscard]] static int GetFocusRingWidth();
 
   private:
     // The order of the fields is part of the binary interface.

@@ -256,8 +256,10 @@ void TScroller::ScrollContentTo(const VPoint& place, bool redraw) {
 // What is on the screen already moves; only what comes into sight is drawn.
 void TScroller::MovePixels(TView* content, const VRect& visible, const VPoint& moved) {
     TInvalidateView* invalidateView = GetInvalidateView();
-    if (!invalidateView || !IsShown() || visible.Empty())
+    if (!invalidateView || !IsShown())
         return;
+    if (visible.Empty())
+        return ForceRedraw(); // smaller than its bars, the content may show beside them
     VRect rect = visible;
     LocalToWindowVRect(rect);
     invalidateView->WindowToLocalVRect(rect);

@@ -1,5 +1,6 @@
 // Every control under users and programs that do anything: random events, values and sizes out of
-// range, what is no number, broken text, and being freed by its own action.
+// range, what is no number, broken text, and being freed by its own action. What is drawn piece by
+// piece has to be what a full repaint draws.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -44,6 +45,8 @@ constexpr std::uint32_t kKeys[] = {kDAW_Key_Up,
                                    'z',
                                    kDAW_Key_F1 + 1};
 
+constexpr int kScales[] = {120, 150, 180, 240};
+
 constexpr std::int32_t kValues[] = {0, 1, -1, 7, INT32_MAX, INT32_MIN, 100, INT32_MAX - 1};
 
 const double kNumbers[] = {
@@ -63,6 +66,7 @@ class Subject {
     Subject(const std::string& className, std::uint32_t seed)
         : mClassName(className), mRandom(seed) {
         mWindow.IWindow("misuse", VPoint(300, 200));
+        mDriver.SetScale(kScales[seed % std::size(kScales)]);
         mDriver.OpenWindow(mWindow);
     }
     ~Subject() { mWindow.Close(); }
@@ -108,6 +112,20 @@ class Subject {
         TControl* control = Get();
         ASSERT_GE(control->GetValue(), control->GetMinimum());
         ASSERT_LE(control->GetValue(), control->GetMaximum());
+    }
+
+    /// What is on the screen is what a full repaint draws.
+    void CheckPicture() {
+        mDriver.WaitForIdle();
+        const QLX_Image::Ptr shown = mDriver.GetPicture();
+        mWindow.ForceRedraw();
+        mDriver.WaitForIdle();
+        const QLX_Image::Ptr whole = mDriver.GetPicture();
+        if (QLX_TestDriver::IsSamePicture(shown, whole))
+            return;
+        shown->ToPNGFile(QLX_TEST_OUTPUT "/misuse_shown.png");
+        whole->ToPNGFile(QLX_TEST_OUTPUT "/misuse_whole.png");
+        FAIL() << "a full repaint changes the picture";
     }
 
   private:
@@ -184,11 +202,13 @@ class Misuse : public ::testing::TestWithParam<const char*> {};
 TEST_P(Misuse, LeavesTheControlInOrder) {
     ClassDesc::InitUClassDesc();
     for (unsigned seed = 1; seed <= SeedsToTry(3); ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
         Subject subject(GetParam(), seed);
         for (int step = 0; step < 250; ++step) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + " step " + std::to_string(step));
             subject.Step();
             subject.Check();
+            if (step % 10 == 0)
+                subject.CheckPicture();
             if (HasFatalFailure())
                 return;
         }
