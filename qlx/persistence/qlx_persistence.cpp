@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "basekit/cmn/cmn_assert.h"
-#include "qlx/persistence/qlx_readlistener.h"
 #include "qlx/persistence/qlx_sourceformat.h"
 
 namespace {
@@ -136,68 +135,88 @@ void QLX_RawPropertyContainer::FreezeProperties() {
 // Look-ups. What every one pays beyond the set's own look-up is one test: a container whose set may
 // not be read as it is, because there is none or because somebody listens, takes the other road.
 
-bool QLX_RawPropertyContainer::GetBoolProperty(std::string_view name, bool& value) const {
+bool QLX_RawPropertyContainer::CallBool(std::string_view name, bool& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Bool, value, &QLX_PropertySet::GetBoolProperty);
+        return GetListenedTo<bool, &QLX_PropertySet::GetBoolProperty>(name, qlx_PropType_Bool,
+                                                                      value);
     return mCurrentSet.GetBoolProperty(name, value);
 }
 
-bool QLX_RawPropertyContainer::GetInt32Property(std::string_view name, std::int32_t& value) const {
+bool QLX_RawPropertyContainer::CallInt32(std::string_view name, std::int32_t& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Int32, value, &QLX_PropertySet::GetInt32Property);
+        return GetListenedTo<std::int32_t, &QLX_PropertySet::GetInt32Property>(
+            name, qlx_PropType_Int32, value);
     return mCurrentSet.GetInt32Property(name, value);
 }
 
-bool QLX_RawPropertyContainer::GetInt32Property(std::string_view name, std::int64_t& value) const {
+bool QLX_RawPropertyContainer::CallInt32(std::string_view name, std::int64_t& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Int32, value, &QLX_PropertySet::GetInt32Property);
+        return GetListenedTo<std::int64_t, &QLX_PropertySet::GetInt32Property>(
+            name, qlx_PropType_Int32, value);
     return mCurrentSet.GetInt32Property(name, value);
 }
 
-bool QLX_RawPropertyContainer::GetInt64Property(std::string_view name, std::int64_t& value) const {
+bool QLX_RawPropertyContainer::CallInt64(std::string_view name, std::int64_t& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Int64, value, &QLX_PropertySet::GetInt64Property);
+        return GetListenedTo<std::int64_t, &QLX_PropertySet::GetInt64Property>(
+            name, qlx_PropType_Int64, value);
     return mCurrentSet.GetInt64Property(name, value);
 }
 
-bool QLX_RawPropertyContainer::GetIDTypeProperty(std::string_view name,
-                                                 std::uint32_t& value) const {
+bool QLX_RawPropertyContainer::CallIDType(std::string_view name, std::uint32_t& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_IDType, value, &QLX_PropertySet::GetIDTypeProperty);
+        return GetListenedTo<std::uint32_t, &QLX_PropertySet::GetIDTypeProperty>(
+            name, qlx_PropType_IDType, value);
     return mCurrentSet.GetIDTypeProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetStringProperty(std::string_view name, std::string& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_String, value, &QLX_PropertySet::GetStringProperty);
+        return GetListenedTo<std::string, &QLX_PropertySet::GetStringProperty>(
+            name, qlx_PropType_String, value);
     return mCurrentSet.GetStringProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetStringKeyProperty(std::string_view name,
                                                     std::string& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_String_Key, value,
-                             &QLX_PropertySet::GetStringKeyProperty);
+        return GetListenedTo<std::string, &QLX_PropertySet::GetStringKeyProperty>(
+            name, qlx_PropType_String_Key, value);
     return mCurrentSet.GetStringKeyProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetColorProperty(std::string_view name, CRGBColor& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Color, value, &QLX_PropertySet::GetColorProperty);
+        return GetListenedTo<CRGBColor, &QLX_PropertySet::GetColorProperty>(
+            name, qlx_PropType_Color, value);
     return mCurrentSet.GetColorProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetPointProperty(std::string_view name, VPoint& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Point, value, &QLX_PropertySet::GetPointProperty);
+        return GetListenedTo<VPoint, &QLX_PropertySet::GetPointProperty>(name, qlx_PropType_Point,
+                                                                         value);
     return mCurrentSet.GetPointProperty(name, value);
 }
 
 bool QLX_RawPropertyContainer::GetRectProperty(std::string_view name, VRect& value) const {
     if (!mHasCurrentSet || gQLX_ReadListener) [[unlikely]]
-        return GetListenedTo(name, qlx_PropType_Rect, value, &QLX_PropertySet::GetRectProperty);
+        return GetListenedTo<VRect, &QLX_PropertySet::GetRectProperty>(name, qlx_PropType_Rect,
+                                                                       value);
     return mCurrentSet.GetRectProperty(name, value);
 }
+
+// The getters that are compiled into those who call them stand in the library too, for who links to
+// them by name.
+namespace {
+template <class Value>
+using Getter = bool (QLX_RawPropertyContainer::*)(std::string_view, Value&) const;
+QLX_KEPT constexpr Getter<bool> kGetBool = &QLX_RawPropertyContainer::GetBoolProperty;
+QLX_KEPT constexpr Getter<std::int32_t> kGetInt32 = &QLX_RawPropertyContainer::GetInt32Property;
+QLX_KEPT constexpr Getter<std::int64_t> kGetWidened = &QLX_RawPropertyContainer::GetInt32Property;
+QLX_KEPT constexpr Getter<std::int64_t> kGetInt64 = &QLX_RawPropertyContainer::GetInt64Property;
+QLX_KEPT constexpr Getter<std::uint32_t> kGetID = &QLX_RawPropertyContainer::GetIDTypeProperty;
+} // namespace
 
 // Filters
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basekit/cmn/cmn_internal.h"
 #include "basekit/cmn/cmn_refcount.h"
 #include "qlx/foundation/qlx_fwd.h"
 #include "qlx/persistence/qlx_language.h"
@@ -80,11 +81,12 @@ class QLX_API QLX_RawPropertyContainer {
 
     // Look-ups in the current set: true and the value, or false and the output untouched. A filter
     // has to be current; otherwise the assertion "mHasCurrentSet" is raised and nothing is found.
-    bool GetBoolProperty(std::string_view name, bool& value) const;
-    bool GetInt32Property(std::string_view name, std::int32_t& value) const;
-    bool GetInt32Property(std::string_view name, std::int64_t& value) const;
-    bool GetInt64Property(std::string_view name, std::int64_t& value) const;
-    bool GetIDTypeProperty(std::string_view name, std::uint32_t& value) const;
+    // Those of scalars are compiled into the code that calls them: a window asks for hundreds.
+    QLX_API_INLINE bool GetBoolProperty(std::string_view name, bool& value) const;
+    QLX_API_INLINE bool GetInt32Property(std::string_view name, std::int32_t& value) const;
+    QLX_API_INLINE bool GetInt32Property(std::string_view name, std::int64_t& value) const;
+    QLX_API_INLINE bool GetInt64Property(std::string_view name, std::int64_t& value) const;
+    QLX_API_INLINE bool GetIDTypeProperty(std::string_view name, std::uint32_t& value) const;
     bool GetStringProperty(std::string_view name, std::string& value) const;
     bool GetStringKeyProperty(std::string_view name, std::string& value) const;
     bool GetColorProperty(std::string_view name, CRGBColor& value) const;
@@ -173,8 +175,17 @@ class QLX_API QLX_RawPropertyContainer {
     };
 
     template <class Value>
-    bool GetListenedTo(std::string_view name, QLX_PropertyType type, Value& value,
-                       bool (QLX_PropertySet::*get)(std::string_view, Value&) const) const;
+    using SetGetter = bool (QLX_PropertySet::*)(std::string_view, Value&) const;
+    template <QLX_PropertyType kType, class Value>
+    [[nodiscard]] QLX_PropertyBytes::Answer LookUp(std::string_view name, Value& value) const;
+    // The getters of the same names as calls into the library, for what is not looked up in place.
+    bool CallBool(std::string_view name, bool& value) const;
+    bool CallInt32(std::string_view name, std::int32_t& value) const;
+    bool CallInt32(std::string_view name, std::int64_t& value) const;
+    bool CallInt64(std::string_view name, std::int64_t& value) const;
+    bool CallIDType(std::string_view name, std::uint32_t& value) const;
+    template <class Value, SetGetter<Value> kGet>
+    bool GetListenedTo(std::string_view name, QLX_PropertyType type, Value& value) const;
     void CheckNotFrozen() const;
     void SelectHere(const QLX_PropertyFilter& filter);
     [[nodiscard]] MergedSet* FindMerged(const QLX_PropertyFilter& filter);
@@ -198,6 +209,58 @@ class QLX_API QLX_RawPropertyContainer {
     std::map<QLX_PropertyFilter, QLX_PropertySet> mFilterPropertyMap;
     std::vector<MergedSet> mMergedSets; // one a filter that was made current
 };
+
+/// Null while nobody listens; not owned. Set by QLX_PropertyReadListener::SetListener alone.
+extern QLX_API QLX_PropertyReadListener* gQLX_ReadListener;
+
+template <QLX_PropertyType kType, class Value>
+QLX_MERGED inline QLX_PropertyBytes::Answer QLX_RawPropertyContainer::LookUp(std::string_view name,
+                                                                             Value& value) const {
+    // A set without memory is empty, or none is current.
+    if (!mCurrentSet.mBlock || gQLX_ReadListener) [[unlikely]]
+        return QLX_PropertyBytes::Answer::kAskLibrary;
+    return QLX_PropertyBytes::LookUp<kType>(*mCurrentSet.mBlock, name, value);
+}
+
+QLX_MERGED inline bool QLX_RawPropertyContainer::GetBoolProperty(std::string_view name,
+                                                                 bool& value) const {
+    const auto answer = LookUp<qlx_PropType_Bool>(name, value);
+    if (answer == QLX_PropertyBytes::Answer::kAskLibrary) [[unlikely]]
+        return CallBool(name, value);
+    return answer == QLX_PropertyBytes::Answer::kFound;
+}
+
+QLX_MERGED inline bool QLX_RawPropertyContainer::GetInt32Property(std::string_view name,
+                                                                  std::int32_t& value) const {
+    const auto answer = LookUp<qlx_PropType_Int32>(name, value);
+    if (answer == QLX_PropertyBytes::Answer::kAskLibrary) [[unlikely]]
+        return CallInt32(name, value);
+    return answer == QLX_PropertyBytes::Answer::kFound;
+}
+
+QLX_MERGED inline bool QLX_RawPropertyContainer::GetInt32Property(std::string_view name,
+                                                                  std::int64_t& value) const {
+    const auto answer = LookUp<qlx_PropType_Int32>(name, value);
+    if (answer == QLX_PropertyBytes::Answer::kAskLibrary) [[unlikely]]
+        return CallInt32(name, value);
+    return answer == QLX_PropertyBytes::Answer::kFound;
+}
+
+QLX_MERGED inline bool QLX_RawPropertyContainer::GetInt64Property(std::string_view name,
+                                                                  std::int64_t& value) const {
+    const auto answer = LookUp<qlx_PropType_Int64>(name, value);
+    if (answer == QLX_PropertyBytes::Answer::kAskLibrary) [[unlikely]]
+        return CallInt64(name, value);
+    return answer == QLX_PropertyBytes::Answer::kFound;
+}
+
+QLX_MERGED inline bool QLX_RawPropertyContainer::GetIDTypeProperty(std::string_view name,
+                                                                   std::uint32_t& value) const {
+    const auto answer = LookUp<qlx_PropType_IDType>(name, value);
+    if (answer == QLX_PropertyBytes::Answer::kAskLibrary) [[unlikely]]
+        return CallIDType(name, value);
+    return answer == QLX_PropertyBytes::Answer::kFound;
+}
 
 /// Makes the containers that readers fill; a host derives from it to have its own class made.
 class QLX_API QLX_RawPropertyContainerFactory {

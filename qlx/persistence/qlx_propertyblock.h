@@ -1,22 +1,29 @@
-// The memory of a property set, for the sources that look values up. Not for hosts.
+// The memory of a property set, and look-ups in it that are done inside the code that asks. Hosts
+// use the getters of QLX_RawPropertyContainer, into which these are compiled.
 //
-// A set is one block of memory: a header, a tag of four bytes a value, an entry of 16 bytes a
-// value, for larger sets an index, and behind them the bytes of names, texts, points and
-// rectangles.
+// A set is one block of memory: a header, an index, an entry of 16 bytes a value, and behind them
+// the bytes of names, texts, points and rectangles. A block is copied by copying its bytes.
 //
-// A tag is 28 bits of the name's hash with the type below them. Up to eight values are found by
-// comparing the tags one after the other, which takes one cache line; more by an open-addressed
-// index at most a quarter full, whose cells are as narrow as the count allows. In both cases a
-// match of the tag is followed by one comparison of the names. A block is copied by copying its
-// bytes.
+// The index is a table of open addressing whose cells tell where an entry is, in sixteenths of the
+// way into the block, in as few bytes as that takes. The top of a name's hash is the cell in which
+// it is looked for first, and the names are compared there at once: so few cells are taken (a
+// quarter at most, an eighth in larger sets) that this nearly always decides. What makes a look-up
+// slow is the length of its chain of loads, each of which waits for the one before: this one has
+// cell, entry, name.
+//
+// Hosts have the layout compiled in, as far as LookUp reads it. A library that lays sets out in
+// another way puts another number where mCellSize is; their look-ups then all call the library.
 #pragma once
 
 #include <cstring>
+#include <string_view>
 
-#include "qlx/persistence/qlx_propertyset.h"
+#include "basekit/cmn/cmn_internal.h"
+#include "qlx/persistence/qlx_property.h"
 
 namespace QLX_PropertyBytes {
-inline constexpr std::uint32_t kTypeMask = 15;
+inline constexpr std::uint32_t kLongestName = (1u << 28) - 1; // leaves room for the type above it
+inline constexpr std::uint64_t kHashFactor = 0x9E3779B97F4A7C15u;
 
 inline std::uint64_t Load8(const char* bytes) noexcept {
     std::uint64_t value;
@@ -55,30 +62,45 @@ inline Ends EndsOf(const char* bytes, std::size_t size) noexcept {
     return size == 0 ? Ends{0, 0} : EndsOfShort(bytes, size);
 }
 
+/// A name's size with the type above it, as entries keep them: one comparison tells both. No entry
+/// has what this answers for a name that is too long.
+inline std::uint32_t SizeAndType(std::size_t size, QLX_PropertyType type) noexcept {
+    if (size > kLongestName) [[unlikely]]
+        return ~0u;
+    return static_cast<std::uint32_t>(size) | static_cast<std::uint32_t>(type) << 28;
+}
+
 /// What a name is looked for by.
 struct Key {
     std::string_view mName;
     Ends mEnds;
-    std::uint32_t mTag;
+    std::uint64_t mHash;
+    QLX_PropertyType mType;
 };
 
 /// A hash of what lies between a long name's ends.
 [[nodiscard]] std::uint64_t HashMiddle(std::string_view name) noexcept;
 
-/// The ends are multiplied, which the processor does for both at once, and added. The tag is the
-/// top of the sum, to which every input bit contributes. The size tells names apart that repeat one
-/// character.
-inline std::uint32_t TagOf(QLX_PropertyType type, std::size_t size, const Ends& ends,
-                           std::uint64_t middle) noexcept {
-    const std::uint64_t hash =
-        ends.mFirst * 0x9E3779B97F4A7C15u + (ends.mLast + size) * 0xD6E8FEB86659FD93u + middle;
-    return (static_cast<std::uint32_t>(hash >> 32) & ~kTypeMask) | static_cast<std::uint32_t>(type);
+/// What a type adds to a hash.
+inline constexpr std::uint64_t HashOfType(QLX_PropertyType type) noexcept {
+    return (static_cast<std::uint64_t>(type) << 8) * kHashFactor;
+}
+
+/// To the top of the product, which is what is used of it, all bits of the sum contribute. Where
+/// the type is known, the sum is one instruction.
+inline std::uint64_t HashOf(QLX_PropertyType type, const Ends& ends) noexcept {
+    return (ends.mFirst + 8 * ends.mLast + (static_cast<std::uint64_t>(type) << 8)) * kHashFactor;
 }
 
 inline Key KeyOf(QLX_PropertyType type, std::string_view name) noexcept {
     const Ends ends = EndsOf(name.data(), name.size());
     const std::uint64_t middle = name.size() > 16 ? HashMiddle(name) : 0;
-    return {name, ends, TagOf(type, name.size(), ends, middle)};
+    return {name, ends, HashOf(type, ends) + middle, type};
+}
+
+/// The key of type none and that name, for another type: what KeyOf would make, without hashing.
+inline Key WithType(const Key& key, QLX_PropertyType type) noexcept {
+    return {key.mName, key.mEnds, key.mHash + HashOfType(type), type};
 }
 
 /// Whether bytes of the key's size are its name.
@@ -89,8 +111,13 @@ inline bool IsName(const Key& key, const char* bytes) noexcept {
 
 /// memcpy without a call for what is short.
 inline void Copy(char* to, const char* from, std::size_t size) noexcept {
-    if (size > 16) {
+    if (size > 32) {
         std::memcpy(to, from, size);
+    } else if (size > 16) {
+        const std::uint64_t pieces[4] = {Load8(from), Load8(from + 8), Load8(from + size - 16),
+                                         Load8(from + size - 8)};
+        std::memcpy(to, pieces, 16);
+        std::memcpy(to + size - 16, pieces + 2, 16);
     } else if (size >= 8) {
         const std::uint64_t first = Load8(from);
         const std::uint64_t last = Load8(from + size - 8);
@@ -117,103 +144,164 @@ inline std::size_t FixedPayload(QLX_PropertyType type) noexcept {
         return sizeof(VPoint);
     return type == qlx_PropType_Rect ? sizeof(VRect) : 0;
 }
-} // namespace QLX_PropertyBytes
 
-struct QLX_PropertySet::Entry {
-    std::uint64_t mValue; // a scalar; or where the payload lies, for a text with its size above
-    std::uint32_t mNameOffset;
-    std::uint32_t mNameSize;
+struct Entry {
+    std::uint64_t mValue; // a scalar; or where in the data the payload lies, a text's size above it
+    std::uint32_t mNameOffset;  // from the block's start
+    std::uint32_t mSizeAndType; // of the name
 
+    [[nodiscard]] QLX_PropertyType Type() const noexcept {
+        return static_cast<QLX_PropertyType>(mSizeAndType >> 28);
+    }
+    [[nodiscard]] std::size_t NameSize() const noexcept { return mSizeAndType & kLongestName; }
     [[nodiscard]] std::size_t PayloadOffset() const noexcept {
         return static_cast<std::uint32_t>(mValue);
     }
-    [[nodiscard]] std::size_t PayloadSize(QLX_PropertyType type) const noexcept {
-        return QLX_PropertyBytes::IsText(type) ? static_cast<std::size_t>(mValue >> 32)
-                                               : QLX_PropertyBytes::FixedPayload(type);
+    [[nodiscard]] std::size_t PayloadSize() const noexcept {
+        return IsText(Type()) ? static_cast<std::size_t>(mValue >> 32) : FixedPayload(Type());
     }
-    void SetPayload(QLX_PropertyType type, std::size_t offset, std::size_t size) noexcept {
-        const bool isText = QLX_PropertyBytes::IsText(type);
+    [[nodiscard]] bool HasPayload() const noexcept {
+        return IsText(Type()) || FixedPayload(Type()) != 0;
+    }
+    void SetPayload(std::size_t offset, std::size_t size) noexcept {
+        const bool isText = IsText(Type());
         mValue = offset | (isText ? static_cast<std::uint64_t>(size) << 32 : 0);
     }
 };
 
-struct alignas(8) QLX_PropertySet::Block {
+struct alignas(8) Block {
+    static constexpr std::size_t kSmallCapacity = 8;
+    static constexpr std::size_t kNarrowCapacity = 128;   // to which a place fits into one byte
+    static constexpr std::size_t kMiddleCapacity = 16384; // and into two
+
     std::uint32_t mReferences;
     std::uint32_t mCount;
     std::uint32_t mCapacity;
     std::uint32_t mDataSize;
     std::uint32_t mDataCapacity;
     std::uint32_t mGarbage;       // bytes of data that no value uses any more
-    std::uint32_t mIndexShift;    // a tag shifted right by it is its first cell; 0 without an index
-    std::uint32_t mCellSize;      // 1, 2 or 4
-    std::uint32_t mEntriesOffset; // from the block's start, as the next two
-    std::uint32_t mIndexOffset;
-    std::uint32_t mDataOffset;
-    std::uint32_t mIsPooled; // lies in a QLX_NodePool's memory
+    std::uint32_t mEntriesOffset; // from the block's start
+    std::uint8_t mIndexShift;     // a hash shifted right by it is its first cell
+    std::uint8_t mCellSize;       // 1, 2 or 4
+    bool mIsPooled;               // lies in a QLX_NodePool's memory
 
+    [[nodiscard]] std::uint32_t DataOffset() const noexcept {
+        return mEntriesOffset + mCapacity * static_cast<std::uint32_t>(sizeof(Entry));
+    }
     /// Of the whole block, in bytes.
     [[nodiscard]] std::size_t Size() const noexcept {
-        return std::size_t{mDataOffset} + mDataCapacity;
+        return std::size_t{DataOffset()} + mDataCapacity;
     }
     [[nodiscard]] char* Bytes() noexcept { return reinterpret_cast<char*>(this); }
-    [[nodiscard]] std::uint32_t* Tags() noexcept {
-        return reinterpret_cast<std::uint32_t*>(this + 1);
-    }
+    [[nodiscard]] const char* Bytes() const noexcept { return reinterpret_cast<const char*>(this); }
+    [[nodiscard]] char* Cells() noexcept { return Bytes() + sizeof(Block); }
     [[nodiscard]] Entry* Entries() noexcept {
         return reinterpret_cast<Entry*>(Bytes() + mEntriesOffset);
     }
-    [[nodiscard]] char* Index() noexcept { return Bytes() + mIndexOffset; }
-    [[nodiscard]] char* Data() noexcept { return Bytes() + mDataOffset; }
+    [[nodiscard]] char* Data() noexcept { return Bytes() + DataOffset(); }
     [[nodiscard]] std::size_t CellCount() const noexcept {
-        return mIndexShift ? std::size_t{1} << (32 - mIndexShift) : 0;
+        return std::size_t{1} << (64 - mIndexShift);
     }
-    [[nodiscard]] QLX_PropertyType TypeAt(std::size_t index) noexcept {
-        return static_cast<QLX_PropertyType>(Tags()[index] & QLX_PropertyBytes::kTypeMask);
+    [[nodiscard]] std::string_view NameOf(const Entry& entry) noexcept {
+        return {Bytes() + entry.mNameOffset, entry.NameSize()};
     }
-    [[nodiscard]] std::string_view NameAt(std::size_t index) noexcept {
-        const Entry& entry = Entries()[index];
-        return {Data() + entry.mNameOffset, entry.mNameSize};
-    }
-    [[nodiscard]] bool IsNamed(std::size_t index, const QLX_PropertyBytes::Key& key) noexcept {
-        const Entry& entry = Entries()[index];
-        return entry.mNameSize == key.mName.size() &&
-               QLX_PropertyBytes::IsName(key, Data() + entry.mNameOffset);
+    [[nodiscard]] bool IsNamed(const Entry& entry, const Key& key) noexcept {
+        return entry.mSizeAndType == SizeAndType(key.mName.size(), key.mType) &&
+               IsName(key, Bytes() + entry.mNameOffset);
     }
 
-    /// The number of the value in a cell, counting from 1; 0 for an empty cell.
+    [[nodiscard]] Entry& EntryAt(std::size_t place) noexcept {
+        return *reinterpret_cast<Entry*>(Bytes() + place * sizeof(Entry));
+    }
+    [[nodiscard]] const Entry& EntryAt(std::size_t place) const noexcept {
+        return *reinterpret_cast<const Entry*>(Bytes() + place * sizeof(Entry));
+    }
+    [[nodiscard]] std::size_t PlaceOf(std::size_t index) const noexcept {
+        return mEntriesOffset / sizeof(Entry) + index;
+    }
+    /// Where the entry of a cell is, in units of an entry's size; 0 for an empty cell.
     template <class Cell>
-    [[nodiscard]] std::size_t CellAt(std::size_t cell) noexcept {
-        Cell number;
-        std::memcpy(&number, Index() + cell * sizeof(Cell), sizeof number);
-        return number;
+    [[nodiscard]] std::size_t CellAt(std::size_t cell) const noexcept {
+        Cell place;
+        std::memcpy(&place, Bytes() + sizeof(Block) + cell * sizeof(Cell), sizeof place);
+        return place;
     }
     template <class Cell>
-    [[nodiscard]] std::size_t Probe(const QLX_PropertyBytes::Key& key) noexcept {
-        for (std::size_t cell = key.mTag >> mIndexShift;; cell = (cell + 1) & (CellCount() - 1)) {
-            const std::size_t number = CellAt<Cell>(cell);
-            if (number == 0)
-                return kNotFound;
-            if (Tags()[number - 1] == key.mTag && IsNamed(number - 1, key))
-                return number - 1;
+    [[nodiscard]] Entry* Probe(const Key& key) noexcept {
+        const std::size_t mask = CellCount() - 1;
+        for (std::size_t cell = key.mHash >> mIndexShift;; cell = (cell + 1) & mask) {
+            const std::size_t place = CellAt<Cell>(cell);
+            if (place == 0)
+                return nullptr;
+            if (Entry& entry = EntryAt(place); IsNamed(entry, key))
+                return &entry;
         }
     }
-    [[nodiscard]] std::size_t FindInLarge(const QLX_PropertyBytes::Key& key) noexcept;
-    [[nodiscard]] std::size_t Find(const QLX_PropertyBytes::Key& key) noexcept {
-        if (mIndexShift)
-            return mCellSize == 1 ? Probe<std::uint8_t>(key) : FindInLarge(key);
-        const std::uint32_t* const tags = Tags();
-        for (std::size_t i = 0, count = mCount; i < count; ++i)
-            if (tags[i] == key.mTag && IsNamed(i, key))
-                return i;
-        return kNotFound;
+    [[nodiscard]] Entry* FindInLarge(const Key& key) noexcept;
+    [[nodiscard]] Entry* Find(const Key& key) noexcept {
+        return mCellSize == 1 ? Probe<std::uint8_t>(key) : FindInLarge(key);
     }
 
-    [[nodiscard]] std::size_t CellAt(std::size_t cell) noexcept;
-    void SetCell(std::size_t cell, std::size_t number) noexcept;
-    void AddToIndex(std::size_t index) noexcept {
-        if (mIndexShift)
-            AddToCells(index);
+    template <class Cell>
+    void AddToCells(std::size_t place, std::uint64_t hash) noexcept {
+        const std::size_t mask = CellCount() - 1;
+        std::size_t cell = hash >> mIndexShift;
+        while (CellAt<Cell>(cell) != 0)
+            cell = (cell + 1) & mask;
+        const Cell narrow = static_cast<Cell>(place);
+        std::memcpy(Cells() + cell * sizeof(Cell), &narrow, sizeof narrow);
     }
-    void AddToCells(std::size_t index) noexcept;
+    void AddToLarge(std::size_t place, std::uint64_t hash) noexcept;
+    void AddToIndex(std::size_t index, std::uint64_t hash) noexcept {
+        mCellSize == 1 ? AddToCells<std::uint8_t>(PlaceOf(index), hash)
+                       : AddToLarge(PlaceOf(index), hash);
+    }
+    void ClearIndex() noexcept { std::memset(Cells(), 0, mEntriesOffset - sizeof(Block)); }
     void RebuildIndex() noexcept;
 };
+static_assert(sizeof(Block) % sizeof(Entry) == 0); // places are counted from a block's start
+
+enum class Answer { kAbsent, kFound, kAskLibrary };
+
+/// The two pieces in which EndsOf reads a name, for names of one width.
+template <std::size_t kWidth>
+inline Ends EndsOfWidth(const char* bytes, std::size_t size) noexcept {
+    if constexpr (kWidth == 8)
+        return {Load8(bytes), Load8(bytes + size - 8)};
+    else
+        return {Load4(bytes), Load4(bytes + size - 4)};
+}
+
+template <QLX_PropertyType kType, std::size_t kWidth, class Value>
+QLX_MERGED inline Answer LookUpOfWidth(const Block& block, std::string_view name,
+                                       Value& value) noexcept {
+    const Ends ends = EndsOfWidth<kWidth>(name.data(), name.size());
+    const std::size_t place = block.CellAt<std::uint8_t>(HashOf(kType, ends) >> block.mIndexShift);
+    if (place == 0)
+        return Answer::kAbsent;
+    const Entry& entry = block.EntryAt(place);
+    const std::uint32_t size = static_cast<std::uint32_t>(name.size());
+    if (entry.mSizeAndType != size + SizeAndType(0, kType)) [[unlikely]]
+        return Answer::kAskLibrary;
+    const Ends theirs = EndsOfWidth<kWidth>(block.Bytes() + entry.mNameOffset, name.size());
+    if (((theirs.mFirst ^ ends.mFirst) | (theirs.mLast ^ ends.mLast)) != 0) [[unlikely]]
+        return Answer::kAskLibrary;
+    value = static_cast<Value>(entry.mValue);
+    return Answer::kFound;
+}
+
+/// Looks a scalar up: what nearly all look-ups are, of a name of four to sixteen bytes in a set of
+/// up to 128 values, without a call and without a loop, once for each of the two widths in which
+/// such names are read. Everything else, and a name whose first cell holds another one, is the
+/// library's.
+template <QLX_PropertyType kType, class Value>
+QLX_MERGED inline Answer LookUp(const Block& block, std::string_view name, Value& value) noexcept {
+    if (block.mCellSize == 1) [[likely]] {
+        if (name.size() - 8 <= 8) // as unsigned numbers go: from 8 to 16
+            return LookUpOfWidth<kType, 8>(block, name, value);
+        if (name.size() - 4 <= 4)
+            return LookUpOfWidth<kType, 4>(block, name, value);
+    }
+    return Answer::kAskLibrary;
+}
+} // namespace QLX_PropertyBytes

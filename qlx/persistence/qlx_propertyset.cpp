@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -15,14 +14,13 @@
 #include "basekit/cmn/cmn_string.h"
 #include "basekit/sys/sys_typedstream.h"
 #include "qlx/persistence/qlx_nodepool.h"
-#include "qlx/persistence/qlx_propertyblock.h"
 
 using namespace QLX_PropertyBytes;
 
 namespace {
-constexpr std::size_t kLinearLimit = 8;
-constexpr std::size_t kMostValues = 1 << 26; // keeps every offset within 32 bits
-constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
+// Together they keep every offset within 32 bits.
+constexpr std::size_t kMostValues = 1 << 26;
+constexpr std::size_t kMostBytes = 1 << 30;
 
 // The order in which types are written.
 constexpr QLX_PropertyType kTypeOrder[] = {
@@ -68,43 +66,21 @@ std::uint64_t QLX_PropertyBytes::HashMiddle(std::string_view name) noexcept {
     return hash * kFactor;
 }
 
-std::size_t QLX_PropertySet::Block::CellAt(std::size_t cell) noexcept {
-    if (mCellSize == 1)
-        return CellAt<std::uint8_t>(cell);
-    return mCellSize == 2 ? CellAt<std::uint16_t>(cell) : CellAt<std::uint32_t>(cell);
-}
-
-std::size_t QLX_PropertySet::Block::FindInLarge(const Key& key) noexcept {
+QLX_PropertyBytes::Entry* QLX_PropertyBytes::Block::FindInLarge(const Key& key) noexcept {
     return mCellSize == 2 ? Probe<std::uint16_t>(key) : Probe<std::uint32_t>(key);
 }
 
-void QLX_PropertySet::Block::SetCell(std::size_t cell, std::size_t number) noexcept {
-    const std::uint8_t narrow = static_cast<std::uint8_t>(number);
-    const std::uint16_t middle = static_cast<std::uint16_t>(number);
-    const std::uint32_t wide = static_cast<std::uint32_t>(number);
-    char* const at = Index() + cell * mCellSize;
-    if (mCellSize == 1)
-        std::memcpy(at, &narrow, sizeof narrow);
-    else if (mCellSize == 2)
-        std::memcpy(at, &middle, sizeof middle);
-    else
-        std::memcpy(at, &wide, sizeof wide);
+void QLX_PropertyBytes::Block::AddToLarge(std::size_t place, std::uint64_t hash) noexcept {
+    mCellSize == 2 ? AddToCells<std::uint16_t>(place, hash)
+                   : AddToCells<std::uint32_t>(place, hash);
 }
 
-void QLX_PropertySet::Block::AddToCells(std::size_t index) noexcept {
-    const std::size_t mask = CellCount() - 1;
-    std::size_t cell = Tags()[index] >> mIndexShift;
-    while (CellAt(cell) != 0)
-        cell = (cell + 1) & mask;
-    SetCell(cell, index + 1);
-}
-
-void QLX_PropertySet::Block::RebuildIndex() noexcept {
-    if (!mIndexShift)
-        return;
-    std::memset(Index(), 0, CellCount() * mCellSize);
-    for (std::size_t i = 0; i < mCount; ++i)
-        AddToCells(i);
+void QLX_PropertyBytes::Block::RebuildIndex() noexcept {
+    ClearIndex();
+    for (std::size_t i = 0; i < mCount; ++i) {
+        const Entry& entry = Entries()[i];
+        AddToIndex(i, KeyOf(entry.Type(), NameOf(entry)).mHash);
+    }
 }
 
 /// Keeps a replaced block until the end of an operation, whose arguments may lie in it.
@@ -121,26 +97,23 @@ struct QLX_PropertySet::Hold {
 QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::size_t dataCapacity,
                                                   QLX_NodePool* pool) {
     if (capacity > kMostValues || dataCapacity > kMostBytes)
-        throw std::length_error("a property set holds less than 4 GB");
+        throw std::length_error("a property set holds no more than 1 GB");
     Block header{};
     header.mReferences = 1;
     header.mCapacity = static_cast<std::uint32_t>(capacity);
     header.mDataCapacity = static_cast<std::uint32_t>(dataCapacity);
-    header.mCellSize = capacity < 0xFF ? 1 : capacity < 0xFFFF ? 2 : 4;
-    if (capacity > kLinearLimit)
-        header.mIndexShift = 32 - static_cast<std::uint32_t>(std::bit_width(4 * capacity - 1));
-    const std::size_t tags = (capacity * sizeof(std::uint32_t) + 7) / 8 * 8;
-    const std::size_t entries = sizeof(Block) + tags;
-    const std::size_t index = entries + capacity * sizeof(Entry);
-    const std::size_t data = index + header.CellCount() * header.mCellSize;
-    header.mEntriesOffset = static_cast<std::uint32_t>(entries);
-    header.mIndexOffset = static_cast<std::uint32_t>(index);
-    header.mDataOffset = static_cast<std::uint32_t>(data);
+    header.mCellSize = capacity <= Block::kNarrowCapacity   ? 1
+                       : capacity <= Block::kMiddleCapacity ? 2
+                                                            : 4;
+    const std::size_t sparse = header.mCellSize == 1 ? 8 : 4;
+    const std::size_t cells =
+        capacity <= Block::kSmallCapacity ? 32 : std::bit_ceil(sparse * capacity);
+    header.mIndexShift = static_cast<std::uint8_t>(64 - std::countr_zero(cells));
+    header.mEntriesOffset = static_cast<std::uint32_t>(sizeof(Block) + cells * header.mCellSize);
     header.mIsPooled = pool != nullptr;
     const std::size_t size = header.Size();
     Block* const block = new (pool ? pool->Allocate(size) : ::operator new(size)) Block(header);
-    if (header.mIndexShift)
-        std::memset(block->Index(), 0, block->CellCount() * block->mCellSize);
+    block->ClearIndex();
     return block;
 }
 
@@ -160,29 +133,33 @@ QLX_PropertySet::Block* QLX_PropertySet::CopyBlock(std::size_t capacity, std::si
     if (!mBlock)
         return copy;
     copy->mCount = mBlock->mCount;
-    std::memcpy(copy->Tags(), mBlock->Tags(), mBlock->mCount * sizeof(std::uint32_t));
     std::memcpy(copy->Entries(), mBlock->Entries(), mBlock->mCount * sizeof(Entry));
     if (mBlock->mGarbage == 0) {
         std::memcpy(copy->Data(), mBlock->Data(), mBlock->mDataSize);
         copy->mDataSize = mBlock->mDataSize;
+        const std::uint32_t moved = copy->DataOffset() - mBlock->DataOffset(); // may wrap
+        for (std::size_t i = 0; i < copy->mCount; ++i)
+            copy->Entries()[i].mNameOffset += moved;
     } else {
         for (std::size_t i = 0; i < copy->mCount; ++i) {
             Entry& entry = copy->Entries()[i];
             const auto move = [&](std::size_t from, std::size_t size) {
                 const std::uint32_t to = copy->mDataSize;
-                std::memcpy(copy->Data() + to, mBlock->Data() + from, size);
+                std::memcpy(copy->Data() + to, mBlock->Bytes() + from, size);
                 copy->mDataSize += static_cast<std::uint32_t>(size);
                 return to;
             };
-            entry.mNameOffset = move(entry.mNameOffset, entry.mNameSize);
-            const QLX_PropertyType type = copy->TypeAt(i);
-            if (IsText(type) || FixedPayload(type)) {
-                const std::size_t size = entry.PayloadSize(type);
-                entry.SetPayload(type, move(entry.PayloadOffset(), size), size);
+            entry.mNameOffset = copy->DataOffset() + move(entry.mNameOffset, entry.NameSize());
+            if (entry.HasPayload()) {
+                const std::size_t size = entry.PayloadSize();
+                entry.SetPayload(move(mBlock->DataOffset() + entry.PayloadOffset(), size), size);
             }
         }
     }
-    copy->RebuildIndex();
+    if (copy->mEntriesOffset == mBlock->mEntriesOffset)
+        std::memcpy(copy->Cells(), mBlock->Cells(), copy->mEntriesOffset - sizeof(Block));
+    else
+        copy->RebuildIndex();
     return copy;
 }
 
@@ -201,8 +178,8 @@ void QLX_PropertySet::GrowFor(std::size_t entries, std::size_t bytes, Hold& old)
     if (mBlock && mBlock->mReferences == 1) {
         // Growing: half as much again, so that a run of stores costs a constant each.
         if (capacity > mBlock->mCapacity)
-            capacity = std::max(
-                {capacity, kLinearLimit, std::size_t{mBlock->mCapacity} + mBlock->mCapacity / 2});
+            capacity = std::max({capacity, Block::kSmallCapacity,
+                                 std::size_t{mBlock->mCapacity} + mBlock->mCapacity / 2});
         else
             capacity = mBlock->mCapacity;
         if (dataCapacity > mBlock->mDataCapacity) {
@@ -218,7 +195,7 @@ void QLX_PropertySet::GrowFor(std::size_t entries, std::size_t bytes, Hold& old)
     Block* const room = CopyBlock(capacity, std::min(dataCapacity, kMostBytes), nullptr);
     if (room->mDataSize + bytes > room->mDataCapacity) {
         Release(room);
-        throw std::length_error("a property set holds less than 4 GB");
+        throw std::length_error("a property set holds no more than 1 GB");
     }
     old.mBlock = mBlock;
     mBlock = room;
@@ -259,7 +236,7 @@ void QLX_PropertySet::ClearKeepMemory() {
     mBlock->mCount = 0;
     mBlock->mDataSize = 0;
     mBlock->mGarbage = 0;
-    mBlock->RebuildIndex();
+    mBlock->ClearIndex();
 }
 
 QLX_PropertySet QLX_PropertySet::CopyCompact() const {
@@ -278,119 +255,35 @@ QLX_PropertySet QLX_PropertySet::CopyCompact(QLX_NodePool& pool) const {
 
 // Look-ups
 
-std::size_t QLX_PropertySet::FindIndex(QLX_PropertyType type,
-                                       std::string_view name) const noexcept {
-    return mBlock ? mBlock->Find(KeyOf(type, name)) : kNotFound;
+QLX_PropertySet::Entry* QLX_PropertySet::FindEntry(QLX_PropertyType type,
+                                                   std::string_view name) const noexcept {
+    return mBlock ? mBlock->Find(KeyOf(type, name)) : nullptr;
 }
 
 bool QLX_PropertySet::FindText(QLX_PropertyType type, std::string_view name,
                                std::string& value) const {
-    const std::size_t index = FindIndex(type, name);
-    if (index == kNotFound)
+    const Entry* const entry = FindEntry(type, name);
+    if (!entry)
         return false;
-    const Entry& entry = mBlock->Entries()[index];
-    value.assign(mBlock->Data() + entry.PayloadOffset(), entry.PayloadSize(type));
+    value.assign(mBlock->Data() + entry->PayloadOffset(), entry->PayloadSize());
     return true;
 }
 
-// Look-ups are what building a window does most. The getters of scalars therefore spell out Find
-// for what nearly all look-ups are, names of one to sixteen bytes in sets of up to 254 values,
-// without a call and once for each width in which such names are read, and leave the others to
-// GetAnyScalar.
-namespace {
-template <class Block, class Value>
-QLX_STANDS_ALONE bool GetAnyScalar(Block* block, QLX_PropertyType type, std::string_view name,
-                                   Value& value) {
-    const std::size_t index = block->Find(KeyOf(type, name));
-    if (index == static_cast<std::size_t>(-1))
+template <QLX_PropertyType kType, class Value>
+inline bool QLX_PropertySet::GetScalar(std::string_view name, Value& value) const {
+    const Entry* const entry = FindEntry(kType, name);
+    if (!entry)
         return false;
-    value = static_cast<Value>(block->Entries()[index].mValue);
+    value = static_cast<Value>(entry->mValue);
     return true;
 }
-
-/// The two pieces in which EndsOf reads a name, for names of one width; 1 for up to three bytes.
-template <std::size_t kWidth>
-inline Ends EndsOfWidth(const char* bytes, std::size_t size) noexcept {
-    if constexpr (kWidth == 8)
-        return {Load8(bytes), Load8(bytes + size - 8)};
-    else if constexpr (kWidth == 4)
-        return {Load4(bytes), Load4(bytes + size - 4)};
-    else
-        return EndsOfShort(bytes, size);
-}
-
-/// From the cell that the name belongs into to the first empty one.
-template <QLX_PropertyType kType, std::size_t kWidth, class Block, class Value>
-QLX_STANDS_ALONE bool GetScalarByProbing(Block* block, std::string_view name, Value& value) {
-    const Ends ends = EndsOfWidth<kWidth>(name.data(), name.size());
-    const std::uint32_t tag = TagOf(kType, name.size(), ends, 0);
-    const auto* const cells = reinterpret_cast<const unsigned char*>(block->Index());
-    const std::size_t mask = block->CellCount() - 1;
-    std::size_t cell = tag >> block->mIndexShift;
-    while (const std::size_t number = cells[cell]) {
-        const auto& entry = block->Entries()[number - 1];
-        const char* const found = block->Data() + entry.mNameOffset;
-        if (block->Tags()[number - 1] == tag && entry.mNameSize == name.size() &&
-            EndsOfWidth<kWidth>(found, name.size()) == ends) {
-            value = static_cast<Value>(entry.mValue);
-            return true;
-        }
-        cell = (cell + 1) & mask;
-    }
-    return false;
-}
-
-/// Where one comparison decides: the first value with the name's tag is the one that is looked for,
-/// but for one case in millions, and in an index, seldom full, it stands where it belongs.
-template <QLX_PropertyType kType, std::size_t kWidth, class Block, class Value>
-QLX_STANDS_ALONE bool GetScalarOfWidth(Block* block, std::string_view name, Value& value) {
-    const Ends ends = EndsOfWidth<kWidth>(name.data(), name.size());
-    const std::uint32_t tag = TagOf(kType, name.size(), ends, 0);
-    const std::uint32_t* const tags = block->Tags();
-    std::size_t index = 0;
-    if (!block->mIndexShift) {
-        const std::size_t count = block->mCount;
-        while (index < count && tags[index] != tag)
-            ++index;
-        if (index == count)
-            return false;
-    } else {
-        const auto* const cells = reinterpret_cast<const unsigned char*>(block->Index());
-        index = cells[tag >> block->mIndexShift];
-        if (index == 0)
-            return false;
-        if (tags[--index] != tag) [[unlikely]]
-            return GetScalarByProbing<kType, kWidth>(block, name, value);
-    }
-    const auto& entry = block->Entries()[index];
-    const char* const found = block->Data() + entry.mNameOffset;
-    if (entry.mNameSize != name.size() || EndsOfWidth<kWidth>(found, name.size()) != ends)
-        [[unlikely]]
-        return GetAnyScalar(block, kType, name, value);
-    value = static_cast<Value>(entry.mValue);
-    return true;
-}
-
-template <QLX_PropertyType kType, class Block, class Value>
-bool GetScalar(Block* block, std::string_view name, Value& value) {
-    if (!block)
-        return false;
-    if (name.empty() || name.size() > 16 || block->mCellSize != 1) [[unlikely]]
-        return GetAnyScalar(block, kType, name, value);
-    if (name.size() >= 8)
-        return GetScalarOfWidth<kType, 8>(block, name, value);
-    if (name.size() >= 4)
-        return GetScalarOfWidth<kType, 4>(block, name, value);
-    return GetScalarOfWidth<kType, 1>(block, name, value);
-}
-} // namespace
 
 bool QLX_PropertySet::GetBoolProperty(std::string_view name, bool& value) const {
-    return GetScalar<qlx_PropType_Bool>(mBlock, name, value);
+    return GetScalar<qlx_PropType_Bool>(name, value);
 }
 
 bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int32_t& value) const {
-    return GetScalar<qlx_PropType_Int32>(mBlock, name, value);
+    return GetScalar<qlx_PropType_Int32>(name, value);
 }
 
 bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int64_t& value) const {
@@ -402,11 +295,11 @@ bool QLX_PropertySet::GetInt32Property(std::string_view name, std::int64_t& valu
 }
 
 bool QLX_PropertySet::GetInt64Property(std::string_view name, std::int64_t& value) const {
-    return GetScalar<qlx_PropType_Int64>(mBlock, name, value);
+    return GetScalar<qlx_PropType_Int64>(name, value);
 }
 
 bool QLX_PropertySet::GetIDTypeProperty(std::string_view name, std::uint32_t& value) const {
-    return GetScalar<qlx_PropType_IDType>(mBlock, name, value);
+    return GetScalar<qlx_PropType_IDType>(name, value);
 }
 
 bool QLX_PropertySet::GetStringProperty(std::string_view name, std::string& value) const {
@@ -418,10 +311,10 @@ bool QLX_PropertySet::GetStringKeyProperty(std::string_view name, std::string& v
 }
 
 bool QLX_PropertySet::GetColorProperty(std::string_view name, CRGBColor& value) const {
-    const std::size_t index = FindIndex(qlx_PropType_Color, name);
-    if (index == kNotFound)
+    const Entry* const entry = FindEntry(qlx_PropType_Color, name);
+    if (!entry)
         return false;
-    value = UnpackColor(mBlock->Entries()[index].mValue);
+    value = UnpackColor(entry->mValue);
     return true;
 }
 
@@ -442,21 +335,24 @@ bool QLX_PropertySet::GetRectProperty(std::string_view name, VRect& value) const
 }
 
 bool QLX_PropertySet::HasProperty(QLX_PropertyType type, std::string_view name) const {
-    return FindIndex(type, name) != kNotFound;
+    return FindEntry(type, name) != nullptr;
 }
 
 std::size_t QLX_PropertySet::GetCount() const noexcept { return mBlock ? mBlock->mCount : 0; }
 
 QLX_PropertyView QLX_PropertySet::GetAt(std::size_t index) const {
-    const Entry& entry = mBlock->Entries()[index];
+    return ViewOf(mBlock->Entries()[index]);
+}
+
+QLX_PropertyView QLX_PropertySet::ViewOf(const Entry& entry) const {
     QLX_PropertyView view;
-    view.mName = mBlock->NameAt(index);
-    view.mType = mBlock->TypeAt(index);
+    view.mName = mBlock->NameOf(entry);
+    view.mType = entry.Type();
     const char* const payload = mBlock->Data() + entry.PayloadOffset();
     switch (view.mType) {
     case qlx_PropType_String:
     case qlx_PropType_String_Key:
-        view.mText = std::string_view(payload, entry.PayloadSize(view.mType));
+        view.mText = std::string_view(payload, entry.PayloadSize());
         break;
     case qlx_PropType_Point:
         std::memcpy(static_cast<void*>(&view.mPoint), payload, sizeof view.mPoint);
@@ -475,10 +371,10 @@ QLX_PropertyView QLX_PropertySet::GetAt(std::size_t index) const {
 
 bool QLX_PropertySet::Find(QLX_PropertyType type, std::string_view name,
                            QLX_PropertyView& view) const {
-    const std::size_t index = FindIndex(type, name);
-    if (index == kNotFound)
+    const Entry* const entry = FindEntry(type, name);
+    if (!entry)
         return false;
-    view = GetAt(index);
+    view = ViewOf(*entry);
     return true;
 }
 
@@ -501,46 +397,52 @@ bool operator==(const QLX_PropertySet& a, const QLX_PropertySet& b) {
 // Stores
 
 /// Appends a name that is not there yet, for which there is room; its value is still 0.
-std::size_t QLX_PropertySet::Append(std::uint32_t tag, std::string_view name) {
-    const std::size_t index = mBlock->mCount;
-    Entry& entry = mBlock->Entries()[index];
+QLX_PropertySet::Entry& QLX_PropertySet::Append(const Key& key) {
+    if (key.mName.size() > kLongestName)
+        throw std::length_error("a property's name has less than 256 MB");
+    Block& block = *mBlock;
+    const std::size_t index = block.mCount++;
+    Entry& entry = block.Entries()[index];
     entry.mValue = 0;
-    entry.mNameOffset = mBlock->mDataSize;
-    entry.mNameSize = static_cast<std::uint32_t>(name.size());
-    Copy(mBlock->Data() + mBlock->mDataSize, name.data(), name.size());
-    mBlock->mDataSize += entry.mNameSize;
-    mBlock->Tags()[index] = tag;
-    ++mBlock->mCount;
-    mBlock->AddToIndex(index);
-    return index;
+    entry.mNameOffset = block.DataOffset() + block.mDataSize;
+    entry.mSizeAndType = SizeAndType(key.mName.size(), key.mType);
+    block.mDataSize += static_cast<std::uint32_t>(key.mName.size());
+    block.AddToIndex(index, key.mHash);
+    Copy(block.Bytes() + entry.mNameOffset, key.mName.data(), key.mName.size());
+    return entry;
 }
 
 void QLX_PropertySet::StoreScalar(const Key& key, std::uint64_t value) {
-    std::size_t index = mBlock ? mBlock->Find(key) : kNotFound;
+    Entry* entry = mBlock ? mBlock->Find(key) : nullptr;
+    const std::size_t index = entry ? static_cast<std::size_t>(entry - mBlock->Entries()) : 0;
     Hold old;
-    if (index == kNotFound) {
-        MakeRoom(1, key.mName.size(), old);
-        index = Append(key.mTag, key.mName);
-    } else {
+    if (entry) {
         MakeRoom(0, 0, old);
+        entry = mBlock->Entries() + index;
+    } else {
+        MakeRoom(1, key.mName.size(), old);
+        entry = &Append(key);
     }
-    mBlock->Entries()[index].mValue = value;
+    entry->mValue = value;
 }
 
 void QLX_PropertySet::StoreBytes(const Key& key, const void* bytes, std::size_t size) {
-    const QLX_PropertyType type = static_cast<QLX_PropertyType>(key.mTag & kTypeMask);
-    std::size_t index = mBlock ? mBlock->Find(key) : kNotFound;
+    Entry* entry = mBlock ? mBlock->Find(key) : nullptr;
+    const std::size_t index = entry ? static_cast<std::size_t>(entry - mBlock->Entries()) : 0;
     Hold old;
-    if (index == kNotFound) {
-        MakeRoom(1, key.mName.size() + size, old);
-        index = Append(key.mTag, key.mName);
-    } else {
+    if (entry) {
         MakeRoom(0, size, old);
-        mBlock->mGarbage += static_cast<std::uint32_t>(mBlock->Entries()[index].PayloadSize(type));
+        entry = mBlock->Entries() + index;
+        mBlock->mGarbage += static_cast<std::uint32_t>(entry->PayloadSize());
+    } else {
+        MakeRoom(1, key.mName.size() + size, old);
+        entry = &Append(key);
     }
-    Copy(mBlock->Data() + mBlock->mDataSize, static_cast<const char*>(bytes), size);
-    mBlock->Entries()[index].SetPayload(type, mBlock->mDataSize, size);
-    mBlock->mDataSize += static_cast<std::uint32_t>(size);
+    Block& block = *mBlock;
+    const std::size_t offset = block.mDataSize;
+    entry->SetPayload(offset, size);
+    block.mDataSize += static_cast<std::uint32_t>(size);
+    Copy(block.Data() + offset, static_cast<const char*>(bytes), size);
 }
 
 void QLX_PropertySet::SetBoolProperty(std::string_view name, bool value) {
@@ -609,6 +511,13 @@ bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type,
 
 bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type, const char* text) {
     switch (type) {
+    case qlx_PropType_Bool:
+        SetBoolProperty(name, std::strcmp(text, "true") == 0);
+        return true;
+    case qlx_PropType_String:
+    case qlx_PropType_String_Key:
+        StoreBytes(KeyOf(type, name), text, std::strlen(text));
+        return true;
     case qlx_PropType_Color:
         SetColorProperty(name, QLX_TextToColor(text));
         return true;
@@ -652,17 +561,16 @@ void QLX_PropertySet::SetProperty(const QLX_PropertyView& value) {
 }
 
 bool QLX_PropertySet::RemoveProperty(QLX_PropertyType type, std::string_view name) {
-    const std::size_t index = FindIndex(type, name);
-    if (index == kNotFound)
+    const Entry* const found = FindEntry(type, name);
+    if (!found)
         return false;
+    const std::size_t index = static_cast<std::size_t>(found - mBlock->Entries());
     Hold old;
     MakeRoom(0, 0, old);
     Entry* const entries = mBlock->Entries();
-    std::uint32_t* const tags = mBlock->Tags();
     mBlock->mGarbage +=
-        static_cast<std::uint32_t>(entries[index].mNameSize + entries[index].PayloadSize(type));
+        static_cast<std::uint32_t>(entries[index].NameSize() + entries[index].PayloadSize());
     std::copy(entries + index + 1, entries + mBlock->mCount, entries + index);
-    std::copy(tags + index + 1, tags + mBlock->mCount, tags + index);
     --mBlock->mCount;
     mBlock->RebuildIndex();
     return true;
@@ -680,22 +588,21 @@ void QLX_PropertySet::Merge(const QLX_PropertySet& over) {
     std::size_t bytes = 0;
     for (std::size_t i = 0; i < from->mCount; ++i) {
         const Entry& entry = from->Entries()[i];
-        bytes += entry.PayloadSize(from->TypeAt(i));
-        if (FindIndex(from->TypeAt(i), from->NameAt(i)) == kNotFound) {
+        bytes += entry.PayloadSize();
+        if (!FindEntry(entry.Type(), from->NameOf(entry))) {
             ++missing;
-            bytes += entry.mNameSize;
+            bytes += entry.NameSize();
         }
     }
     Hold old;
     MakeRoom(missing, bytes, old);
     for (std::size_t i = 0; i < from->mCount; ++i) {
         const Entry& entry = from->Entries()[i];
-        const QLX_PropertyType type = from->TypeAt(i);
-        if (IsText(type) || FixedPayload(type))
-            StoreBytes(KeyOf(type, from->NameAt(i)), from->Data() + entry.PayloadOffset(),
-                       entry.PayloadSize(type));
+        const Key key = KeyOf(entry.Type(), from->NameOf(entry));
+        if (entry.HasPayload())
+            StoreBytes(key, from->Data() + entry.PayloadOffset(), entry.PayloadSize());
         else
-            StoreScalar(KeyOf(type, from->NameAt(i)), entry.mValue);
+            StoreScalar(key, entry.mValue);
     }
 }
 
@@ -767,15 +674,16 @@ void QLX_PropertySet::AppendXML(std::string& out, std::string_view extraAttribut
     std::vector<std::size_t> order;
     order.reserve(GetCount());
     for (std::size_t i = 0; i < GetCount(); ++i)
-        if (excluded.empty() || !excluded.count(std::string(mBlock->NameAt(i))))
+        if (excluded.empty() || !excluded.count(std::string(mBlock->NameOf(mBlock->Entries()[i]))))
             order.push_back(i);
     const auto before = [&](std::size_t a, std::size_t b) {
         if (sorted) {
-            const int names = mBlock->NameAt(a).compare(mBlock->NameAt(b));
+            const int names =
+                mBlock->NameOf(mBlock->Entries()[a]).compare(mBlock->NameOf(mBlock->Entries()[b]));
             if (names != 0)
                 return names < 0;
         }
-        return RankOf(mBlock->TypeAt(a)) < RankOf(mBlock->TypeAt(b));
+        return RankOf(mBlock->Entries()[a].Type()) < RankOf(mBlock->Entries()[b].Type());
     };
     std::stable_sort(order.begin(), order.end(), before);
     for (const std::size_t index : order) {
@@ -802,8 +710,11 @@ std::string QLX_PropertySet::ToString() const {
     for (std::size_t i = 0; i < order.size(); ++i)
         order[i] = i;
     std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        const int names = mBlock->NameAt(a).compare(mBlock->NameAt(b));
-        return names != 0 ? names < 0 : RankOf(mBlock->TypeAt(a)) < RankOf(mBlock->TypeAt(b));
+        const int names =
+            mBlock->NameOf(mBlock->Entries()[a]).compare(mBlock->NameOf(mBlock->Entries()[b]));
+        return names != 0
+                   ? names < 0
+                   : RankOf(mBlock->Entries()[a].Type()) < RankOf(mBlock->Entries()[b].Type());
     });
     std::string out;
     for (const std::size_t index : order) {
@@ -824,11 +735,11 @@ void QLX_PropertySet::StreamOut(Sys_TypedOutStream& stream) const {
     for (const QLX_PropertyType type : kTypeOrder) {
         std::int32_t count = 0;
         for (std::size_t i = 0; i < GetCount(); ++i)
-            count += mBlock->TypeAt(i) == type;
+            count += mBlock->Entries()[i].Type() == type;
         stream.WriteInt32(type);
         stream.WriteInt32(count);
         for (std::size_t i = 0; count > 0 && i < GetCount(); ++i) {
-            if (mBlock->TypeAt(i) != type)
+            if (mBlock->Entries()[i].Type() != type)
                 continue;
             const QLX_PropertyView view = GetAt(i);
             stream.WriteString(view.mName);

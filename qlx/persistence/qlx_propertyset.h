@@ -6,14 +6,11 @@
 #include <string>
 #include <string_view>
 
-#include "qlx/persistence/qlx_property.h"
+#include "qlx/persistence/qlx_propertyblock.h"
 
 class QLX_NodePool;
 class Sys_TypedInStream;
 class Sys_TypedOutStream;
-namespace QLX_PropertyBytes {
-struct Key;
-}
 
 /// A look at one value of a set; valid until the set changes or goes. Only the member that the type
 /// names is set.
@@ -132,20 +129,22 @@ class QLX_API QLX_PropertySet {
     void StoreBytes(const QLX_PropertyBytes::Key& key, const void* bytes, std::size_t size);
 
   private:
-    struct Block;
-    struct Entry;
+    friend class QLX_RawPropertyContainer; // looks up without a call between
+    using Block = QLX_PropertyBytes::Block;
+    using Entry = QLX_PropertyBytes::Entry;
     struct Hold;
-    static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
+    template <QLX_PropertyType kType, class Value>
+    bool GetScalar(std::string_view name, Value& value) const;
     static Block* NewBlock(std::size_t capacity, std::size_t dataCapacity, QLX_NodePool* pool);
     static void Release(Block* block) noexcept;
-    [[nodiscard]] std::size_t FindIndex(QLX_PropertyType type,
-                                        std::string_view name) const noexcept;
+    [[nodiscard]] Entry* FindEntry(QLX_PropertyType type, std::string_view name) const noexcept;
     bool FindText(QLX_PropertyType type, std::string_view name, std::string& value) const;
     [[nodiscard]] Block* CopyBlock(std::size_t capacity, std::size_t dataCapacity,
                                    QLX_NodePool* pool) const;
     void MakeRoom(std::size_t entries, std::size_t bytes, Hold& old);
     void GrowFor(std::size_t entries, std::size_t bytes, Hold& old);
-    std::size_t Append(std::uint32_t tag, std::string_view name);
+    Entry& Append(const QLX_PropertyBytes::Key& key);
+    [[nodiscard]] QLX_PropertyView ViewOf(const Entry& entry) const;
 
     Block* mBlock = nullptr; // counted; shared between copies; null for an empty set
 };

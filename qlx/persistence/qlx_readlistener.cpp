@@ -1,10 +1,10 @@
-#include "qlx/persistence/qlx_readlistener.h"
-
+// The listener inside the getters of containers.
 #include <cstring>
 #include <utility>
 
 #include "basekit/cmn/cmn_assert.h"
 #include "qlx/persistence/qlx_genericproperty.h"
+#include "qlx/persistence/qlx_persistence.h"
 
 QLX_PropertyReadListener* gQLX_ReadListener = nullptr;
 
@@ -30,46 +30,40 @@ std::string TextOf(const bool& value, QLX_PropertyType) {
 std::string TextOf(const std::int64_t& value, QLX_PropertyType) { return std::to_string(value); }
 } // namespace
 
-template <class Value>
+template <class Value, QLX_RawPropertyContainer::SetGetter<Value> kGet>
 bool QLX_RawPropertyContainer::GetListenedTo(std::string_view name, QLX_PropertyType type,
-                                             Value& value,
-                                             bool (QLX_PropertySet::*get)(std::string_view, Value&)
-                                                 const) const {
+                                             Value& value) const {
     CMN_ASSERT(mHasCurrentSet);
-    const bool found = (mCurrentSet.*get)(name, value);
+    const bool found = (mCurrentSet.*kGet)(name, value);
     if (gQLX_ReadListener)
         gQLX_ReadListener->PropertyRead({this, name, type, found, TextOf(value, type)});
     return found;
 }
 
-template bool QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, bool&,
-                                                      bool (QLX_PropertySet::*)(std::string_view,
-                                                                                bool&) const) const;
+template bool QLX_RawPropertyContainer::GetListenedTo<bool, &QLX_PropertySet::GetBoolProperty>(
+    std::string_view, QLX_PropertyType, bool&) const;
 template bool
-QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, std::int32_t&,
-                                        bool (QLX_PropertySet::*)(std::string_view, std::int32_t&)
-                                            const) const;
+QLX_RawPropertyContainer::GetListenedTo<std::int32_t, &QLX_PropertySet::GetInt32Property>(
+    std::string_view, QLX_PropertyType, std::int32_t&) const;
 template bool
-QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, std::int64_t&,
-                                        bool (QLX_PropertySet::*)(std::string_view, std::int64_t&)
-                                            const) const;
+QLX_RawPropertyContainer::GetListenedTo<std::int64_t, &QLX_PropertySet::GetInt32Property>(
+    std::string_view, QLX_PropertyType, std::int64_t&) const;
 template bool
-QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, std::uint32_t&,
-                                        bool (QLX_PropertySet::*)(std::string_view, std::uint32_t&)
-                                            const) const;
+QLX_RawPropertyContainer::GetListenedTo<std::int64_t, &QLX_PropertySet::GetInt64Property>(
+    std::string_view, QLX_PropertyType, std::int64_t&) const;
 template bool
-QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, std::string&,
-                                        bool (QLX_PropertySet::*)(std::string_view, std::string&)
-                                            const) const;
+QLX_RawPropertyContainer::GetListenedTo<std::uint32_t, &QLX_PropertySet::GetIDTypeProperty>(
+    std::string_view, QLX_PropertyType, std::uint32_t&) const;
 template bool
-QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, CRGBColor&,
-                                        bool (QLX_PropertySet::*)(std::string_view, CRGBColor&)
-                                            const) const;
-template bool QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, VPoint&,
-                                                      bool (QLX_PropertySet::*)(std::string_view,
-                                                                                VPoint&)
-                                                          const) const;
-template bool QLX_RawPropertyContainer::GetListenedTo(std::string_view, QLX_PropertyType, VRect&,
-                                                      bool (QLX_PropertySet::*)(std::string_view,
-                                                                                VRect&)
-                                                          const) const;
+QLX_RawPropertyContainer::GetListenedTo<std::string, &QLX_PropertySet::GetStringProperty>(
+    std::string_view, QLX_PropertyType, std::string&) const;
+template bool
+QLX_RawPropertyContainer::GetListenedTo<std::string, &QLX_PropertySet::GetStringKeyProperty>(
+    std::string_view, QLX_PropertyType, std::string&) const;
+template bool
+QLX_RawPropertyContainer::GetListenedTo<CRGBColor, &QLX_PropertySet::GetColorProperty>(
+    std::string_view, QLX_PropertyType, CRGBColor&) const;
+template bool QLX_RawPropertyContainer::GetListenedTo<VPoint, &QLX_PropertySet::GetPointProperty>(
+    std::string_view, QLX_PropertyType, VPoint&) const;
+template bool QLX_RawPropertyContainer::GetListenedTo<VRect, &QLX_PropertySet::GetRectProperty>(
+    std::string_view, QLX_PropertyType, VRect&) const;

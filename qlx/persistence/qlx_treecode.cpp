@@ -4,7 +4,6 @@
 #include <unordered_map>
 
 #include "qlx/persistence/qlx_nodepool.h"
-#include "qlx/persistence/qlx_propertyblock.h"
 
 namespace {
 constexpr std::uint64_t kVersion = 1;
@@ -155,7 +154,7 @@ class QLX_TreeCode::Encoder {
 };
 
 class QLX_TreeCode::Decoder {
-    using Key = QLX_PropertyBytes::Key; // of type none; the type is put below its tag
+    using Key = QLX_PropertyBytes::Key; // of type none, until the type is known
 
   public:
     Decoder(std::string_view bytes, const std::string& name, int maximumDepth)
@@ -321,8 +320,9 @@ class QLX_TreeCode::Decoder {
 
     void GetProperty() {
         const std::uint64_t type = GetNumber();
-        Key key = GetKey();
-        key.mTag |= static_cast<std::uint32_t>(type & QLX_PropertyBytes::kTypeMask);
+        if (type >= kQLX_PropertyTypeCount)
+            Fail("there is no property type " + std::to_string(type));
+        const Key key = QLX_PropertyBytes::WithType(GetKey(), static_cast<QLX_PropertyType>(type));
         switch (type) {
         case qlx_PropType_Bool:
             mScratch.StoreScalar(key, GetSigned() != 0);

@@ -101,18 +101,18 @@ TEST(PropertySet, LooksUpByTypeAndNameOnly) {
     EXPECT_EQ(wide, 5);
 }
 
-// Two names whose short hashes are the same, of a size that is read in pieces of so many bytes.
-std::pair<std::string, std::string> NamesWithOneTag(std::size_t width) {
+// Two names that belong into the same cell of any index, of a size that is read in pieces of so
+// many bytes.
+std::pair<std::string, std::string> NamesOfOneCell(std::size_t width) {
     std::mt19937 random(20250309);
     std::unordered_map<std::uint32_t, std::string> seen;
     while (true) {
         std::string name(width == 4 ? 7 : 12, ' ');
         for (char& c : name)
             c = static_cast<char>('a' + random() % 26);
-        const std::uint32_t tag =
-            QLX_PropertyBytes::TagOf(qlx_PropType_Int32, name.size(),
-                                     QLX_PropertyBytes::EndsOf(name.data(), name.size()), 0);
-        const auto [place, isNew] = seen.try_emplace(tag, name);
+        const std::uint64_t hash = QLX_PropertyBytes::HashOf(
+            qlx_PropType_Int32, QLX_PropertyBytes::EndsOf(name.data(), name.size()));
+        const auto [place, isNew] = seen.try_emplace(static_cast<std::uint32_t>(hash >> 36), name);
         if (!isNew && place->second != name)
             return {place->second, name};
     }
@@ -120,9 +120,9 @@ std::pair<std::string, std::string> NamesWithOneTag(std::size_t width) {
 
 TEST(PropertySet, NamesWithOneHashAreToldApart) {
     for (const std::size_t width : {4u, 8u}) {
-        const auto [first, second] = NamesWithOneTag(width);
+        const auto [first, second] = NamesOfOneCell(width);
         SCOPED_TRACE(first + " and " + second);
-        for (const int others : {0, 20, 300}) { // compared in a row, indexed, indexed widely
+        for (const int others : {0, 20, 300, 20000}) { // every width of an index's cells
             for (const bool hasSecond : {false, true}) {
                 SCOPED_TRACE(testing::Message() << others << hasSecond);
                 QLX_PropertySet set;
