@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "basekit/sys/sys_pages.h"
+
 // The sanitizer hears which pieces are in use, as it would of a malloc's.
 #if defined(__has_feature)
 #define QLX_CLANG_ASAN __has_feature(address_sanitizer)
@@ -63,6 +65,8 @@ void* QLX_NodePool::AllocateFromNew(std::size_t size) {
     Slab* const slab = new (::operator new(slabSize)) Slab{1, slabSize};
     if (mSlab && --mSlab->mUsers == 0)
         ::operator delete(mSlab);
+    if (slabSize == kLargestSlab) // one of many, likely
+        Sys_PreparePages(slab, slabSize);
     mSlab = slab;
     mSlabSize = slabSize;
     mNext = reinterpret_cast<char*>(slab + 1);

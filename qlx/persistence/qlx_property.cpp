@@ -25,29 +25,32 @@ constexpr auto kHexDigits = [] {
     return digits;
 }();
 
-/// What is left of a text while numbers are read from its front.
+/// What is left of a text while numbers are read from its front. Of a text that ends with a NUL,
+/// which is no part of a number, no other end is looked for.
+template <bool kEndsWithNUL>
 class Scanner {
   public:
     explicit Scanner(std::string_view text) : mAt(text.data()), mEnd(mAt + text.size()) {}
-    /// A text that ends with a NUL, which is no part of a number: there is no other end to look
-    /// for.
     explicit Scanner(const char* text) : mAt(text), mEnd(nullptr) {}
 
     /// A signed decimal after blanks, held at the limits of 32 bits. False when there is none.
     bool ScanInt32(std::int32_t& value) {
         const char* at = SkipBlanks();
-        const bool negative = at != mEnd && *at == '-';
-        if (negative || (at != mEnd && *at == '+'))
-            ++at;
+        bool negative = false;
+        if (!IsEnd(at) && !IsDigit(*at)) {
+            negative = *at == '-';
+            if (negative || *at == '+')
+                ++at;
+        }
         const char* const digits = at;
         std::int32_t number = 0;
         // So many digits cannot overflow, and hardly a number has more.
-        for (int left = 9; left > 0 && at != mEnd && IsDigit(*at); --left, ++at)
+        for (int left = 9; left > 0 && !IsEnd(at) && IsDigit(*at); --left, ++at)
             number = number * 10 + (*at - '0');
         if (at == digits)
             return false;
         mAt = at;
-        if (at != mEnd && IsDigit(*at)) [[unlikely]]
+        if (!IsEnd(at) && IsDigit(*at)) [[unlikely]]
             return ScanFurtherDigits(number, negative, value);
         value = negative ? -number : number;
         return true;
@@ -56,13 +59,13 @@ class Scanner {
     /// "0x" and hexadecimal digits after blanks; the low 16 bits count.
     bool ScanHex(std::uint16_t& value) {
         const char* at = SkipBlanks();
-        if (at == mEnd || at[0] != '0' || at + 1 == mEnd || at[1] != 'x')
+        if (IsEnd(at) || at[0] != '0' || IsEnd(at + 1) || at[1] != 'x')
             return false;
         at += 2;
         const char* const digits = at;
         std::uint32_t number = 0;
         std::uint32_t lost = 0; // what was shifted out of the low 16 bits
-        for (int digit; at != mEnd && (digit = HexDigit(*at)) >= 0; ++at) {
+        for (int digit; !IsEnd(at) && (digit = HexDigit(*at)) >= 0; ++at) {
             lost |= number >> 12;
             number = (number << 4 & 0xFFFF) | static_cast<std::uint32_t>(digit);
         }
@@ -81,17 +84,23 @@ class Scanner {
     static constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
 
     bool ScanFurtherDigits(std::int64_t number, bool negative, std::int32_t& value) {
-        for (; mAt != mEnd && IsDigit(*mAt); ++mAt)
+        for (; !IsEnd(mAt) && IsDigit(*mAt); ++mAt)
             number = std::min(number * 10 + (*mAt - '0'), kBeyond);
         number = negative ? -number : number;
         value = Cmn_ClampTo<std::int32_t>(number);
         mInRange = mInRange && value == number;
         return true;
     }
+    [[nodiscard]] bool IsEnd(const char* at) const {
+        if constexpr (kEndsWithNUL)
+            return false;
+        else
+            return at == mEnd;
+    }
     static bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
     static int HexDigit(char c) { return kHexDigits[static_cast<unsigned char>(c)]; }
     const char* SkipBlanks() {
-        while (mAt != mEnd && IsBlank(*mAt))
+        while (!IsEnd(mAt) && *mAt <= ' ' && IsBlank(*mAt))
             ++mAt;
         return mAt;
     }
@@ -101,7 +110,11 @@ class Scanner {
     bool mInRange = true;
 };
 
+using TextScanner = Scanner</*ends with NUL*/ false>;
+using CStringScanner = Scanner</*ends with NUL*/ true>;
+
 /// How many numbers a text of the type holds.
+template <class Scanner>
 int ScanNumbers(Scanner& scanner, std::int32_t* numbers, int count) {
     for (int i = 0; i < count; ++i)
         if (!scanner.ScanInt32(numbers[i]))
@@ -109,6 +122,7 @@ int ScanNumbers(Scanner& scanner, std::int32_t* numbers, int count) {
     return count;
 }
 
+template <class Scanner>
 int ScanColor(Scanner& scanner, std::uint16_t* components) {
     for (int i = 0; i < 3; ++i)
         if (!scanner.ScanHex(components[i]))
@@ -117,7 +131,7 @@ int ScanColor(Scanner& scanner, std::uint16_t* components) {
 }
 
 /// The reason for a text of several numbers; empty when all are there and nothing else is.
-std::string CheckNumbers(const Scanner& scanner, int found, int wanted) {
+std::string CheckNumbers(const TextScanner& scanner, int found, int wanted) {
     if (found < wanted)
         return std::to_string(found) + " of " + std::to_string(wanted) +
                " numbers could be read, the others are taken as 0";
@@ -192,7 +206,7 @@ std::string QLX_CheckPropertyText(QLX_PropertyType type, std::string_view text) 
     }
     case qlx_PropType_Color: {
         std::uint16_t components[3] = {};
-        Scanner scanner(text);
+        TextScanner scanner(text);
         const int found = ScanColor(scanner, components);
         return CheckNumbers(scanner, found, 3);
     }
@@ -200,7 +214,7 @@ std::string QLX_CheckPropertyText(QLX_PropertyType type, std::string_view text) 
     case qlx_PropType_Rect: {
         const int wanted = type == qlx_PropType_Point ? 2 : 4;
         std::int32_t numbers[4] = {};
-        Scanner scanner(text);
+        TextScanner scanner(text);
         const int found = ScanNumbers(scanner, numbers, wanted);
         return CheckNumbers(scanner, found, wanted);
     }
@@ -219,18 +233,21 @@ std::int64_t QLX_TextToInt64(std::string_view text) { return Cmn_StringToInt64(t
 std::uint32_t QLX_TextToIDType(std::string_view text) { return Cmn_StringToID(text); }
 
 namespace {
+template <class Scanner>
 CRGBColor ColorOf(Scanner scanner) {
     std::uint16_t components[3] = {};
     ScanColor(scanner, components);
     return CRGBColor(components[0], components[1], components[2]);
 }
 
+template <class Scanner>
 VPoint PointOf(Scanner scanner) {
     std::int32_t numbers[2] = {};
     ScanNumbers(scanner, numbers, 2);
     return VPoint(/*horizontal*/ numbers[1], /*vertical*/ numbers[0]);
 }
 
+template <class Scanner>
 VRect RectOf(Scanner scanner) {
     std::int32_t numbers[4] = {};
     ScanNumbers(scanner, numbers, 4);
@@ -239,9 +256,9 @@ VRect RectOf(Scanner scanner) {
 }
 } // namespace
 
-CRGBColor QLX_TextToColor(std::string_view text) { return ColorOf(Scanner(text)); }
-CRGBColor QLX_TextToColor(const char* text) { return ColorOf(Scanner(text)); }
-VPoint QLX_TextToPoint(std::string_view text) { return PointOf(Scanner(text)); }
-VPoint QLX_TextToPoint(const char* text) { return PointOf(Scanner(text)); }
-VRect QLX_TextToRect(std::string_view text) { return RectOf(Scanner(text)); }
-VRect QLX_TextToRect(const char* text) { return RectOf(Scanner(text)); }
+CRGBColor QLX_TextToColor(std::string_view text) { return ColorOf(TextScanner(text)); }
+CRGBColor QLX_TextToColor(const char* text) { return ColorOf(CStringScanner(text)); }
+VPoint QLX_TextToPoint(std::string_view text) { return PointOf(TextScanner(text)); }
+VPoint QLX_TextToPoint(const char* text) { return PointOf(CStringScanner(text)); }
+VRect QLX_TextToRect(std::string_view text) { return RectOf(TextScanner(text)); }
+VRect QLX_TextToRect(const char* text) { return RectOf(CStringScanner(text)); }

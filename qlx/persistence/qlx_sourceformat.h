@@ -122,6 +122,7 @@ class QLX_API QLX_XMLParser {
     const QLX_PropertyFilter& FilterOf(const char** attributes);
     void AddKnownFilter(const char** attributes);
     void UseScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
+    void TakeScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
     void FlushScratch();
     void AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason,
                     bool lost = false);

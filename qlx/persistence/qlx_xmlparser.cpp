@@ -9,6 +9,8 @@
 
 #include <expat.h>
 
+#include "basekit/cmn/cmn_internal.h"
+#include "basekit/sys/sys_pages.h"
 #include "qlx/persistence/qlx_nodepool.h"
 
 namespace {
@@ -22,13 +24,16 @@ constexpr char kIdentifier[] = "Identifier";
 
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// strcmp with a literal, without a call: nearly every element and attribute goes through here.
+template <std::size_t kSize, std::size_t... kAt>
+QLX_MERGED inline bool IsAt(const char* text, const char (&literal)[kSize],
+                            std::index_sequence<kAt...>) {
+    return ((text[kAt] == literal[kAt]) && ...);
+}
+/// strcmp with a literal, without a call and without a loop: nearly every element and attribute
+/// goes through here.
 template <std::size_t kSize>
-bool Is(const char* text, const char (&literal)[kSize]) {
-    for (std::size_t i = 0; i < kSize; ++i)
-        if (text[i] != literal[i])
-            return false;
-    return true;
+QLX_MERGED inline bool Is(const char* text, const char (&literal)[kSize]) {
+    return IsAt(text, literal, std::make_index_sequence<kSize>());
 }
 
 QLX_PropertyType TypeOf(const char* name) {
@@ -170,6 +175,8 @@ QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
 /// or nothing more can come of it.
 bool QLX_XMLParser::FeedBlock(std::size_t size) {
     void* const room = XML_GetBuffer(mParser, static_cast<int>(size));
+    if (room && size >= kLargestBlock)
+        Sys_PreparePages(room, size);
     const std::size_t count = room ? mFile->Read(room, size) : 0;
     const bool last = count < size;
     if (room && XML_ParseBuffer(mParser, static_cast<int>(count), last) != XML_STATUS_ERROR)
@@ -254,6 +261,12 @@ void QLX_XMLParser::endElement(const char*) {
         mOpen.back().mContainer->AddChild(std::move(closed));
 }
 
+inline void QLX_XMLParser::UseScratchFor(QLX_RawPropertyContainer* container,
+                                         const QLX_PropertyFilter& filter) {
+    if (mScratchContainer != container || !mScratchFilter.SharesMapWith(filter))
+        TakeScratchFor(container, filter);
+}
+
 void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     FlushScratch();
     mName = name;
@@ -289,7 +302,8 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
     }
 }
 
-/// Expat keeps one copy of each attribute's name, so that after the first time the address tells.
+/// Which of ours an attribute is. Expat keeps one copy of each attribute's name, so that after the
+/// first time the address tells.
 QLX_XMLParser::OwnAttribute QLX_XMLParser::OwnAttributeOf(const char* name) {
     for (int i = 0; i < kOwnCount; ++i)
         if (mOwnNames[i] == name)
@@ -312,7 +326,16 @@ void QLX_XMLParser::StartProperty(const char** attributes) {
     const char* own[kOwnCount] = {};
     const char** filterAttribute = nullptr;
     int filterAttributes = 0;
-    for (const char** at = attributes; *at; at += 2) {
+    const char** at = attributes;
+    // As the writer has them: our three first and in this order.
+    if (at[0] && at[0] == mOwnNames[kOwnName] && at[2] && at[2] == mOwnNames[kOwnType] && at[4] &&
+        at[4] == mOwnNames[kOwnValue]) {
+        own[kOwnName] = at[1];
+        own[kOwnType] = at[3];
+        own[kOwnValue] = at[5];
+        at += 6;
+    }
+    for (; *at; at += 2) {
         const OwnAttribute which = OwnAttributeOf(at[0]);
         if (which != kOwnCount) {
             own[which] = at[1];
@@ -454,10 +477,8 @@ void QLX_XMLParser::AddKnownFilter(const char** attributes) {
 
 /// Properties of one container and filter are gathered in a set that keeps its memory, and copied
 /// into the container in a piece of the right size.
-void QLX_XMLParser::UseScratchFor(QLX_RawPropertyContainer* container,
-                                  const QLX_PropertyFilter& filter) {
-    if (mScratchContainer == container && mScratchFilter.SharesMapWith(filter))
-        return;
+void QLX_XMLParser::TakeScratchFor(QLX_RawPropertyContainer* container,
+                                   const QLX_PropertyFilter& filter) {
     FlushScratch();
     mScratchContainer = container;
     mScratchFilter = filter;
