@@ -1,6 +1,7 @@
 // PNG through Cairo, installed as the image codec when the library is loaded.
 
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 
@@ -40,18 +41,31 @@ cairo_status_t WriteSome(void* closure, const unsigned char* data, unsigned int 
     return value;
 }
 
-// The size is looked at before anything is decoded, so that a small file cannot ask for gigabytes.
+// Bits of a pixel in the file, by its header.
+[[nodiscard]] std::size_t PixelBits(std::string_view header) noexcept {
+    constexpr std::size_t kSamples[] = {1, 1, 3, 1, 2, 1, 4}; // by colour type
+    const std::size_t colorType = static_cast<unsigned char>(header[25]);
+    const std::size_t depth = static_cast<unsigned char>(header[24]);
+    return depth * (colorType < std::size(kSamples) ? kSamples[colorType] : 1);
+}
+
+// The size is looked at before anything is decoded, so that a small file cannot ask for gigabytes:
+// no more than deflate can have packed into it, which makes 1032 bytes of one at most.
 void CheckHeader(std::string_view bytes) {
     constexpr std::string_view kSignature("\x89PNG\r\n\x1A\n", 8);
     if (!bytes.starts_with(kSignature))
         throw std::runtime_error("not a PNG file");
-    if (bytes.size() < 24 || bytes.substr(12, 4) != "IHDR")
+    constexpr std::size_t kMostUnpacked = 1032;
+    if (bytes.size() < 26 || bytes.substr(12, 4) != "IHDR")
         throw std::runtime_error("the PNG has no header");
     const unsigned width = BigEndian32(bytes, 16), height = BigEndian32(bytes, 20);
     if (width == 0 || height == 0 || width > unsigned(QLX_Image::kMaximumSide) ||
         height > unsigned(QLX_Image::kMaximumSide) || std::size_t(width) * height > (1U << 26))
         throw std::runtime_error("a PNG of " + std::to_string(width) + " by " +
                                  std::to_string(height) + " pixels is not read");
+    if (std::size_t(width) * height * PixelBits(bytes) / 8 / kMostUnpacked > bytes.size())
+        throw std::runtime_error("a PNG of " + std::to_string(width) + " by " +
+                                 std::to_string(height) + " pixels is more than its file holds");
 }
 
 [[noreturn]] void Fail(const char* what, cairo_status_t status) {

@@ -438,6 +438,7 @@ TEST(PainterLimits, DamagedPNGsAreToldWithTheReason) {
         {"only the signature", good.substr(0, 8), "the PNG has no header"},
         {"no width", changed(19, 0), "a PNG of 0 by 4 pixels is not read"},
         {"gigabytes asked for", changed(16, 0x7F), "a PNG of 2130706436 by 4 pixels is not read"},
+        {"more than can be packed", changed(18, 0x3F), "a PNG of 16132 by 4 pixels is more than"},
         {"cut in the data", good.substr(0, good.size() - 20), "the PNG is damaged"},
         {"a changed header byte", changed(24, 3), "the PNG is damaged"},
     };
