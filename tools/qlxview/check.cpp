@@ -11,6 +11,7 @@
 namespace {
 struct Options {
     std::vector<std::string> mFiles;
+    std::vector<std::string> mKeyFiles;
     bool mJSON = false;
     bool mSARIF = false;
     bool mStrict = false;
@@ -22,8 +23,39 @@ bool HasClass(const std::string& element) {
            element == "drawingenvironment" || element == "state";
 }
 
+/// Without blanks at both ends, the carriage return of a Windows line among them.
+std::string WithoutBlanks(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" \t\r");
+    return first == std::string::npos
+               ? std::string()
+               : text.substr(first, text.find_last_not_of(" \t\r") + 1 - first);
+}
+
 class Checker {
   public:
+    /// Takes the keys that code asks for from a file, a line each; blank lines and lines that begin
+    /// with "//" are none. Throws Sys_FileError.
+    void TakeKeysOfCode(const std::string& path) {
+        const std::string text = Sys_File::ReadAll(Sys_FileLoc(path));
+        int line = 0;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = std::min(text.find('\n', at), text.size());
+            const std::string key = WithoutBlanks(text.substr(at, end - at));
+            at = end + 1;
+            ++line;
+            if (!key.empty() && key.compare(0, 2, "//") != 0)
+                mKeysOfCode.emplace(key, KeyOfCode{path, line, false});
+        }
+    }
+
+    /// After the last file: keys of code that no table of any of them has.
+    void CheckKeysOfCode() {
+        for (const auto& [key, where] : mKeysOfCode)
+            if (!where.mInTable)
+                mFindings.push_back({where.mFile, where.mLine, 1, false, "string-missing",
+                                     "the key \"" + key + "\" stands in no string table"});
+    }
+
     void CheckFile(const std::string& path) {
         std::unique_ptr<Description> description;
         try {
@@ -62,6 +94,11 @@ class Checker {
 
   private:
     using Place = QLX_SourceObserver::Place;
+    struct KeyOfCode {
+        std::string mFile; // where it is named
+        int mLine;
+        bool mInTable = false;
+    };
 
     void Add(Place place, bool error, const std::string& rule, const std::string& text) {
         mFindings.push_back(
@@ -207,7 +244,10 @@ class Checker {
                         std::string("the key \"").append(key) + "\" has no text in the table " +
                             code);
             for (const auto& [key, entry] : table) {
-                if (!mUsedKeys.count(key))
+                const auto ofCode = mKeysOfCode.find(key);
+                if (ofCode != mKeysOfCode.end())
+                    ofCode->second.mInTable = true;
+                if (!mUsedKeys.count(key) && ofCode == mKeysOfCode.end())
                     AddInTable(language, key, "string-unused",
                                "the key \"" + key + "\" is not used");
                 else if (entry.mLocalized.empty())
@@ -236,7 +276,8 @@ class Checker {
 
     const Description* mDescription = nullptr;
     ClassSchema mSchema;
-    std::map<std::string, Place> mUsedKeys;
+    std::map<std::string, Place> mUsedKeys;       // by properties of the description
+    std::map<std::string, KeyOfCode> mKeysOfCode; // by what TakeKeysOfCode read
     std::vector<Finding> mFindings;
 };
 
@@ -247,13 +288,18 @@ void AddCheckCommand(CLI::App& app, const char* name) {
     command->add_option("FILE", options->mFiles, "XML sources")->required();
     CLI::Option* const json = command->add_flag("--json", options->mJSON, "The findings as JSON");
     command->add_flag("--sarif", options->mSARIF, "The findings as SARIF 2.1.0")->excludes(json);
+    command->add_option("--used-keys", options->mKeyFiles,
+                        "A text file of string keys that code uses, a line each");
     command->add_flag("--strict", options->mStrict, "Warnings, too, make the exit status 1");
     command->footer("Exit status 1 when there are errors.\n"
                     "Example: qlxview --load ./libhost.so check --sarif views/*.xml > views.sarif");
     command->callback([options] {
         Checker checker;
+        for (const std::string& path : options->mKeyFiles)
+            checker.TakeKeysOfCode(path);
         for (const std::string& path : options->mFiles)
             checker.CheckFile(path);
+        checker.CheckKeysOfCode();
         const std::vector<Finding> findings = checker.TakeFindings();
         const std::string text = options->mSARIF  ? FindingsAsSARIF(findings)
                                  : options->mJSON ? FindingsAsJSON(findings)

@@ -190,14 +190,6 @@ std::unique_ptr<Description> LoadDescription(const std::string& path) {
     }
 }
 
-QLX_PropertyFilter MakeToolFilter(const std::string& layout, const std::string& language) {
-    QLX_Language::ELanguage known = QLX_Language::English;
-    if (!QLX_Language::FindLanguage(language, known))
-        throw std::runtime_error("there is no language \"" + language +
-                                 "\"; there are: ENU JPN KOR CHS CHT FRA ITA DEU ESP");
-    return QLX_PropertyFilter::MakeFilter(layout == "Default" ? std::string() : layout, known);
-}
-
 std::string ValueText(const QLX_PropertyView& view) {
     switch (view.mType) {
     case qlx_PropType_Bool:

@@ -98,11 +98,6 @@ class Description : private QLX_SourceObserver {
 /// Reads a file; a problem becomes a message on standard error and null.
 [[nodiscard]] std::unique_ptr<Description> LoadDescription(const std::string& path);
 
-/// A filter from the command line: "" or "Default" is the common layout; the language is a code
-/// such as "DEU". Throws std::runtime_error for an unknown code.
-[[nodiscard]] QLX_PropertyFilter MakeToolFilter(const std::string& layout,
-                                                const std::string& language);
-
 /// The value as the source format writes it.
 [[nodiscard]] std::string ValueText(const QLX_PropertyView& view);
 

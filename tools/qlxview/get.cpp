@@ -4,6 +4,7 @@
 #include "basekit/cmn/cmn_string.h"
 #include "command.h"
 #include "description.h"
+#include "looks.h"
 
 namespace {
 struct Options {
@@ -37,7 +38,8 @@ void Get(const Options& options) {
         gExitStatus = kExitFailed;
         return;
     }
-    const QLX_PropertyFilter filter = MakeToolFilter(options.mLayout, options.mLanguage);
+    const QLX_PropertyFilter filter =
+        ChooseFilter(*description, options.mLayout, options.mLanguage);
     description->GetRoot()->SetCurrentFilter(filter);
     const auto* const element = FindElement(*description->GetRoot(), options.mElement);
     if (!element) {

@@ -43,6 +43,19 @@ bool IsAll(const std::vector<std::string>& values) {
     throw std::runtime_error(text);
 }
 
+[[noreturn]] void RefuseLayout(const Description& description, const std::string& value,
+                               std::vector<std::string> known) {
+    known[0] = "Default";
+    Refuse(description, "layout", value, known);
+}
+
+std::vector<std::string> GetLanguageCodes() {
+    std::vector<std::string> codes;
+    for (int i = 0; i < QLX_Language::kLanguageCount; ++i)
+        codes.push_back(QLX_Language::GetFileCode(static_cast<QLX_Language::ELanguage>(i)));
+    return codes;
+}
+
 std::vector<std::string> ChooseLayouts(const Description& description,
                                        const std::vector<std::string>& wanted) {
     const std::vector<std::string> known = FindLayouts(description);
@@ -53,11 +66,8 @@ std::vector<std::string> ChooseLayouts(const Description& description,
     std::vector<std::string> chosen;
     for (const std::string& name : wanted) {
         const std::string layout = name == "Default" ? std::string() : name;
-        if (std::find(known.begin(), known.end(), layout) == known.end()) {
-            std::vector<std::string> names = known;
-            names[0] = "Default";
-            Refuse(description, "layout", name, names);
-        }
+        if (std::find(known.begin(), known.end(), layout) == known.end())
+            RefuseLayout(description, name, known);
         chosen.push_back(layout);
     }
     return chosen;
@@ -81,9 +91,11 @@ std::vector<Look> ChooseLanguages(const Description& description,
         QLX_Language::ELanguage language = QLX_Language::English;
         if (name == kAll)
             continue;
-        if (name != kWidest && (!QLX_Language::FindLanguage(name, language) || name.empty()))
-            Refuse(description, "language", name,
-                   {"ENU", "JPN", "KOR", "CHS", "CHT", "FRA", "ITA", "DEU", "ESP", kWidest});
+        if (name != kWidest && (!QLX_Language::FindLanguage(name, language) || name.empty())) {
+            std::vector<std::string> names = GetLanguageCodes();
+            names.push_back(kWidest);
+            Refuse(description, "language", name, names);
+        }
         add(language, name == kWidest);
     }
     if (chosen.empty())
@@ -216,6 +228,19 @@ std::vector<QLX_Language::ELanguage> FindLanguages(const Description& descriptio
             languages.insert(language);
     }
     return {languages.begin(), languages.end()};
+}
+
+QLX_PropertyFilter ChooseFilter(const Description& description, const std::string& layout,
+                                const std::string& language) {
+    QLX_Language::ELanguage chosen = QLX_Language::English;
+    if (!QLX_Language::FindLanguage(language, chosen))
+        Refuse(description, "language", language, GetLanguageCodes());
+    // "all" stands for several in a list of looks; here it is a name like another.
+    const std::vector<std::string> known = FindLayouts(description);
+    const std::string name = layout == "Default" ? std::string() : layout;
+    if (std::find(known.begin(), known.end(), name) == known.end())
+        RefuseLayout(description, layout, known);
+    return QLX_PropertyFilter::MakeFilter(name, chosen);
 }
 
 std::vector<Look> ChooseLooks(const Description& description, const LookOptions& options) {

@@ -50,6 +50,12 @@ struct LookOptions {
 [[nodiscard]] std::vector<Look> ChooseLooks(const Description& description,
                                             const LookOptions& options);
 
+/// The filter of one layout ("" or "Default" is the common one) and one language, a code such as
+/// "DEU" or "" for English. Throws as ChooseLooks does.
+[[nodiscard]] QLX_PropertyFilter ChooseFilter(const Description& description,
+                                              const std::string& layout,
+                                              const std::string& language);
+
 /// How many of them make a row of a contact sheet: the languages, else a square of all.
 [[nodiscard]] int CountColumns(const std::vector<Look>& looks);
 

@@ -4,6 +4,7 @@
 
 #include "command.h"
 #include "description.h"
+#include "looks.h"
 
 namespace {
 struct Options {
@@ -69,7 +70,8 @@ void AddTreeCommand(CLI::App& app, const char* name) {
             return;
         }
         options->mMerged = layout->count() > 0 || language->count() > 0;
-        const QLX_PropertyFilter filter = MakeToolFilter(options->mLayout, options->mLanguage);
+        const QLX_PropertyFilter filter =
+            ChooseFilter(*description, options->mLayout, options->mLanguage);
         if (options->mMerged)
             description->GetRoot()->SetCurrentFilter(filter);
         PrintElement(*description->GetRoot(), 0, *options, *description, filter.GetLanguage());

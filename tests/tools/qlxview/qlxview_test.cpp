@@ -128,6 +128,19 @@ TEST(QlxView, CheckTellsEachFaultWhereItStands) {
         "--load [class]\n");
 }
 
+TEST(QlxView, KeysThatCodeUsesAreNotCalledUnused) {
+    const std::string folder = FreshFolder("qlxview-keys");
+    WriteText(folder + "/W.xml", Wrap(""));
+    WriteText(folder + "/W.ENU.str", "{\n\tASKED\t\"Asked\"\n\tOLD\t\"Old\"\n}\n");
+    WriteText(folder + "/keys.txt", "// of the alerts\r\n\r\n  ASKED\r\nGONE");
+    const ToolRun run = RunTool("check --used-keys " + folder + "/keys.txt " + folder + "/W.xml");
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_EQ(Shorten(run.mOut + run.mErr, folder),
+              "W.ENU.str:3:2: warning: the key \"OLD\" is not used [string-unused]\n"
+              "keys.txt:4:1: warning: the key \"GONE\" stands in no string table "
+              "[string-missing]\n");
+}
+
 TEST(QlxView, CheckSaysWhereAFileBreaksOff) {
     const std::string folder = FreshFolder("qlxview-broken");
     WriteText(folder + "/Cut.xml", "<container>\n\t<viewhierarchy>\n\t\t<view\n");
