@@ -157,6 +157,8 @@ class Player {
              << a.mCore.GetRectList() << "\nwith\n"
              << b.mCore.GetRectList();
         target = Perform(a, b, operation, what);
+        if (Below(2) == 0)
+            target.mCore.FillCaches(); // as regions do, so that operations find the list's reach
         // Lists grow without end under xor and holes: begin anew now and then.
         if (target.mRects.size() > kLargest || Below(25) == 0)
             target = Gather();
