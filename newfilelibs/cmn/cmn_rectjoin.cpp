@@ -68,11 +68,14 @@ class Flags {
 // The latest rectangle that came by for each left edge.
 class LatestByLeft {
   public:
-    explicit LatestByLeft(std::size_t count) {
-        const int bits = static_cast<int>(std::bit_width(count)) + 1;
-        mShift = 32 - bits;
-        mSlots.Resize(std::size_t{1} << bits);
-        std::fill(mSlots.begin(), mSlots.end(), kNone);
+    [[nodiscard]] static std::size_t SlotsFor(std::size_t count) noexcept {
+        return std::size_t{2} << std::bit_width(count);
+    }
+    /// Takes so many slots over.
+    LatestByLeft(Index* slots, std::size_t count) noexcept
+        : mShift(31 - static_cast<int>(std::bit_width(count))), mMask(SlotsFor(count) - 1),
+          mSlots(slots) {
+        std::fill(slots, slots + SlotsFor(count), kNone);
     }
     /// Puts a rectangle in the place of the one before it, which is answered; for the first one at
     /// its edge itself.
@@ -81,7 +84,7 @@ class LatestByLeft {
         // The multiplier is 2 to the 32 over the golden ratio: regular grids spread evenly.
         std::size_t slot = static_cast<std::uint32_t>(left) * 0x9E3779B9U >> mShift;
         while (mSlots[slot] != kNone && rects[mSlots[slot]].left != left)
-            slot = (slot + 1) & (mSlots.size() - 1);
+            slot = (slot + 1) & mMask;
         const Index before = mSlots[slot] == kNone ? index : mSlots[slot];
         mSlots[slot] = index;
         return before;
@@ -90,7 +93,8 @@ class LatestByLeft {
   private:
     static constexpr Index kNone = std::numeric_limits<Index>::max();
     int mShift;
-    Cmn_Scratch<Index, 256> mSlots;
+    std::size_t mMask;
+    Index* mSlots; // not owned
 };
 
 using Memory = Cmn_Scratch<std::byte, 4096>;
@@ -102,7 +106,8 @@ using Memory = Cmn_Scratch<std::byte, 4096>;
 // the end; nothing moves up in turn, so that places, too, are taken in order.
 //
 // Where all but a few rectangles come from a joined list, isLazy has only those few linked first.
-// The memory lies outside, as nothing then points to what is here: it lives in registers.
+// The memory, one block, lies outside, as nothing then points to what is here: it lives in
+// registers.
 template <bool isLazy>
 class Joiner {
   public:
@@ -145,12 +150,14 @@ class Joiner {
 
     void Allocate(Memory& memory) {
         const std::size_t places = mCount * 2 + 1;
-        const std::size_t words = (mCount + 1) * 5 + places + mCount;
+        const std::size_t slots = isLazy ? 0 : LatestByLeft::SlotsFor(mCount);
+        const std::size_t words = (mCount + 1) * 5 + places + mCount + slots;
         memory.Resize(words * sizeof(Index) + Flags::BytesFor(places) * 2);
         mLinks = reinterpret_cast<Links*>(memory.data());
         mPlaces = reinterpret_cast<Index*>(mLinks + mCount + 1);
         mAt = mPlaces + mCount + 1;
         mOrder = mAt + places;
+        mSlots = mOrder + mCount;
         std::byte* const flags = memory.data() + words * sizeof(Index);
         mMarked[kHorizontal].Start(flags, places);
         mMarked[kVertical].Start(flags + Flags::BytesFor(places), places);
@@ -194,7 +201,7 @@ class Joiner {
             Cmn_MergeRows(mRects, unjoined.mHead, mCount, mOrder);
         else
             Cmn_OrderRows(mRects, mCount, mOrder, reinterpret_cast<std::uint64_t*>(mLinks));
-        LatestByLeft latest(mCount);
+        LatestByLeft latest(mSlots, mCount);
         Index last = mOrder[0];
         for (std::size_t i = 0; i < mCount; ++i) {
             const Index index = mOrder[i];
@@ -372,6 +379,7 @@ class Joiner {
     Index* mPlaces;   // by rectangle, from 1 on
     Index* mAt;       // by place
     Index* mOrder;    // all by rows
+    Index* mSlots;    // for finding what lies below
     Flags mMarked[2]; // by axis and place: something to merge with stands after it
     Flags mLinked;    // by rectangle: all its links are known; only when that comes late
 };
