@@ -4,7 +4,7 @@
 //
 // The lists themselves are part of the contract, cuts and order included: two regions that cover
 // the same pixels with differently cut lists are unequal, and what draws or saves a list may rely
-// on it. docs/geometry.md tells the algorithms that define the lists.
+// on it.
 #pragma once
 
 #include "basekit/cmn/cmn_assert.h"

@@ -78,6 +78,10 @@ struct Key {
     QLX_PropertyType mType;
 };
 
+/// A hash that nobody outside the process can foresee, for sets whose names were made to collide
+/// under HashOf, which a file can do.
+[[nodiscard]] std::uint64_t SaltedHash(QLX_PropertyType type, std::string_view name) noexcept;
+
 /// A hash of what lies between a long name's ends.
 [[nodiscard]] std::uint64_t HashMiddle(std::string_view name) noexcept;
 
@@ -184,6 +188,7 @@ struct alignas(8) Block {
     std::uint8_t mIndexShift;     // a hash shifted right by it is its first cell
     std::uint8_t mCellSize;       // 1, 2 or 4
     bool mIsPooled;               // lies in a QLX_NodePool's memory
+    bool mIsSalted;               // of a large set: names are hashed by SaltedHash
 
     [[nodiscard]] std::uint32_t DataOffset() const noexcept {
         return mEntriesOffset + mCapacity * static_cast<std::uint32_t>(sizeof(Entry));
@@ -242,19 +247,24 @@ struct alignas(8) Block {
         return mCellSize == 1 ? Probe<std::uint8_t>(key) : FindInLarge(key);
     }
 
+    /// Answers how many cells were taken on the way.
     template <class Cell>
-    void AddToCells(std::size_t place, std::uint64_t hash) noexcept {
+    std::size_t AddToCells(std::size_t place, std::uint64_t hash) noexcept {
         const std::size_t mask = CellCount() - 1;
         std::size_t cell = hash >> mIndexShift;
-        while (CellAt<Cell>(cell) != 0)
+        std::size_t steps = 0;
+        for (; CellAt<Cell>(cell) != 0; ++steps)
             cell = (cell + 1) & mask;
         const Cell narrow = static_cast<Cell>(place);
         std::memcpy(Cells() + cell * sizeof(Cell), &narrow, sizeof narrow);
+        return steps;
     }
     void AddToLarge(std::size_t place, std::uint64_t hash) noexcept;
     void AddToIndex(std::size_t index, std::uint64_t hash) noexcept {
-        mCellSize == 1 ? AddToCells<std::uint8_t>(PlaceOf(index), hash)
-                       : AddToLarge(PlaceOf(index), hash);
+        if (mCellSize == 1)
+            AddToCells<std::uint8_t>(PlaceOf(index), hash);
+        else
+            AddToLarge(PlaceOf(index), hash);
     }
     void ClearIndex() noexcept { std::memset(Cells(), 0, mEntriesOffset - sizeof(Block)); }
     void RebuildIndex() noexcept;

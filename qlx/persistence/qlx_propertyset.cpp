@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -66,20 +67,60 @@ std::uint64_t QLX_PropertyBytes::HashMiddle(std::string_view name) noexcept {
     return hash * kFactor;
 }
 
+// NH, the hash inside UMAC (RFC 4418): pairs of 32-bit words, each with a secret added, multiplied
+// and summed up. Two names collide with a chance of one in four thousand million, whoever chose
+// them. The secrets come from the salt by splitmix64.
+std::uint64_t QLX_PropertyBytes::SaltedHash(QLX_PropertyType type, std::string_view name) noexcept {
+    const auto scramble = [](std::uint64_t bits) {
+        bits = (bits ^ bits >> 30) * 0xBF58476D1CE4E5B9u;
+        bits = (bits ^ bits >> 27) * 0x94D049BB133111EBu;
+        return bits ^ bits >> 31;
+    };
+    // Where the library was loaded and when: enough for those who cannot look into the process.
+    static const std::uint64_t salt = scramble(
+        reinterpret_cast<std::uintptr_t>(&salt) ^
+        static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
+    std::uint64_t state = salt;
+    std::uint64_t sum = salt ^ (static_cast<std::uint64_t>(type) << 32 | name.size());
+    for (std::size_t at = 0; at < name.size(); at += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, name.data() + at, std::min<std::size_t>(8, name.size() - at));
+        const std::uint64_t secret = scramble(state += kHashFactor);
+        const auto low = static_cast<std::uint32_t>(word) + static_cast<std::uint32_t>(secret);
+        const auto high =
+            static_cast<std::uint32_t>(word >> 32) + static_cast<std::uint32_t>(secret >> 32);
+        sum += std::uint64_t{low} * high;
+    }
+    return scramble(sum);
+}
+
 QLX_PropertyBytes::Entry* QLX_PropertyBytes::Block::FindInLarge(const Key& key) noexcept {
-    return mCellSize == 2 ? Probe<std::uint16_t>(key) : Probe<std::uint32_t>(key);
+    Key wanted = key;
+    if (mIsSalted) [[unlikely]]
+        wanted.mHash = SaltedHash(key.mType, key.mName);
+    return mCellSize == 2 ? Probe<std::uint16_t>(wanted) : Probe<std::uint32_t>(wanted);
 }
 
 void QLX_PropertyBytes::Block::AddToLarge(std::size_t place, std::uint64_t hash) noexcept {
-    mCellSize == 2 ? AddToCells<std::uint16_t>(place, hash)
-                   : AddToCells<std::uint32_t>(place, hash);
+    constexpr std::size_t mostSteps = 64; // with a quarter of the cells taken chance makes a few
+    if (mIsSalted) [[unlikely]]
+        hash = SaltedHash(EntryAt(place).Type(), NameOf(EntryAt(place)));
+    const std::size_t steps = mCellSize == 2 ? AddToCells<std::uint16_t>(place, hash)
+                                             : AddToCells<std::uint32_t>(place, hash);
+    if (steps > mostSteps && !mIsSalted) [[unlikely]] {
+        mIsSalted = true;
+        RebuildIndex();
+    }
 }
 
 void QLX_PropertyBytes::Block::RebuildIndex() noexcept {
     ClearIndex();
+    const bool wasSalted = mIsSalted;
     for (std::size_t i = 0; i < mCount; ++i) {
         const Entry& entry = Entries()[i];
         AddToIndex(i, KeyOf(entry.Type(), NameOf(entry)).mHash);
+        if (mIsSalted != wasSalted)
+            return; // it was built anew on the way
     }
 }
 
@@ -133,6 +174,7 @@ QLX_PropertySet::Block* QLX_PropertySet::CopyBlock(std::size_t capacity, std::si
     if (!mBlock)
         return copy;
     copy->mCount = mBlock->mCount;
+    copy->mIsSalted = mBlock->mIsSalted;
     std::memcpy(copy->Entries(), mBlock->Entries(), mBlock->mCount * sizeof(Entry));
     if (mBlock->mGarbage == 0) {
         std::memcpy(copy->Data(), mBlock->Data(), mBlock->mDataSize);
@@ -407,8 +449,8 @@ QLX_PropertySet::Entry& QLX_PropertySet::Append(const Key& key) {
     entry.mNameOffset = block.DataOffset() + block.mDataSize;
     entry.mSizeAndType = SizeAndType(key.mName.size(), key.mType);
     block.mDataSize += static_cast<std::uint32_t>(key.mName.size());
-    block.AddToIndex(index, key.mHash);
     Copy(block.Bytes() + entry.mNameOffset, key.mName.data(), key.mName.size());
+    block.AddToIndex(index, key.mHash);
     return entry;
 }
 

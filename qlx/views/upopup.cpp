@@ -89,13 +89,16 @@ void TPopup::OpenMenu(TToolboxEvent* press) {
         GetWindow(), mMenu.get(), anchor, initial, [this, items](TMenuItem* chosen) {
             const auto place = std::find(items.begin(), items.end(), chosen);
             mMenu.reset();
+            ForceRedraw();
             if (place != items.end())
                 ChangeValue(static_cast<std::int32_t>(place - items.begin()),
                             kControlEvent_ValueChanged);
         });
     if (!layer)
         mMenu.reset();
-    else if (press)
+    else
+        ForceRedraw(); // it looks pressed while its menu is open
+    if (layer && press)
         layer->FollowPress(press->GetEventWhere(), press);
 }
 

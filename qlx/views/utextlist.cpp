@@ -175,7 +175,7 @@ void TTextList::FitHeight() {
     const VPoint room = scroller->GetSize();
     const bool needsBar = frame.GetHeight() > room.v;
     frame.Right() = frame.Left() + room.h - (needsBar ? TScrollBar::kThickness : 0);
-    SetFrame(frame, /*redraw*/ false, /*layOut*/ true);
+    SetFrame(frame, /*redraw*/ true, /*layOut*/ true); // rows may leave places empty
     scroller->ContentChanged(/*redraw*/ true);
 }
 

@@ -25,6 +25,7 @@ constexpr std::uint32_t kKeys[] = {
     kDAW_Key_Up,   kDAW_Key_Down,   kDAW_Key_Home,   kDAW_Key_End,       kDAW_Key_Tab, kDAW_Key_Tab,
     kDAW_Key_Left, kDAW_Key_Return, kDAW_Key_Return, kDAW_Key_Backspace, ' ',          'a',
     'b',           kDAW_Key_Delete, kDAW_Key_Escape, kDAW_Key_Right};
+constexpr int kScales[] = {120, 150, 180, 240};
 constexpr const char* kNames[] = {"", "..", "a", "b.wav", "Audio Files", "new", "a/b", "x\xFF"};
 
 bool IsOpen(const TWindow* window) {
@@ -39,6 +40,7 @@ class User {
     User(fs::path folder, std::uint32_t seed) : mFolder(std::move(folder)), mRandom(seed) {
         MakeFolder();
         mWindow.IWindow("behind", VPoint(700, 500));
+        mDriver.SetScale(kScales[seed % std::size(kScales)]);
         (new TEditText)->IView(&mWindow, VRect(10, 10, 300, 40));
         mDriver.OpenWindow(mWindow);
     }
@@ -55,6 +57,7 @@ class User {
             Act();
         } catch (const QLX_TestDriverError&) { // a window that went between press and release
         }
+        StayInFolder();
     }
 
     /// What holds at any time: input goes to some open window, and no question is answered twice.
@@ -65,6 +68,21 @@ class User {
         ASSERT_EQ(innermost != nullptr, QLX_ModalWindows::IsBlocked(&mWindow));
         for (const int answers : mAnswers)
             ASSERT_LE(answers, 1);
+    }
+
+    /// What is on the screen is what a full repaint draws.
+    void CheckPicture() {
+        UseWindowWithInput();
+        mDriver.WaitForIdle();
+        const QLX_Image::Ptr shown = mDriver.GetPicture();
+        mDriver.GetWindow()->ForceRedraw();
+        mDriver.WaitForIdle();
+        const QLX_Image::Ptr whole = mDriver.GetPicture();
+        if (QLX_TestDriver::IsSamePicture(shown, whole))
+            return;
+        shown->ToPNGFile(QLX_TEST_OUTPUT "/dialogmisuse_shown.png");
+        whole->ToPNGFile(QLX_TEST_OUTPUT "/dialogmisuse_whole.png");
+        FAIL() << "a full repaint changes the picture";
     }
 
     /// Everything is closed: each question has its one answer, and the window behind its input.
@@ -121,6 +139,15 @@ class User {
         fs::create_directories(mFolder / "Audio Files");
         for (const char* name : {"a.wav", "b.wav", "c.txt"})
             std::ofstream(mFolder / name) << "x";
+    }
+
+    /// Folders are made where the dialog is, and that is to be here.
+    void StayInFolder() {
+        for (TDialog* dialog : mDialogs) {
+            auto* files = QLX_ObjectCast<TFileDialog>(dialog);
+            if (files && files->GetFolder().GetPath().rfind(mFolder.string(), 0) != 0)
+                files->GoTo(Sys_FileLoc(mFolder.string()));
+        }
     }
 
     void ChangeFolder() {
@@ -248,11 +275,13 @@ class User {
 
 TEST(DialogMisuse, EveryQuestionIsAnsweredOnceAndTheWindowBehindHasItsInputBack) {
     for (std::uint32_t seed = 1; seed <= SeedsToTry(12); ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
         User user(fs::path(QLX_TEST_OUTPUT) / "dialogmisuse", seed);
         for (int step = 0; step < 300; ++step) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + " step " + std::to_string(step));
             user.Step();
             user.Check();
+            if (step % 16 == 0)
+                user.CheckPicture();
             if (HasFatalFailure())
                 return;
         }

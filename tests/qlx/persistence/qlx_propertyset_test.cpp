@@ -146,6 +146,38 @@ TEST(PropertySet, NamesWithOneHashAreToldApart) {
     }
 }
 
+// Names whose plain hashes are all the same, as a hostile file has them: what a character adds to
+// the first half, one in the second takes away.
+TEST(PropertySet, NamesMadeToCollideAreAllFound) {
+    std::vector<std::string> names;
+    for (int i = 0; i < 20000; ++i) {
+        std::string name = "AAAAAAAAzzzzzzzz";
+        for (int digit = 0, rest = i; digit < 8; ++digit, rest /= 5) {
+            name[std::size_t(digit)] = static_cast<char>('A' + 8 * (rest % 5));
+            name[std::size_t(digit) + 8] = static_cast<char>('z' - rest % 5);
+        }
+        names.push_back(name);
+    }
+    const auto hashOf = [](const std::string& name) {
+        return QLX_PropertyBytes::HashOf(qlx_PropType_Int32,
+                                         QLX_PropertyBytes::EndsOf(name.data(), name.size()));
+    };
+    ASSERT_EQ(hashOf(names.front()), hashOf(names.back()));
+    QLX_PropertySet set;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        set.SetInt32Property(names[i], static_cast<std::int32_t>(i));
+    ASSERT_TRUE(set.RemoveProperty(qlx_PropType_Int32, names[7]));
+    QLX_PropertySet copy = set;
+    copy.SetInt32Property("another", 1);
+    for (const QLX_PropertySet* each : {&std::as_const(set), &std::as_const(copy)})
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            std::int32_t value = -1;
+            ASSERT_EQ(each->GetInt32Property(names[i], value), i != 7);
+            ASSERT_EQ(value, i == 7 ? -1 : static_cast<std::int32_t>(i));
+        }
+    EXPECT_EQ(copy.GetCount(), names.size());
+}
+
 TEST(PropertySet, ALookUpAllocatesNothing) {
     const QLX_PropertySet set = MakeMixed();
     bool flag = false;
