@@ -87,7 +87,9 @@ def counters_of(result):
 
 def table_of(program, data, peers):
     rows, columns, notes = {}, [], []
-    for result in data["benchmarks"]:
+    # Repetitions are measured in random order; the table is in that of the source.
+    for result in sorted(data["benchmarks"],
+                         key=lambda each: (each.get("family_index", 0), each.get("per_family_instance_index", 0))):
         if result.get("run_type") == "aggregate":
             continue
         row, peer = split_name(result["name"], peers)
@@ -201,7 +203,8 @@ def main():
     head = ("# How fast it is\n\n"
             "Written by `./dev bench`; change bench/ and not this page.\n\n"
             "A number below \"to X\" is our time divided by X's in the same run: below 1 we are faster. Ratios are what\n"
-            "counts; times are for orientation only. A cell is empty where X has no such operation.\n\n"
+            "counts; times are for orientation only. Of five repetitions, all in random order, the fastest counts. A cell\n"
+            "is empty where X has no such operation.\n\n"
             + textwrap.fill(f"Measured on {machine(context)}.", 120) + f"\n\n{contents}\n")
     page.parent.mkdir(exist_ok=True)
     page.write_text(head + body.rstrip("\n") + "\n")
