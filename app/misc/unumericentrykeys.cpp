@@ -271,7 +271,6 @@ bool TNumericEntryText::KeySign(const KeyStroke& key) {
     mIsDuration = true;
     helper->ResetCurrentText(this);
     SetArithmetic(subtract ? kArithmetic_Subtracting : kArithmetic_Adding);
-    ForceRedraw();
     return true;
 }
 

@@ -16,6 +16,7 @@
 #include "qlx/platform/testing/qlx_testdriver.h"
 #include "qlx/views/umenumanager.h"
 #include "qlx/views/uviewserver.h"
+#include "tests/support/full_repaint.h"
 #include "tests/support/seeds.h"
 
 namespace {
@@ -26,7 +27,6 @@ constexpr const char* kChords[] = {
     "Ctrl+Z",     "Ctrl+Z",       "Ctrl+A",     "Ctrl+C", "Ctrl+V",    "Ctrl+X", "Shift+End",
     "Ctrl+Right", "Ctrl+Shift+Z", "Shift+Left", "Alt+F"};
 constexpr const char* kTyped[] = {"1", "23", "+", "-", ".", ",", "=", "9999999", "a", "\xC3\xA9"};
-constexpr int kScales[] = {120, 150, 180, 240};
 
 class User {
   public:
@@ -38,7 +38,7 @@ class User {
         memento->GetRoot()->SetCurrentFilter(QLX_PropertyFilter::DefaultFilter());
         mWindow = QLX_ObjectCast<TSessionWindow>(TViewServer::Get()->NewWindow(memento));
         mWindow->ISession(MakeGeneratedAudio(), memento, SessionLook());
-        mDriver.SetScale(kScales[seed % std::size(kScales)]);
+        mDriver.SetScale(kRepaintScales[seed % std::size(kRepaintScales)]);
         Open();
         mWindow->WaitForPeaks();
     }
@@ -78,20 +78,8 @@ class User {
         return "";
     }
 
-    /// Empty when a full repaint changes no pixel of the screen.
     std::string PictureComplaint() {
-        if (!mWindow->IsOpen())
-            return "";
-        mDriver.WaitForIdle();
-        const QLX_Image::Ptr shown = mDriver.GetPicture();
-        mWindow->ForceRedraw();
-        mDriver.WaitForIdle();
-        const QLX_Image::Ptr whole = mDriver.GetPicture();
-        if (QLX_TestDriver::IsSamePicture(shown, whole))
-            return "";
-        shown->ToPNGFile(QLX_TEST_OUTPUT "/session_random_shown.png");
-        whole->ToPNGFile(QLX_TEST_OUTPUT "/session_random_whole.png");
-        return "a full repaint changes the picture";
+        return mWindow->IsOpen() ? RepaintComplaint(mDriver, "session_random") : "";
     }
 
     const std::string& GetDeed() const { return mDeed; }
