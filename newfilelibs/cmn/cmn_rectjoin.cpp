@@ -27,42 +27,66 @@ enum Axis : int { kHorizontal = 0, kVertical = 1 };
 
 using Index = std::uint32_t;
 
-// Flags by index, a byte each, that are walked in ascending order while more are set ahead.
-class Flags {
+// All ones or none: for choosing by arithmetic where the processor could only guess which way to
+// go.
+Index MaskIf(bool yes) noexcept { return 0U - static_cast<Index>(yes); }
+Index Choose(bool yes, Index a, Index b) noexcept { return b ^ ((a ^ b) & MaskIf(yes)); }
+
+// A set of numbers, a bit each, that is walked in ascending order while it changes.
+class Numbers {
   public:
-    [[nodiscard]] static std::size_t BytesFor(std::size_t count) noexcept { return count + kStep; }
-    /// Takes so many bytes over.
-    void Start(void* bytes, std::size_t count) noexcept {
-        mFlags = static_cast<unsigned char*>(bytes);
-        std::memset(mFlags, 0, BytesFor(count));
+    [[nodiscard]] static std::size_t WordsFor(std::size_t count) noexcept {
+        return count / kBits + 1;
     }
-    [[nodiscard]] bool Has(std::size_t index) const noexcept { return mFlags[index] != 0; }
-    void SetIf(bool yes, std::size_t index) noexcept {
-        mFlags[index] |= static_cast<unsigned char>(yes);
+    /// Takes so many words over: an empty set of numbers below the count.
+    void Start(std::uint64_t* words, std::size_t count) noexcept {
+        mWords = words;
+        std::memset(mWords, 0, WordsFor(count) * sizeof(*words));
     }
-    void Reset(std::size_t index) noexcept { mFlags[index] = 0; }
-    /// The first one set from `index` on, or any number not below `end`, from where on none is.
-    [[nodiscard]] std::size_t NextSet(std::size_t index, std::size_t end) const noexcept {
-        if (Has(index) || Has(++index)) // close by as a rule
-            return index;
-        for (++index; index < end; index += kStep) {
-            std::uint64_t flags;
-            std::memcpy(&flags, mFlags + index, kStep);
-            if (flags != 0)
-                return index + FirstByte(flags);
-        }
-        return index;
+    /// Adds all from 0 to before `end`.
+    void AddBelow(std::size_t end) noexcept {
+        std::memset(mWords, 0xFF, end / kBits * sizeof(*mWords));
+        mWords[end / kBits] |= Bit(end) - 1;
+    }
+    [[nodiscard]] bool Has(std::size_t number) const noexcept {
+        return (mWords[number / kBits] & Bit(number)) != 0;
+    }
+    void Add(std::size_t number) noexcept { mWords[number / kBits] |= Bit(number); }
+    void AddIf(bool yes, std::size_t number) noexcept {
+        mWords[number / kBits] |= std::uint64_t{yes} << number % kBits;
+    }
+    void Remove(std::size_t number) noexcept { mWords[number / kBits] &= ~Bit(number); }
+
+    /// The first one from `from` on, or `end`, from where on there is none.
+    [[nodiscard]] std::size_t Next(std::size_t from, std::size_t end) const noexcept {
+        return Find(from, end, [this](std::size_t i) { return mWords[i]; });
+    }
+    /// The same for what is in this set and another one.
+    [[nodiscard]] std::size_t NextOfBoth(const Numbers& other, std::size_t from,
+                                         std::size_t end) const noexcept {
+        return Find(from, end,
+                    [this, &other](std::size_t i) { return mWords[i] & other.mWords[i]; });
     }
 
   private:
-    static constexpr std::size_t kStep = sizeof(std::uint64_t);
+    static constexpr std::size_t kBits = 64;
 
-    static std::size_t FirstByte(std::uint64_t flags) noexcept {
-        const int zeros = std::endian::native == std::endian::little ? std::countr_zero(flags)
-                                                                     : std::countl_zero(flags);
-        return static_cast<std::size_t>(zeros) / 8;
+    static std::uint64_t Bit(std::size_t number) noexcept {
+        return std::uint64_t{1} << number % kBits;
     }
-    unsigned char* mFlags = nullptr; // not owned
+    template <class GetWord>
+    static std::size_t Find(std::size_t from, std::size_t end, GetWord getWord) noexcept {
+        std::size_t i = from / kBits;
+        std::uint64_t word = from < end ? getWord(i) & (0 - Bit(from)) : 0;
+        while (word == 0) {
+            if (++i * kBits >= end)
+                return end;
+            word = getWord(i);
+        }
+        return i * kBits + static_cast<std::size_t>(std::countr_zero(word));
+    }
+
+    std::uint64_t* mWords = nullptr; // not owned
 };
 
 // The latest rectangle that came by for each left edge.
@@ -123,6 +147,8 @@ class Joiner {
             mAt[i + 1] = i;
         }
         mPlaces[mNone] = kGone;
+        mThere.AddBelow(mEnd);
+        mThere.Remove(kGone);
     }
 
     void Run(const Cmn_UnjoinedRects& unjoined, Cmn_RectList& out) {
@@ -132,11 +158,13 @@ class Joiner {
             LinkAll(unjoined);
         while (Cycle()) {
         }
-        out.ResizeForOverwrite(mCount - (mEnd - (mNone + 1)));
+        const std::size_t left = mCount - (mEnd - (mNone + 1));
+        out.ResizeForOverwrite(left);
+        Rect* const to = out.Edit();
         if constexpr (isLazy)
-            SortTail(out.Edit());
+            SortTail(to);
         else
-            CopyInOrder(out.Edit());
+            CopyInOrder(to, to + left);
     }
 
   private:
@@ -152,15 +180,18 @@ class Joiner {
         const std::size_t places = mCount * 2 + 1;
         const std::size_t slots = isLazy ? 0 : LatestByLeft::SlotsFor(mCount);
         const std::size_t words = (mCount + 1) * 5 + places + mCount + slots;
-        memory.Resize(words * sizeof(Index) + Flags::BytesFor(places) * 2);
-        mLinks = reinterpret_cast<Links*>(memory.data());
+        const std::size_t setWords = Numbers::WordsFor(places);
+        memory.Resize(setWords * 4 * sizeof(std::uint64_t) + words * sizeof(Index));
+        auto* const sets = reinterpret_cast<std::uint64_t*>(memory.data());
+        mThere.Start(sets, places);
+        mMarked[kHorizontal].Start(sets + setWords, places);
+        mMarked[kVertical].Start(sets + setWords * 2, places);
+        mLinked.Start(sets + setWords * 3, places);
+        mLinks = reinterpret_cast<Links*>(sets + setWords * 4);
         mPlaces = reinterpret_cast<Index*>(mLinks + mCount + 1);
         mAt = mPlaces + mCount + 1;
         mOrder = mAt + places;
         mSlots = mOrder + mCount;
-        std::byte* const flags = memory.data() + words * sizeof(Index);
-        mMarked[kHorizontal].Start(flags, places);
-        mMarked[kVertical].Start(flags + Flags::BytesFor(places), places);
     }
 
     // Links
@@ -181,12 +212,14 @@ class Joiner {
     // Where two can be merged, the first one's place is marked for the next sweep.
     template <Axis axis>
     void Mark(Index a, Index b) noexcept {
-        mMarked[axis].SetIf(Agree<axis>(a, b), std::min(mPlaces[a], mPlaces[b]));
+        mMarked[axis].AddIf(Agree<axis>(a, b), std::min(mPlaces[a], mPlaces[b]));
     }
-    // The same while nothing has been merged: places go by the numbers.
+    // For the first time, while places go by the numbers.
     template <Axis axis>
-    void MarkFirst(Index a, Index b) noexcept {
-        mMarked[axis].SetIf(Agree<axis>(a, b), std::min(a, b) + 1);
+    void LinkFirst(bool yes, Index a, Index b) noexcept {
+        mLinks[b].mPrevious[axis] = Choose(yes, a, mNone);
+        mLinks[Choose(yes, a, mNone)].mNext[axis] = b; // nobody asks what follows none
+        mMarked[axis].AddIf(yes & Agree<axis>(a, b), std::min(a, b) + 1);
     }
     template <Axis axis>
     void MarkBoth(Index index) noexcept {
@@ -207,17 +240,10 @@ class Joiner {
             const Index index = mOrder[i];
             const Index upper = latest.Replace(mRects, index);
             const Rect& rect = mRects[index];
-            const bool isRight = (mRects[last].right == rect.left) & (mRects[last].top == rect.top);
-            const bool isBelow = mRects[upper].bottom == rect.top;
-            mLinks[index] = {{mNone, mNone}, {isRight ? last : mNone, isBelow ? upper : mNone}};
-            if (isRight) {
-                mLinks[last].mNext[kHorizontal] = index;
-                MarkFirst<kHorizontal>(last, index);
-            }
-            if (isBelow) {
-                mLinks[upper].mNext[kVertical] = index;
-                MarkFirst<kVertical>(upper, index);
-            }
+            mLinks[index].mNext[kHorizontal] = mLinks[index].mNext[kVertical] = mNone;
+            LinkFirst<kHorizontal>(
+                (mRects[last].right == rect.left) & (mRects[last].top == rect.top), last, index);
+            LinkFirst<kVertical>(mRects[upper].bottom == rect.top, upper, index);
             last = index;
         }
     }
@@ -225,7 +251,6 @@ class Joiner {
     // Only what comes behind the head; the others when it comes to merging them.
     void LinkTail() noexcept {
         std::fill(mLinks, mLinks + mCount, Links{{mNone, mNone}, {mNone, mNone}});
-        mLinked.Start(mOrder, mCount);
         for (Index i = static_cast<Index>(mHead); i < mNone; ++i) {
             FindLinks(i);
             MarkBoth<kHorizontal>(i);
@@ -235,7 +260,7 @@ class Joiner {
     void FindLinks(Index index) noexcept {
         if (mLinked.Has(index))
             return;
-        mLinked.SetIf(true, index);
+        mLinked.Add(index);
         const Cmn_RectScan::TouchProbe probe(mRects[index]);
         Cmn_RectScan::ForEachHit(probe, mRects, 0, mCount, [&](std::size_t i) {
             if (IsThere(static_cast<Index>(i)))
@@ -273,16 +298,14 @@ class Joiner {
 
     template <Axis axis>
     void Sweep() noexcept {
-        Flags& marked = mMarked[axis];
-        for (std::size_t place = marked.NextSet(1, mEnd); place < mEnd;
-             place = marked.NextSet(place + 1, mEnd)) {
-            marked.Reset(place);
-            if (MergeAt<axis>(static_cast<Index>(place))) {
-                // Deliberate: what moved up into the place of the merged one is passed over.
-                do
-                    ++place;
-                while (mAt[place] == mNone);
-            }
+        Numbers& marked = mMarked[axis];
+        std::size_t place = 1;
+        while ((place = marked.NextOfBoth(mThere, place, mEnd)) < mEnd) {
+            marked.Remove(place);
+            // Deliberate: what moved up into the place of the merged one is passed over.
+            if (MergeAt<axis>(static_cast<Index>(place)))
+                place = mThere.Next(place, mEnd);
+            ++place;
         }
     }
 
@@ -290,28 +313,22 @@ class Joiner {
     template <Axis axis>
     bool MergeAt(Index place) noexcept {
         const Index index = mAt[place];
-        if (index == mNone)
-            return false;
         const Index next = mLinks[index].mNext[axis];
         const Index previous = mLinks[index].mPrevious[axis];
         const Index nextPlace = LaterPlace<axis>(index, place, next);
         const Index previousPlace = LaterPlace<axis>(index, place, previous);
         if (nextPlace == previousPlace) // neither
             return false;
-        mAt[place] = mNone;
-        if (nextPlace < previousPlace) {
-            mAt[nextPlace] = mNone;
-            Merge<axis>(index, next);
-        } else {
-            mAt[previousPlace] = mNone;
-            Merge<axis>(previous, index);
-        }
+        const bool isNext = nextPlace < previousPlace;
+        mThere.Remove(place);
+        mThere.Remove(std::min(nextPlace, previousPlace));
+        Merge<axis>(Choose(isNext, index, previous), Choose(isNext, next, index));
         return true;
     }
     // Where a neighbour stands that shares the whole edge and comes later, else the end.
     template <Axis axis>
     [[nodiscard]] Index LaterPlace(Index index, Index place, Index other) const noexcept {
-        return (mPlaces[other] > place) & Agree<axis>(index, other) ? mPlaces[other] : mEnd;
+        return Choose((mPlaces[other] > place) & Agree<axis>(index, other), mPlaces[other], mEnd);
     }
 
     // Two neighbours, which have left their places, become one at the end.
@@ -330,31 +347,32 @@ class Joiner {
         Link<axis>(first, after);
         mPlaces[second] = kGone;
         mPlaces[first] = mEnd;
-        mAt[mEnd++] = first;
+        mAt[mEnd] = first;
+        mThere.Add(mEnd++);
         // Its neighbours stand before it in the list.
-        mMarked[axis].SetIf(Agree<axis>(before, first), mPlaces[before]);
-        mMarked[axis].SetIf(Agree<axis>(first, after), mPlaces[after]);
+        mMarked[axis].AddIf(Agree<axis>(before, first), mPlaces[before]);
+        mMarked[axis].AddIf(Agree<axis>(first, after), mPlaces[after]);
     }
 
     // What the last sweep has merged may have come to agree with its neighbours along the other
     // axis.
     template <Axis axis>
     void MarkMerged(Index from) noexcept {
-        for (Index place = from; place < mEnd; ++place) {
-            if (mAt[place] != mNone)
-                MarkBoth<axis>(mAt[place]);
-        }
+        std::size_t place = from;
+        for (; (place = mThere.Next(place, mEnd)) < mEnd; ++place)
+            MarkBoth<axis>(mAt[place]);
     }
 
     // The end
 
     [[nodiscard]] bool IsThere(Index index) const noexcept { return mPlaces[index] != kGone; }
 
-    // A rectangle's top left corner has stayed, and with it the order.
-    void CopyInOrder(Rect* to) const noexcept {
-        for (std::size_t i = 0; i < mCount; ++i) {
-            if (IsThere(mOrder[i]))
-                *to++ = mRects[mOrder[i]];
+    // A rectangle's top left corner has stayed, and with it the order. What is gone is written too,
+    // and then over.
+    void CopyInOrder(Rect* to, const Rect* end) const noexcept {
+        for (const Index* index = mOrder; to < end; ++index) {
+            *to = mRects[*index];
+            to += IsThere(*index) ? 1 : 0;
         }
     }
     void SortTail(Rect* sorted) const noexcept {
@@ -372,16 +390,17 @@ class Joiner {
 
     std::size_t mHead;
     std::size_t mCount;
-    Index mNone;      // links where there is no neighbour: a rectangle that is gone
-    Index mEnd;       // of the places
-    Rect* mRects;     // not owned, nor what follows
-    Links* mLinks;    // by rectangle
-    Index* mPlaces;   // by rectangle, from 1 on
-    Index* mAt;       // by place
-    Index* mOrder;    // all by rows
-    Index* mSlots;    // for finding what lies below
-    Flags mMarked[2]; // by axis and place: something to merge with stands after it
-    Flags mLinked;    // by rectangle: all its links are known; only when that comes late
+    Index mNone;        // links where there is no neighbour: a rectangle that is gone
+    Index mEnd;         // of the places
+    Rect* mRects;       // not owned, nor what follows
+    Links* mLinks;      // by rectangle
+    Index* mPlaces;     // by rectangle, from 1 on
+    Index* mAt;         // by place
+    Index* mOrder;      // all by rows
+    Index* mSlots;      // for finding what lies below
+    Numbers mThere;     // the places where a rectangle stands
+    Numbers mMarked[2]; // by axis the places that have something to merge with after them
+    Numbers mLinked;    // the rectangles whose links are all known; only when that comes late
 };
 
 // That few are compared with all rectangles sooner than all are sorted.

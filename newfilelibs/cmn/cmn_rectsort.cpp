@@ -54,13 +54,13 @@ class RadixSorter {
     void Sort(const Rect* rects, std::uint32_t* order, std::uint64_t* scratch) noexcept {
         std::uint64_t* from = scratch;
         std::uint64_t* to = from + mCount;
-        Pack(rects, from);
-        for (int i = 0; i < mDigitCount; ++i) {
-            Distribute(mDigits[i], mStarts[i], from, to);
+        for (std::size_t i = 0; i < mCount; ++i)
+            from[i] = mKeys.Get(rects[i]) << 32 | i;
+        for (int i = 0; i + 1 < mDigitCount; ++i) {
+            Distribute(mDigits[i], from, to);
             std::swap(from, to);
         }
-        for (std::size_t i = 0; i < mCount; ++i)
-            order[i] = static_cast<std::uint32_t>(from[i]);
+        Distribute(mDigits[mDigitCount - 1], from, order);
     }
 
   private:
@@ -82,27 +82,23 @@ class RadixSorter {
         for (int digits = (bits + mMostBits - 1) / mMostBits; digits > 0; --digits) {
             const int digitBits = (bits + digits - 1) / digits;
             const std::uint64_t size = std::uint64_t{1} << digitBits;
-            std::fill(mStarts[mDigitCount], mStarts[mDigitCount] + size, 0U);
             mDigits[mDigitCount++] = {32 + shift, size - 1};
             shift += digitBits;
             bits -= digitBits;
         }
     }
-    void Pack(const Rect* rects, std::uint64_t* entries) noexcept {
-        for (std::size_t i = 0; i < mCount; ++i) {
-            const std::uint64_t entry = mKeys.Get(rects[i]) << 32 | i;
-            entries[i] = entry;
-            for (int digit = 0; digit < mDigitCount; ++digit)
-                ++mStarts[digit][mDigits[digit].Of(entry)];
-        }
-    }
-    void Distribute(const Digit& digit, std::uint32_t* starts, const std::uint64_t* from,
-                    std::uint64_t* to) noexcept {
+    // What is written of an entry for the last time is its index alone.
+    template <class Entry>
+    void Distribute(Digit digit, const std::uint64_t* from, Entry* to) noexcept {
+        const std::uint64_t* const end = from + mCount;
+        std::fill(mStarts, mStarts + digit.mMask + 1, 0U);
+        for (const std::uint64_t* entry = from; entry < end; ++entry)
+            ++mStarts[digit.Of(*entry)];
         std::uint32_t start = 0;
         for (std::size_t i = 0; i <= digit.mMask; ++i)
-            start += std::exchange(starts[i], start);
-        for (std::size_t i = 0; i < mCount; ++i)
-            to[starts[digit.Of(from[i])]++] = from[i];
+            start += std::exchange(mStarts[i], start);
+        for (const std::uint64_t* entry = from; entry < end; ++entry)
+            to[mStarts[digit.Of(*entry)]++] = static_cast<Entry>(*entry);
     }
 
     std::size_t mCount;
@@ -110,7 +106,7 @@ class RadixSorter {
     int mMostBits;
     int mDigitCount = 0;
     Digit mDigits[kMostDigits];
-    std::uint32_t mStarts[kMostDigits][std::size_t{1} << kMostBits];
+    std::uint32_t mStarts[std::size_t{1} << kMostBits];
 };
 
 // Few corners: each one's place is the number of those that come before it, which four comparisons

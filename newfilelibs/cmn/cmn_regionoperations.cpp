@@ -7,9 +7,17 @@ namespace {
 
 using Rect = Cmn_Rect<int>;
 
-// For rectangles of positive size.
+// For rectangles of positive size. All edges are compared, as which one tells is not to be
+// foretold, and a wrong guess of the processor costs more than all four.
 bool Overlap(const Rect& a, const Rect& b) noexcept {
-    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+    return (a.left < b.right) & (b.left < a.right) & (a.top < b.bottom) & (b.top < a.bottom);
+}
+
+// How many pieces one list comes to by its overlaps with another, as a rule; more take a copy of
+// those before. Room that is made at once is not given back to the system and taken again at each
+// operation, which costs more than the cutting.
+std::size_t PiecesFrom(const Cmn_RectOverlaps& overlaps) noexcept {
+    return overlaps.mOthers.size() * 2;
 }
 
 // A rectangle that waits to be cut, and which rectangles of the other list it or its pieces may
@@ -23,13 +31,17 @@ struct Waiting {
 // First in, first out.
 class Queue {
   public:
+    /// Makes room for that many in all, those taken included.
+    void Reserve(std::size_t count) { mWaiting.Reserve(count); }
     void Append(const Waiting& waiting) { mWaiting.Append(waiting); }
     /// What is left of one without a part of it, with the same overlaps.
     void AppendPieces(const Waiting& waiting, const Rect& part) {
         Rect pieces[4];
         const std::size_t count = Cmn_CutAround(waiting.mRect, part, pieces);
-        for (std::size_t i = 0; i < count; ++i)
-            mWaiting.Append({pieces[i], waiting.mFirst, waiting.mEnd});
+        Waiting* const to = mWaiting.MakeRoom(4);
+        for (std::size_t i = 0; i < 4; ++i)
+            to[i] = {pieces[i], waiting.mFirst, waiting.mEnd};
+        mWaiting.AddWritten(count);
     }
     [[nodiscard]] bool IsEmpty() const noexcept { return mTaken == mWaiting.size(); }
     [[nodiscard]] Waiting Take() noexcept { return mWaiting[mTaken++]; }
@@ -47,6 +59,7 @@ void FindOverlaps(const Cmn_RectOperand& list, const Cmn_RectOperand& others,
 // Copies the rectangles that overlap none of the others; those that do wait.
 void Split(const Cmn_RectOperand& list, const Cmn_RectOverlaps& overlaps, Cmn_UnjoinedRects& out,
            Queue& queue) {
+    queue.Reserve(overlaps.mSpans.size() + PiecesFrom(overlaps));
     std::size_t rest = 0;
     for (const Cmn_RectOverlaps::Span& span : overlaps.mSpans) {
         out.mRects.Append(list.mRects + rest, span.mRect - rest);
@@ -64,11 +77,14 @@ class CutList {
     CutList(const Cmn_RectOperand& operand, const Cmn_RectOverlaps& overlaps)
         : mOverlaps(overlaps.mOthers.data()),
           mOriginals(static_cast<std::uint32_t>(operand.mCount)), mSorted(operand.mJoined) {
+        mNodes.Reserve(operand.mCount + PiecesFrom(overlaps));
         mNodes.Resize(operand.mCount);
         for (std::size_t i = 0; i < operand.mCount; ++i)
             mNodes[i] = {operand.mRects[i], kUncut, false};
-        for (const std::uint32_t i : overlaps.mOthers)
+        for (const std::uint32_t i : overlaps.mOthers) {
+            mLeft += mNodes[i].mIsOverlapped ? 0 : 1;
             mNodes[i].mIsOverlapped = true;
+        }
     }
 
     static constexpr std::uint32_t kNone = 0xFFFFFFFFU;
@@ -76,25 +92,22 @@ class CutList {
     /// The first rectangle in the list that overlaps the waiting one, or kNone. Narrows the span to
     /// what its pieces may overlap.
     [[nodiscard]] std::uint32_t FindFirst(Waiting& waiting) const noexcept {
+        if (mSorted)
+            Narrow(waiting);
         // Rectangles of the beginning stand before all pieces.
         std::uint32_t firstCut = waiting.mEnd;
-        std::uint32_t i = waiting.mFirst;
-        for (; i < waiting.mEnd; ++i) {
+        for (std::uint32_t i = waiting.mFirst; i < waiting.mEnd; ++i) {
             const Node& node = mNodes[mOverlaps[i]];
-            if (mSorted && node.mRect.top >= waiting.mRect.bottom)
-                break;
-            if (!Overlap(node.mRect, waiting.mRect))
-                continue;
-            firstCut = std::min(firstCut, i);
-            if (node.mPieces == kUncut) {
+            const bool isHit = Overlap(node.mRect, waiting.mRect);
+            firstCut = std::min(firstCut, isHit ? i : waiting.mEnd);
+            if (isHit & (node.mPieces == kUncut)) {
                 waiting.mFirst = firstCut;
                 return mOverlaps[i];
             }
         }
         waiting.mFirst = firstCut;
-        waiting.mEnd = i;
         std::uint32_t first = kNone;
-        for (i = firstCut; i < waiting.mEnd; ++i) {
+        for (std::uint32_t i = firstCut; i < waiting.mEnd; ++i) {
             const Node& node = mNodes[mOverlaps[i]];
             if (Overlap(node.mRect, waiting.mRect))
                 FindFirstPiece(node, waiting.mRect, first);
@@ -111,21 +124,19 @@ class CutList {
         Rect pieces[4];
         const std::size_t count = Cmn_CutAround(mNodes[number].mRect, part, pieces);
         mNodes[number].mPieces = static_cast<std::uint32_t>(mNodes.size() << 3 | count);
-        for (std::size_t i = 0; i < count; ++i)
-            mNodes.Append({pieces[i], kUncut, true});
+        Node* const to = mNodes.MakeRoom(4);
+        for (std::size_t i = 0; i < 4; ++i)
+            to[i] = {pieces[i], kUncut, true};
+        mNodes.AddWritten(count);
+        mLeft += count - 1;
     }
 
     void AppendUntouched(Cmn_UnjoinedRects& out) const {
-        for (std::uint32_t i = 0; i < mOriginals; ++i) {
-            if (!mNodes[i].mIsOverlapped)
-                out.mRects.Append(mNodes[i].mRect);
-        }
+        AppendIf(out, mOriginals - mLeft, [](const Node& node) { return !node.mIsOverlapped; });
     }
     void AppendRest(Cmn_UnjoinedRects& out) const {
-        for (std::size_t i = 0; i < mNodes.size(); ++i) {
-            if (mNodes[i].mIsOverlapped && mNodes[i].mPieces == kUncut)
-                out.mRects.Append(mNodes[i].mRect);
-        }
+        AppendIf(out, mLeft,
+                 [](const Node& node) { return node.mIsOverlapped & (node.mPieces == kUncut); });
     }
 
   private:
@@ -136,6 +147,14 @@ class CutList {
         std::uint32_t mPieces; // the first piece's number << 3 | their count; or kUncut
         bool mIsOverlapped;    // or a piece of one that was
     };
+
+    // Cuts what lies below off the span, where that is long enough to be worth it.
+    void Narrow(Waiting& waiting) const noexcept {
+        constexpr std::uint32_t few = 4;
+        while (waiting.mEnd > waiting.mFirst + few &&
+               mNodes[mOverlaps[waiting.mEnd - 1]].mRect.top >= waiting.mRect.bottom)
+            --waiting.mEnd;
+    }
 
     void FindFirstPiece(const Node& node, const Rect& probe, std::uint32_t& first) const noexcept {
         const std::uint32_t start = node.mPieces >> 3;
@@ -150,9 +169,23 @@ class CutList {
         }
     }
 
+    // Appends those nodes, which are known to be that many: all are written, and over if they are
+    // none of them.
+    template <class IsOne>
+    void AppendIf(Cmn_UnjoinedRects& out, std::size_t count, IsOne isOne) const {
+        Rect* to = out.mRects.MakeRoom(count);
+        const Rect* const end = to + count;
+        for (const Node* node = mNodes.data(); to < end; ++node) {
+            *to = node->mRect;
+            to += isOne(*node) ? 1 : 0;
+        }
+        out.mRects.AddWritten(count);
+    }
+
     const std::uint32_t* mOverlaps; // not owned
     Cmn_Scratch<Node, 64> mNodes;
     std::uint32_t mOriginals;
+    std::size_t mLeft = 0; // overlapped and not cut, and pieces of such
     bool mSorted;
 };
 
@@ -179,6 +212,7 @@ void Cmn_UniteRects(const Cmn_RectOperand& larger, const Cmn_RectOperand& smalle
     out.mDisjoint = larger.mDisjoint && smaller.mDisjoint;
     Cmn_RectOverlaps overlaps;
     FindOverlaps(larger, smaller, overlaps);
+    out.mRects.Reserve(larger.mCount + smaller.mCount + overlaps.mOthers.size() * 5 / 2);
     Queue queue;
     Split(larger, overlaps, out, queue);
     out.mHead = larger.mJoined ? out.mRects.size() : 0;
@@ -214,6 +248,7 @@ bool Cmn_SubtractRects(const Cmn_RectOperand& list, const Cmn_RectOperand& cutte
     FindOverlaps(list, cutters, overlaps);
     if (overlaps.mSpans.empty() && list.mJoined)
         return false;
+    out.mRects.Reserve(list.mCount + PiecesFrom(overlaps));
     Queue queue;
     Split(list, overlaps, out, queue);
     out.mHead = list.mJoined ? out.mRects.size() : 0;

@@ -42,12 +42,19 @@ class Cmn_Scratch {
     }
     /// The values lie outside this array.
     void Append(const T* values, std::size_t count) {
+        T* const to = MakeRoom(count);
+        if (count > 0)
+            std::memcpy(static_cast<void*>(to), values, count * sizeof(T));
+        AddWritten(count);
+    }
+    /// Where values behind the end go, that many at most; AddWritten makes those that were written
+    /// there part of the array.
+    [[nodiscard]] T* MakeRoom(std::size_t count) {
         if (mSize + count > mCapacity)
             Reserve(std::max(mSize + count, mCapacity * 2));
-        if (count > 0)
-            std::memcpy(static_cast<void*>(mData + mSize), values, count * sizeof(T));
-        mSize += count;
+        return mData + mSize;
     }
+    void AddWritten(std::size_t count) noexcept { mSize += count; }
     void Resize(std::size_t size) {
         Reserve(size);
         mSize = size;
