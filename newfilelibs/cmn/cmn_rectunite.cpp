@@ -200,3 +200,33 @@ bool Cmn_UniteWithTouched(Cmn_RectList& joined, const Rect& rect, std::size_t to
     return (partners.mCount == 1 && UniteWithPartner(joined, partners.mLast, rect)) ||
            UniteByCutting(joined, rect);
 }
+
+namespace {
+
+void AppendPieces(const Rect& whole, const Rect& part, Cmn_FewRects& out) noexcept {
+    Rect pieces[4];
+    const std::size_t count = Cmn_CutAround(whole, part, pieces);
+    for (std::size_t i = 0; i < count; ++i)
+        out.Append(pieces[i]);
+}
+
+} // namespace
+
+void Cmn_UniteTwo(const Rect& first, const Rect& second, Cmn_RectList& out) {
+    if (MakeRectangle(first, second)) {
+        out.ResizeForOverwrite(1);
+        out.Edit()[0] = first | second;
+    } else if (!Overlap(first, second)) {
+        out.ResizeForOverwrite(2);
+        Cmn_InsertSorted(out.Edit(), 0, first);
+        Cmn_InsertSorted(out.Edit(), 1, second);
+    } else {
+        const Rect common = Cmn_CommonPart(first, second);
+        Cmn_FewRects few;
+        few.Append(common);
+        AppendPieces(first, common, few);
+        AppendPieces(second, common, few);
+        few.Join(0, 0);
+        few.MoveTo(out, 0);
+    }
+}

@@ -1,4 +1,5 @@
-// Uniting a list with one rectangle in place: what a window does with each of its dirty rectangles.
+// Uniting two rectangles, and uniting a list with one in place: what a window does with each of its
+// dirty rectangles.
 //
 // The list is joined (disjoint, nothing to merge, sorted), and the rectangle has positive size. One
 // that touches nothing just comes in, and one that makes up a rectangle with the only one that it
@@ -25,3 +26,7 @@
 /// this is made for.
 [[nodiscard]] bool Cmn_UniteWithTouched(Cmn_RectList& joined, const Cmn_Rect<int>& rect,
                                         std::size_t touched);
+
+/// Unites two rectangles of positive size into `out`, whatever that holds. Pieces of the first come
+/// before those of the second while they are joined.
+void Cmn_UniteTwo(const Cmn_Rect<int>& first, const Cmn_Rect<int>& second, Cmn_RectList& out);

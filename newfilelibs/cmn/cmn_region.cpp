@@ -1,5 +1,6 @@
 #include "newfilelibs/cmn/cmn_region.h"
 
+#include "newfilelibs/cmn/cmn_rectcut.h"
 #include "newfilelibs/cmn/cmn_rectindex.h"
 #include "newfilelibs/cmn/cmn_rectsort.h"
 #include "newfilelibs/cmn/cmn_rectunite.h"
@@ -63,9 +64,19 @@ void Cmn_RegionCore<int>::FinishFrom(Cmn_UnjoinedRects& unjoined) {
     mFlags |= kFlag_BoundsStale;
 }
 
+// After the list was written: disjoint, joined and sorted.
+void Cmn_RegionCore<int>::FinishJoined() noexcept {
+    mKnown = kKnown_Disjoint | kKnown_Joined;
+    mFlags |= kFlag_BoundsStale;
+}
+
 void Cmn_RegionCore<int>::Union(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     if (IsEmpty() || other.IsEmpty()) {
         result.CopyFrom(IsEmpty() ? other : *this);
+    } else if (IsOneRectangle() && other.IsOneRectangle() && !(result.mFlags & kFlag_NoJoining)) {
+        // Of two as long, the other's is the one that is cut first.
+        Cmn_UniteTwo(other.mRects[0], mRects[0], result.mRects);
+        result.FinishJoined();
     } else if (other.IsOneRectangle()) {
         result.CopyFrom(*this);
         result.Unite(other.mRects[0]);
@@ -140,6 +151,12 @@ void Cmn_RegionCore<int>::UniteLists(Cmn_RegionCore& result, const Cmn_RegionCor
 void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     if (!BoundsOverlap(other))
         return;
+    if (IsOneRectangle() && other.IsOneRectangle()) {
+        result.mRects.ResizeForOverwrite(1);
+        result.mRects.Edit()[0] = Cmn_CommonPart(mRects[0], other.mRects[0]);
+        result.FinishJoined();
+        return;
+    }
     Cmn_UnjoinedRects unjoined;
     Cmn_IntersectRects(Cmn_RectOperand(*this), Cmn_RectOperand(other), unjoined);
     result.FinishFrom(unjoined);
@@ -148,6 +165,14 @@ void Cmn_RegionCore<int>::Intersection(Cmn_RegionCore& result, const Cmn_RegionC
 void Cmn_RegionCore<int>::Difference(Cmn_RegionCore& result, const Cmn_RegionCore& other) const {
     if (other.IsEmpty() || IsEmpty() || IsLeftAloneBy(other)) {
         result.CopyFrom(*this);
+        return;
+    }
+    if (IsOneRectangle() && other.IsOneRectangle() && BoundsOverlap(other)) {
+        // The pieces of one cut come in order, and no two of them share an edge.
+        result.mRects.ResizeForOverwrite(4);
+        result.mRects.ResizeForOverwrite(Cmn_CutAround(
+            mRects[0], Cmn_CommonPart(mRects[0], other.mRects[0]), result.mRects.Edit()));
+        result.FinishJoined();
         return;
     }
     Cmn_UnjoinedRects unjoined;

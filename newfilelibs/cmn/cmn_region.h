@@ -159,6 +159,7 @@ class QLX_API Cmn_RegionCore<int> {
     void UniteSlowly(const Cmn_Rect<int>& rect);
     void UniteLists(Cmn_RegionCore& result, const Cmn_RegionCore& other) const;
     void FinishFrom(Cmn_UnjoinedRects& unjoined);
+    void FinishJoined() noexcept;
     friend struct Cmn_RectOperand;
 
     std::uint32_t mKnown = kKnown_Disjoint | kKnown_Joined;
