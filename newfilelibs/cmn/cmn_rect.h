@@ -90,8 +90,9 @@ struct Cmn_Rect {
     }
     /// Whether the two share an area of positive width and height.
     [[nodiscard]] constexpr bool Overlaps(const Cmn_Rect& other) const noexcept {
-        return std::max(left, other.left) < std::min(right, other.right) &&
-               std::max(top, other.top) < std::min(bottom, other.bottom);
+        // Not &&: which side tells is not to be foretold, and a wrong guess costs more than both.
+        return (std::max(left, other.left) < std::min(right, other.right)) &
+               (std::max(top, other.top) < std::min(bottom, other.bottom));
     }
 
     // Changes

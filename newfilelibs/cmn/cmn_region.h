@@ -98,6 +98,8 @@ class QLX_API Cmn_RegionCore<int> {
     [[nodiscard]] bool ContainsRect(const Cmn_Rect<int>& rect) const noexcept;
     /// Whether the bounds overlap; without that the regions have no pixel in common.
     [[nodiscard]] bool BoundsOverlap(const Cmn_RegionCore& other) const noexcept {
+        if (mRects.size() == 1 && other.mRects.size() == 1) // nearer in memory than the bounds
+            return mRects[0].Overlaps(other.mRects[0]);
         if (((mFlags | other.mFlags) & kFlag_BoundsStale) != 0 &&
             (!HasFreshBounds() || !other.HasFreshBounds()))
             return false;
@@ -105,7 +107,7 @@ class QLX_API Cmn_RegionCore<int> {
     }
     /// Whether the difference to the other is seen at once to be this core's list as it stands.
     [[nodiscard]] bool IsLeftAloneBy(const Cmn_RegionCore& other) const noexcept {
-        return IsKnown(kKnown_Joined) && !BoundsOverlap(other);
+        return !BoundsOverlap(other) && IsKnown(kKnown_Joined);
     }
 
     /// Computes what queries would compute or do without, so that from now on reading changes
