@@ -80,10 +80,10 @@ class CutList {
         mNodes.Reserve(operand.mCount + PiecesFrom(overlaps));
         mNodes.Resize(operand.mCount);
         for (std::size_t i = 0; i < operand.mCount; ++i)
-            mNodes[i] = {operand.mRects[i], kUncut, false};
+            mNodes[i] = {operand.mRects[i], kUncut, 0};
         for (const std::uint32_t i : overlaps.mOthers) {
-            mLeft += mNodes[i].mIsOverlapped ? 0 : 1;
-            mNodes[i].mIsOverlapped = true;
+            mLeft += 1 - mNodes[i].mIsOverlapped;
+            mNodes[i].mIsOverlapped = 1;
         }
     }
 
@@ -126,17 +126,18 @@ class CutList {
         mNodes[number].mPieces = static_cast<std::uint32_t>(mNodes.size() << 3 | count);
         Node* const to = mNodes.MakeRoom(4);
         for (std::size_t i = 0; i < 4; ++i)
-            to[i] = {pieces[i], kUncut, true};
+            to[i] = {pieces[i], kUncut, 1};
         mNodes.AddWritten(count);
         mLeft += count - 1;
     }
 
     void AppendUntouched(Cmn_UnjoinedRects& out) const {
-        AppendIf(out, mOriginals - mLeft, [](const Node& node) { return !node.mIsOverlapped; });
+        AppendIf(out, mOriginals - mLeft, [](const Node& node) { return node.mIsOverlapped == 0; });
     }
     void AppendRest(Cmn_UnjoinedRects& out) const {
-        AppendIf(out, mLeft,
-                 [](const Node& node) { return node.mIsOverlapped & (node.mPieces == kUncut); });
+        AppendIf(out, mLeft, [](const Node& node) {
+            return (node.mPieces == kUncut) & (node.mIsOverlapped != 0);
+        });
     }
 
   private:
@@ -144,8 +145,8 @@ class CutList {
 
     struct Node {
         Rect mRect;
-        std::uint32_t mPieces; // the first piece's number << 3 | their count; or kUncut
-        bool mIsOverlapped;    // or a piece of one that was
+        std::uint32_t mPieces;       // the first piece's number << 3 | their count; or kUncut
+        std::uint32_t mIsOverlapped; // 1 if so, or if a piece of one that was; else 0
     };
 
     // Cuts what lies below off the span, where that is long enough to be worth it.
