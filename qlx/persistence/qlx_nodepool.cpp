@@ -13,14 +13,20 @@
 #endif
 #if defined(__SANITIZE_ADDRESS__) || QLX_CLANG_ASAN
 #include <sanitizer/asan_interface.h>
+#include <sanitizer/lsan_interface.h>
+#define LSAN_REGISTER_ROOT_REGION(start, size) __lsan_register_root_region(start, size)
+#define LSAN_UNREGISTER_ROOT_REGION(start, size) __lsan_unregister_root_region(start, size)
 #else
 #define ASAN_POISON_MEMORY_REGION(start, size) (static_cast<void>(start), static_cast<void>(size))
 #define ASAN_UNPOISON_MEMORY_REGION(start, size) (static_cast<void>(start), static_cast<void>(size))
+#define LSAN_REGISTER_ROOT_REGION(start, size) static_cast<void>(0)
+#define LSAN_UNREGISTER_ROOT_REGION(start, size) static_cast<void>(0)
 #endif
 
 namespace {
 constexpr std::size_t kFirstSlab = 4096;
-constexpr std::size_t kLargestSlab = 256 * 1024;
+constexpr std::size_t kLargestSlab = 256 * 1024;  // but for large pages
+constexpr std::size_t kLargestShared = 32 * 1024; // of the pieces that share a slab with others
 } // namespace
 
 /// Stands at a slab's start; before each piece stands the address of its slab.
@@ -34,10 +40,29 @@ namespace {
 std::size_t WithPrefix(std::size_t size) { return sizeof(void*) + (size + 7) / 8 * 8; }
 } // namespace
 
-QLX_NodePool::~QLX_NodePool() {
-    if (mSlab && --mSlab->mUsers == 0)
-        ::operator delete(mSlab);
+/// With one user.
+QLX_NodePool::Slab* QLX_NodePool::NewSlab(std::size_t size) {
+    const bool isPage = size == kSys_LargePage;
+    void* const start = isPage ? Sys_AllocateLargePages(size) : ::operator new(size);
+    if (isPage)
+        LSAN_REGISTER_ROOT_REGION(start, size);
+    return new (start) Slab{1, size};
 }
+
+void QLX_NodePool::Release(Slab* slab) noexcept {
+    if (!slab || --slab->mUsers != 0)
+        return;
+    const std::size_t size = slab->mSize;
+    ASAN_UNPOISON_MEMORY_REGION(slab, size);
+    if (size != kSys_LargePage) {
+        ::operator delete(slab);
+        return;
+    }
+    LSAN_UNREGISTER_ROOT_REGION(slab, size);
+    Sys_FreeLargePages(slab, size);
+}
+
+QLX_NodePool::~QLX_NodePool() { Release(mSlab); }
 
 void* QLX_NodePool::Allocate(std::size_t size) {
     const std::size_t taken = WithPrefix(size);
@@ -51,37 +76,36 @@ void* QLX_NodePool::Allocate(std::size_t size) {
     return piece + sizeof(void*);
 }
 
+/// Twice what was taken so far, so that few slabs hold a large tree and no small one wastes much.
+std::size_t QLX_NodePool::NextSlabSize() const {
+    if (mTaken >= kLargestSlab && mExpected >= mTaken + kSys_LargePage)
+        return kSys_LargePage;
+    return std::clamp(mTaken + kFirstSlab, kFirstSlab, kLargestSlab);
+}
+
 void* QLX_NodePool::AllocateFromNew(std::size_t size) {
     const std::size_t taken = WithPrefix(size);
-    if (taken > kLargestSlab / 8) {
+    if (taken > kLargestShared) {
         // Large pieces have slabs of their own: the one that is being filled goes on.
-        Slab* const own = new (::operator new(sizeof(Slab) + taken)) Slab{1, taken};
+        Slab* const own = NewSlab(sizeof(Slab) + taken);
         char* const piece = reinterpret_cast<char*>(own + 1);
         *reinterpret_cast<Slab**>(piece) = own;
         return piece + sizeof(void*);
     }
-    const std::size_t wanted = mSlabSize ? std::min(mSlabSize * 2, kLargestSlab) : kFirstSlab;
-    const std::size_t slabSize = std::max(wanted, sizeof(Slab) + taken);
-    Slab* const slab = new (::operator new(slabSize)) Slab{1, slabSize};
-    if (mSlab && --mSlab->mUsers == 0)
-        ::operator delete(mSlab);
-    if (slabSize == kLargestSlab) // one of many, likely
-        Sys_PreparePages(slab, slabSize);
+    const std::size_t slabSize = std::max(NextSlabSize(), sizeof(Slab) + taken);
+    Slab* const slab = NewSlab(slabSize);
+    Release(mSlab);
     mSlab = slab;
-    mSlabSize = slabSize;
+    mTaken += slabSize;
     mNext = reinterpret_cast<char*>(slab + 1);
     mEnd = reinterpret_cast<char*>(slab) + slabSize;
     ASAN_POISON_MEMORY_REGION(mNext, static_cast<std::size_t>(mEnd - mNext));
     return Allocate(size);
 }
 
-void QLX_NodePool::Free(void* piece, std::size_t size) noexcept {
-    Slab* const slab = static_cast<Slab**>(piece)[-1];
+void QLX_NodePool::Free(void* piece, [[maybe_unused]] std::size_t size) noexcept {
     ASAN_POISON_MEMORY_REGION(piece, size);
-    if (--slab->mUsers == 0) {
-        ASAN_UNPOISON_MEMORY_REGION(slab, slab->mSize);
-        ::operator delete(slab);
-    }
+    Release(static_cast<Slab**>(piece)[-1]);
 }
 
 QLX_PooledContainer::QLX_PooledContainer(const std::string& name)

@@ -20,6 +20,10 @@ class QLX_NodePool {
     QLX_NodePool(const QLX_NodePool&) = delete;
     QLX_NodePool& operator=(const QLX_NodePool&) = delete;
 
+    /// How much is likely to be asked for in all. Up to that a pool takes large pages, of which the
+    /// last one would be wasted in part if it came to less.
+    void Expect(std::size_t size) { mExpected = size; }
+
     /// Aligned to eight bytes.
     [[nodiscard]] void* Allocate(std::size_t size);
     /// Takes what any pool allocated, with the size that was asked for.
@@ -27,12 +31,16 @@ class QLX_NodePool {
 
   private:
     struct Slab;
+    [[nodiscard]] static Slab* NewSlab(std::size_t size);
+    static void Release(Slab* slab) noexcept;
+    [[nodiscard]] std::size_t NextSlabSize() const;
     [[nodiscard]] void* AllocateFromNew(std::size_t size);
 
     Slab* mSlab = nullptr; // held by the pool as by each of its pieces
     char* mNext = nullptr;
     char* mEnd = nullptr;
-    std::size_t mSlabSize = 0;
+    std::size_t mTaken = 0; // the sizes of all slabs for pieces that share them
+    std::size_t mExpected = 0;
 };
 
 /// A plain container in a pool's memory.

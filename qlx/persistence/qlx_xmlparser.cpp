@@ -175,8 +175,8 @@ QLX_RawPropertyContainer* QLX_XMLParser::Parse() {
 /// or nothing more can come of it.
 bool QLX_XMLParser::FeedBlock(std::size_t size) {
     void* const room = XML_GetBuffer(mParser, static_cast<int>(size));
-    if (room && size >= kLargestBlock)
-        Sys_PreparePages(room, size);
+    if (room)
+        Sys_AdviseLargePages(room, size);
     const std::size_t count = room ? mFile->Read(room, size) : 0;
     const bool last = count < size;
     if (room && XML_ParseBuffer(mParser, static_cast<int>(count), last) != XML_STATUS_ERROR)
@@ -195,6 +195,7 @@ void QLX_XMLParser::FeedParser() {
     const std::uint64_t start = mFile->GetPosition();
     const std::uint64_t size = mFile->GetSize();
     const std::uint64_t left = size - std::min(size, start);
+    mPool->Expect(static_cast<std::size_t>(std::min(left, kLargestWhole))); // trees take more
     if (left > 0 && left < kLargestWhole && !FeedBlock(static_cast<std::size_t>(left) + 1))
         return;
     std::size_t blockSize = kBlockSize;

@@ -183,6 +183,24 @@ TEST(TreeMemory, LargeSetsHavePiecesOfTheirOwn) {
     EXPECT_EQ(long_.size(), 300'000u);
 }
 
+TEST(TreeMemory, LargeTreesAreTakenDownInAnyOrder) {
+    // Of several large pages, with what lies outside them: a long text, a set of another filter.
+    const auto root = Read("<c>" +
+                           Times(20'000, "<v a='1'><property name='p' type='string' value='" +
+                                             std::string(200, 'p') +
+                                             "'/><property name='p' type='string' value=''"
+                                             " Layout='Compact'/></v>") +
+                           "</c>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->CountChildren(), 20'000u);
+    std::unique_ptr<QLX_RawPropertyContainer> kept;
+    while (QLX_RawPropertyContainer* const child = root->GetFirstChild())
+        kept = root->RemoveChild(child);
+    kept->SetCurrentFilter(QLX_PropertyFilter::RootFilter());
+    std::string text;
+    EXPECT_TRUE(kept->GetStringProperty("p", text) && text.size() == 200);
+}
+
 /// Counts the bytes that are read.
 class CountingSystem : public Sys_FileSystem {
   public:
