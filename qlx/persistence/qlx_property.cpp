@@ -43,16 +43,17 @@ class Scanner {
                 ++at;
         }
         const char* const digits = at;
-        std::int32_t number = 0;
-        // So many digits cannot overflow, and hardly a number has more.
-        for (int left = 9; left > 0 && !IsEnd(at) && IsDigit(*at); --left, ++at)
-            number = number * 10 + (*at - '0');
+        std::uint32_t number = 0; // may wrap around
+        for (; !IsEnd(at) && IsDigit(*at); ++at)
+            number = number * 10 + static_cast<std::uint32_t>(*at - '0');
         if (at == digits)
             return false;
         mAt = at;
-        if (!IsEnd(at) && IsDigit(*at)) [[unlikely]]
-            return ScanFurtherDigits(number, negative, value);
-        value = negative ? -number : number;
+        constexpr int surelyFit = 9;
+        if (at - digits > surelyFit) [[unlikely]]
+            return HoldAtLimits(digits, negative, value);
+        const auto fitting = static_cast<std::int32_t>(number);
+        value = negative ? -fitting : fitting;
         return true;
     }
 
@@ -83,9 +84,11 @@ class Scanner {
   private:
     static constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
 
-    bool ScanFurtherDigits(std::int64_t number, bool negative, std::int32_t& value) {
-        for (; !IsEnd(mAt) && IsDigit(*mAt); ++mAt)
-            number = std::min(number * 10 + (*mAt - '0'), kBeyond);
+    /// The number of the digits up to what is left of the text.
+    bool HoldAtLimits(const char* digits, bool negative, std::int32_t& value) {
+        std::int64_t number = 0;
+        for (; digits != mAt; ++digits)
+            number = std::min(number * 10 + (*digits - '0'), kBeyond);
         number = negative ? -number : number;
         value = Cmn_ClampTo<std::int32_t>(number);
         mInRange = mInRange && value == number;
@@ -100,9 +103,10 @@ class Scanner {
     static bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') <= 9; }
     static int HexDigit(char c) { return kHexDigits[static_cast<unsigned char>(c)]; }
     const char* SkipBlanks() {
-        while (!IsEnd(mAt) && *mAt <= ' ' && IsBlank(*mAt))
-            ++mAt;
-        return mAt;
+        const char* at = mAt;
+        while (!IsEnd(at) && *at <= ' ' && IsBlank(*at))
+            ++at;
+        return at;
     }
 
     const char* mAt;

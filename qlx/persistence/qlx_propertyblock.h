@@ -22,6 +22,9 @@
 #include "qlx/persistence/qlx_property.h"
 
 namespace QLX_PropertyBytes {
+// Together they keep every offset within 32 bits.
+inline constexpr std::size_t kMostValues = 1 << 26;
+inline constexpr std::size_t kMostBytes = 1 << 30;
 inline constexpr std::uint32_t kLongestName = (1u << 28) - 1; // leaves room for the type above it
 inline constexpr std::uint64_t kHashFactor = 0x9E3779B97F4A7C15u;
 
@@ -70,6 +73,9 @@ inline std::uint32_t SizeAndType(std::size_t size, QLX_PropertyType type) noexce
     return static_cast<std::uint32_t>(size) | static_cast<std::uint32_t>(type) << 28;
 }
 
+/// Throws std::length_error for a name that is too long.
+void CheckNameSize(std::size_t size);
+
 /// What a name is looked for by.
 struct Key {
     std::string_view mName;
@@ -115,18 +121,20 @@ inline bool IsName(const Key& key, const char* bytes) noexcept {
 
 /// memcpy without a call for what is short.
 inline void Copy(char* to, const char* from, std::size_t size) noexcept {
-    if (size > 32) {
-        std::memcpy(to, from, size);
-    } else if (size > 16) {
-        const std::uint64_t pieces[4] = {Load8(from), Load8(from + 8), Load8(from + size - 16),
-                                         Load8(from + size - 8)};
-        std::memcpy(to, pieces, 16);
-        std::memcpy(to + size - 16, pieces + 2, 16);
-    } else if (size >= 8) {
-        const std::uint64_t first = Load8(from);
-        const std::uint64_t last = Load8(from + size - 8);
-        std::memcpy(to, &first, 8);
-        std::memcpy(to + size - 8, &last, 8);
+    if (size >= 8) {
+        if (size > 32) {
+            std::memcpy(to, from, size);
+        } else if (size > 16) {
+            const std::uint64_t pieces[4] = {Load8(from), Load8(from + 8), Load8(from + size - 16),
+                                             Load8(from + size - 8)};
+            std::memcpy(to, pieces, 16);
+            std::memcpy(to + size - 16, pieces + 2, 16);
+        } else {
+            const std::uint64_t first = Load8(from);
+            const std::uint64_t last = Load8(from + size - 8);
+            std::memcpy(to, &first, 8);
+            std::memcpy(to + size - 8, &last, 8);
+        }
     } else if (size >= 4) {
         const std::uint32_t first = Load4(from);
         const std::uint32_t last = Load4(from + size - 4);
@@ -136,6 +144,11 @@ inline void Copy(char* to, const char* from, std::size_t size) noexcept {
         for (std::size_t i = 0; i < size; ++i)
             to[i] = from[i];
     }
+}
+
+inline std::uint64_t PackColor(const CRGBColor& color) noexcept {
+    return std::uint64_t{color.GetRed()} << 48 | std::uint64_t{color.GetGreen()} << 32 |
+           std::uint64_t{color.GetBlue()} << 16 | color.GetAlpha();
 }
 
 inline bool IsText(QLX_PropertyType type) noexcept {
@@ -174,6 +187,7 @@ struct Entry {
 };
 
 struct alignas(8) Block {
+    static constexpr std::size_t kTinyCapacity = 2;
     static constexpr std::size_t kSmallCapacity = 8;
     static constexpr std::size_t kNarrowCapacity = 128;   // to which a place fits into one byte
     static constexpr std::size_t kMiddleCapacity = 16384; // and into two
@@ -265,6 +279,27 @@ struct alignas(8) Block {
             AddToCells<std::uint8_t>(PlaceOf(index), hash);
         else
             AddToLarge(PlaceOf(index), hash);
+    }
+    template <class Cell>
+    [[nodiscard]] Entry* FindOrAddToCells(std::size_t place, std::uint64_t hash) noexcept {
+        const Entry& added = EntryAt(place);
+        std::size_t cell = hash >> mIndexShift;
+        while (const std::size_t taken = CellAt<Cell>(cell)) {
+            Entry& entry = EntryAt(taken);
+            if (entry.mSizeAndType == added.mSizeAndType && NameOf(entry) == NameOf(added))
+                return &entry;
+            cell = (cell + 1) & (CellCount() - 1);
+        }
+        const Cell narrow = static_cast<Cell>(place);
+        std::memcpy(Cells() + cell * sizeof(Cell), &narrow, sizeof narrow);
+        return nullptr;
+    }
+    [[nodiscard]] Entry* FindOrAddToLarge(std::size_t place, std::uint64_t hash) noexcept;
+    /// Of the entry at an index, which has that hash: the one before it that has its type and name;
+    /// without such a one it is put into the index, and the answer is null.
+    [[nodiscard]] Entry* FindOrAddToIndex(std::size_t index, std::uint64_t hash) noexcept {
+        return mCellSize == 1 ? FindOrAddToCells<std::uint8_t>(PlaceOf(index), hash)
+                              : FindOrAddToLarge(PlaceOf(index), hash);
     }
     void ClearIndex() noexcept { std::memset(Cells(), 0, mEntriesOffset - sizeof(Block)); }
     void RebuildIndex() noexcept;

@@ -19,10 +19,6 @@
 using namespace QLX_PropertyBytes;
 
 namespace {
-// Together they keep every offset within 32 bits.
-constexpr std::size_t kMostValues = 1 << 26;
-constexpr std::size_t kMostBytes = 1 << 30;
-
 // The order in which types are written.
 constexpr QLX_PropertyType kTypeOrder[] = {
     qlx_PropType_Bool,   qlx_PropType_Int32,  qlx_PropType_Int64,
@@ -38,11 +34,6 @@ constexpr int RankOf(QLX_PropertyType type) {
 
 bool gSortedXMLMode = false;
 
-std::uint64_t PackColor(const CRGBColor& color) {
-    return std::uint64_t{color.GetRed()} << 48 | std::uint64_t{color.GetGreen()} << 32 |
-           std::uint64_t{color.GetBlue()} << 16 | color.GetAlpha();
-}
-
 CRGBColor UnpackColor(std::uint64_t value) {
     return CRGBColor(static_cast<std::uint16_t>(value >> 48),
                      static_cast<std::uint16_t>(value >> 32),
@@ -56,6 +47,11 @@ void AppendEscaped(std::string& out, std::string_view text) {
         out += Cmn_XML_SimpleEscape(text);
 }
 } // namespace
+
+void QLX_PropertyBytes::CheckNameSize(std::size_t size) {
+    if (size > kLongestName)
+        throw std::length_error("a property's name has less than 256 MB");
+}
 
 std::uint64_t QLX_PropertyBytes::HashMiddle(std::string_view name) noexcept {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
@@ -113,6 +109,14 @@ void QLX_PropertyBytes::Block::AddToLarge(std::size_t place, std::uint64_t hash)
     }
 }
 
+QLX_PropertyBytes::Entry* QLX_PropertyBytes::Block::FindOrAddToLarge(std::size_t place,
+                                                                     std::uint64_t hash) noexcept {
+    Entry* const earlier = FindInLarge(KeyOf(EntryAt(place).Type(), NameOf(EntryAt(place))));
+    if (!earlier)
+        AddToLarge(place, hash);
+    return earlier;
+}
+
 void QLX_PropertyBytes::Block::RebuildIndex() noexcept {
     ClearIndex();
     const bool wasSalted = mIsSalted;
@@ -147,8 +151,10 @@ QLX_PropertySet::Block* QLX_PropertySet::NewBlock(std::size_t capacity, std::siz
                        : capacity <= Block::kMiddleCapacity ? 2
                                                             : 4;
     const std::size_t sparse = header.mCellSize == 1 ? 8 : 4;
-    const std::size_t cells =
-        capacity <= Block::kSmallCapacity ? 32 : std::bit_ceil(sparse * capacity);
+    const std::size_t cells = capacity <= Block::kTinyCapacity ? 16
+                              : capacity <= Block::kSmallCapacity
+                                  ? 32
+                                  : std::bit_ceil(sparse * capacity);
     header.mIndexShift = static_cast<std::uint8_t>(64 - std::countr_zero(cells));
     header.mEntriesOffset = static_cast<std::uint32_t>(sizeof(Block) + cells * header.mCellSize);
     header.mIsPooled = pool != nullptr;
@@ -269,29 +275,10 @@ QLX_PropertySet::~QLX_PropertySet() { Release(mBlock); }
 
 void QLX_PropertySet::Clear() { Release(std::exchange(mBlock, nullptr)); }
 
-void QLX_PropertySet::ClearKeepMemory() {
-    // A large block is not worth clearing for the small sets that may follow.
-    if (!mBlock || mBlock->mReferences > 1 || mBlock->mCapacity > 1024) {
-        Clear();
-        return;
-    }
-    mBlock->mCount = 0;
-    mBlock->mDataSize = 0;
-    mBlock->mGarbage = 0;
-    mBlock->ClearIndex();
-}
-
-QLX_PropertySet QLX_PropertySet::CopyCompact() const {
+QLX_PropertySet QLX_PropertySet::CopyCompact(QLX_NodePool* pool) const {
     QLX_PropertySet copy;
     if (!IsEmpty())
-        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage, nullptr);
-    return copy;
-}
-
-QLX_PropertySet QLX_PropertySet::CopyCompact(QLX_NodePool& pool) const {
-    QLX_PropertySet copy;
-    if (!IsEmpty())
-        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage, &pool);
+        copy.mBlock = CopyBlock(mBlock->mCount, mBlock->mDataSize - mBlock->mGarbage, pool);
     return copy;
 }
 
@@ -440,8 +427,7 @@ bool operator==(const QLX_PropertySet& a, const QLX_PropertySet& b) {
 
 /// Appends a name that is not there yet, for which there is room; its value is still 0.
 QLX_PropertySet::Entry& QLX_PropertySet::Append(const Key& key) {
-    if (key.mName.size() > kLongestName)
-        throw std::length_error("a property's name has less than 256 MB");
+    CheckNameSize(key.mName.size());
     Block& block = *mBlock;
     const std::size_t index = block.mCount++;
     Entry& entry = block.Entries()[index];
@@ -549,29 +535,6 @@ bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type,
         break;
     }
     return false;
-}
-
-bool QLX_PropertySet::SetFromText(std::string_view name, QLX_PropertyType type, const char* text) {
-    switch (type) {
-    case qlx_PropType_Bool:
-        SetBoolProperty(name, std::strcmp(text, "true") == 0);
-        return true;
-    case qlx_PropType_String:
-    case qlx_PropType_String_Key:
-        StoreBytes(KeyOf(type, name), text, std::strlen(text));
-        return true;
-    case qlx_PropType_Color:
-        SetColorProperty(name, QLX_TextToColor(text));
-        return true;
-    case qlx_PropType_Point:
-        SetPointProperty(name, QLX_TextToPoint(text));
-        return true;
-    case qlx_PropType_Rect:
-        SetRectProperty(name, QLX_TextToRect(text));
-        return true;
-    default:
-        return SetFromText(name, type, std::string_view(text));
-    }
 }
 
 void QLX_PropertySet::SetProperty(const QLX_PropertyView& value) {

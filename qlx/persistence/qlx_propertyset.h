@@ -64,8 +64,6 @@ class QLX_API QLX_PropertySet {
     void SetRectProperty(std::string_view name, const VRect& value);
     /// Parses the text as the type reads it; false, and nothing stored, for type none.
     bool SetFromText(std::string_view name, QLX_PropertyType type, std::string_view text);
-    /// Of a text that ends with a NUL, whose length is not looked for where that is not needed.
-    bool SetFromText(std::string_view name, QLX_PropertyType type, const char* text);
     /// Stores a value looked at in this or another set.
     void SetProperty(const QLX_PropertyView& value);
 
@@ -113,23 +111,17 @@ class QLX_API QLX_PropertySet {
     /// is read as if right; where the stream ends early it ends too, and the stream knows why.
     void StreamIn(Sys_TypedInStream& stream);
 
-    /// A copy that takes no more memory than its values need.
-    [[nodiscard]] QLX_PropertySet CopyCompact() const;
-    /// The same in a pool's memory, for the library's own readers.
-    [[nodiscard]] QLX_PropertySet CopyCompact(QLX_NodePool& pool) const;
-    /// Forgets the values and keeps the memory, unless other sets share it or it is large.
-    void ClearKeepMemory();
+    /// A copy that takes no more memory than its values need; the library's own readers have it in
+    /// a pool's memory.
+    [[nodiscard]] QLX_PropertySet CopyCompact(QLX_NodePool* pool = nullptr) const;
     /// Whether two sets share one block of memory.
     [[nodiscard]] bool SharesMemoryWith(const QLX_PropertySet& other) const noexcept {
         return mBlock && mBlock == other.mBlock;
     }
 
-    // Stores by a name that was hashed for the type before, for the library's own readers.
-    void StoreScalar(const QLX_PropertyBytes::Key& key, std::uint64_t value);
-    void StoreBytes(const QLX_PropertyBytes::Key& key, const void* bytes, std::size_t size);
-
   private:
     friend class QLX_RawPropertyContainer; // looks up without a call between
+    friend class QLX_PropertySetBuilder;
     using Block = QLX_PropertyBytes::Block;
     using Entry = QLX_PropertyBytes::Entry;
     struct Hold;
@@ -144,6 +136,8 @@ class QLX_API QLX_PropertySet {
     void MakeRoom(std::size_t entries, std::size_t bytes, Hold& old);
     void GrowFor(std::size_t entries, std::size_t bytes, Hold& old);
     Entry& Append(const QLX_PropertyBytes::Key& key);
+    void StoreScalar(const QLX_PropertyBytes::Key& key, std::uint64_t value);
+    void StoreBytes(const QLX_PropertyBytes::Key& key, const void* bytes, std::size_t size);
     [[nodiscard]] QLX_PropertyView ViewOf(const Entry& entry) const;
 
     Block* mBlock = nullptr; // counted; shared between copies; null for an empty set

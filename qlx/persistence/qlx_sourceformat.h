@@ -15,6 +15,7 @@
 #include "qlx/persistence/qlx_persistence.h"
 
 class QLX_NodePool;
+class QLX_PropertySetBuilder;
 struct XML_ParserStruct;
 
 /// Something wrong with a source file, at a place in it.
@@ -110,20 +111,32 @@ class QLX_API QLX_XMLParser {
     };
     struct Callbacks;
     enum OwnAttribute { kOwnName, kOwnType, kOwnValue, kOwnCount };
+    /// A property element as it stands there; null for an attribute that is missing.
+    struct PropertyText {
+        const char* mName;
+        const char* mType;
+        const char* mValue;
+        const QLX_PropertyFilter* mFilter; // null when it takes more to find it
+    };
 
     void FeedParser();
     bool FeedBlock(std::size_t size);
     void StartContainer(const char* name, const char** attributes);
     void StartProperty(const char** attributes);
-    void StoreProperty(const OpenContainer& open, const char* name, const char* type,
-                       const char* value, const QLX_PropertyFilter& filter);
+    [[nodiscard]] PropertyText TakeAttributes(const char** attributes);
+    [[nodiscard]] PropertyText TakeInAnyOrder(const char** attributes);
+    void StoreProperty(const OpenContainer& open, const PropertyText& property,
+                       const QLX_PropertyFilter& filter);
+    void StoreBySetter(QLX_RawPropertyContainer& container, const PropertyText& property,
+                       const QLX_PropertyFilter& filter);
+    void ReportMissing(const PropertyText& property);
     [[nodiscard]] OwnAttribute OwnAttributeOf(const char* name);
     [[nodiscard]] const QLX_PropertyFilter* FindOnly(const char** attribute) const;
     const QLX_PropertyFilter& FilterOf(const char** attributes);
     void AddKnownFilter(const char** attributes);
-    void UseScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
-    void TakeScratchFor(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
-    void FlushScratch();
+    void Gather(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
+    void GatherAnew(QLX_RawPropertyContainer* container, const QLX_PropertyFilter& filter);
+    void StoreGathered();
     void AddProblem(QLX_SourceProblem::Severity severity, const std::string& reason,
                     bool lost = false);
     [[nodiscard]] QLX_SourceObserver::Place GetPlace() const;
@@ -147,9 +160,9 @@ class QLX_API QLX_XMLParser {
     const QLX_PropertyFilter& mRootFilter;
     const char* mOwnNames[kOwnCount] = {}; // where expat keeps them
     // Properties of one container and filter on their way into it.
-    QLX_PropertySet mScratch;
-    QLX_RawPropertyContainer* mScratchContainer = nullptr;
-    QLX_PropertyFilter mScratchFilter;
+    std::unique_ptr<QLX_PropertySetBuilder> mGathered;
+    QLX_RawPropertyContainer* mGatheredFor = nullptr;
+    QLX_PropertyFilter mGatheredFilter;
     // Filters met lately, by their attributes as text; replaced in turn.
     std::vector<KnownFilter> mKnownFilters;
     std::size_t mLastKnown = 0;

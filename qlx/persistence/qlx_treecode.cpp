@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "qlx/persistence/qlx_nodepool.h"
+#include "qlx/persistence/qlx_propertysetbuilder.h"
 
 namespace {
 constexpr std::uint64_t kVersion = 1;
@@ -290,12 +291,11 @@ class QLX_TreeCode::Decoder {
             if (filter >= mFilters.size())
                 Fail("there is no filter " + std::to_string(filter));
             const std::size_t count = GetCount(3);
-            mScratch.ClearKeepMemory();
             for (std::size_t n = 0; n < count; ++n)
                 GetProperty();
             // They were written in the map's order.
             sets.insert_or_assign(sets.end(), mFilters[static_cast<std::size_t>(filter)],
-                                  mScratch.CopyCompact(mPool));
+                                  mSet.Take(&mPool));
         }
         childCount = GetCount(3);
         return container;
@@ -325,35 +325,35 @@ class QLX_TreeCode::Decoder {
         const Key key = QLX_PropertyBytes::WithType(GetKey(), static_cast<QLX_PropertyType>(type));
         switch (type) {
         case qlx_PropType_Bool:
-            mScratch.StoreScalar(key, GetSigned() != 0);
+            mSet.AddScalar(key, GetSigned() != 0);
             break;
         case qlx_PropType_Int32:
-            mScratch.StoreScalar(
-                key, static_cast<std::uint64_t>(std::int64_t{GetWithin<std::int32_t>()}));
+            mSet.AddScalar(key,
+                           static_cast<std::uint64_t>(std::int64_t{GetWithin<std::int32_t>()}));
             break;
         case qlx_PropType_Int64:
-            mScratch.StoreScalar(key, static_cast<std::uint64_t>(GetSigned()));
+            mSet.AddScalar(key, static_cast<std::uint64_t>(GetSigned()));
             break;
         case qlx_PropType_IDType:
-            mScratch.StoreScalar(key, GetWithin<std::uint32_t>());
+            mSet.AddScalar(key, GetWithin<std::uint32_t>());
             break;
         case qlx_PropType_String:
         case qlx_PropType_String_Key: {
             const std::string_view text = GetText();
-            mScratch.StoreBytes(key, text.data(), text.size());
+            mSet.AddBytes(key, text.data(), text.size());
             break;
         }
         case qlx_PropType_Color: {
             const std::uint16_t red = GetComponent();
             const std::uint16_t green = GetComponent();
             const std::uint16_t blue = GetComponent();
-            mScratch.SetColorProperty(key.mName, CRGBColor(red, green, blue, GetComponent()));
+            mSet.AddColor(key, CRGBColor(red, green, blue, GetComponent()));
             break;
         }
         case qlx_PropType_Point: {
             const std::int64_t vertical = GetSigned();
             const VPoint point(GetSigned(), vertical);
-            mScratch.StoreBytes(key, &point, sizeof point);
+            mSet.AddPoint(key, point);
             break;
         }
         case qlx_PropType_Rect: {
@@ -361,7 +361,7 @@ class QLX_TreeCode::Decoder {
             const std::int64_t left = GetSigned();
             const std::int64_t bottom = GetSigned();
             const VRect rect(left, top, GetSigned(), bottom);
-            mScratch.StoreBytes(key, &rect, sizeof rect);
+            mSet.AddRect(key, rect);
             break;
         }
         default:
@@ -396,7 +396,7 @@ class QLX_TreeCode::Decoder {
     std::vector<QLX_PropertyFilter> mFilters;
     std::string mContainerName;
     QLX_NodePool mPool;
-    QLX_PropertySet mScratch;
+    QLX_PropertySetBuilder mSet; // the one that is being read
 };
 
 std::string QLX_TreeCode::Encode(const QLX_ViewMemento& memento) {

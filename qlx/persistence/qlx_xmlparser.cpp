@@ -12,6 +12,7 @@
 #include "basekit/cmn/cmn_internal.h"
 #include "basekit/sys/sys_pages.h"
 #include "qlx/persistence/qlx_nodepool.h"
+#include "qlx/persistence/qlx_propertysetbuilder.h"
 
 namespace {
 constexpr std::size_t kBlockSize = 1024;
@@ -36,29 +37,92 @@ QLX_MERGED inline bool Is(const char* text, const char (&literal)[kSize]) {
     return IsAt(text, literal, std::make_index_sequence<kSize>());
 }
 
-QLX_PropertyType TypeOf(const char* name) {
+template <QLX_PropertyType kType>
+using TypeConstant = std::integral_constant<QLX_PropertyType, kType>;
+
+/// Calls with the type of that name, none included, as a constant: what a property's type decides
+/// is decided by one jump, which in a file no processor could guess more than once.
+template <class Function>
+QLX_MERGED inline auto CallWithType(const char* name, Function function) {
     switch (name[0]) {
     case 'b':
-        return Is(name, "bool") ? qlx_PropType_Bool : qlx_PropType_None;
+        if (Is(name, "bool"))
+            return function(TypeConstant<qlx_PropType_Bool>());
+        break;
     case 'i':
         if (Is(name, "int32"))
-            return qlx_PropType_Int32;
+            return function(TypeConstant<qlx_PropType_Int32>());
         if (Is(name, "idtype"))
-            return qlx_PropType_IDType;
-        return Is(name, "int64") ? qlx_PropType_Int64 : qlx_PropType_None;
+            return function(TypeConstant<qlx_PropType_IDType>());
+        if (Is(name, "int64"))
+            return function(TypeConstant<qlx_PropType_Int64>());
+        break;
     case 'p':
-        return Is(name, "point") ? qlx_PropType_Point : qlx_PropType_None;
+        if (Is(name, "point"))
+            return function(TypeConstant<qlx_PropType_Point>());
+        break;
     case 'r':
         if (Is(name, "rect"))
-            return qlx_PropType_Rect;
-        return Is(name, "rgbcolor") ? qlx_PropType_Color : qlx_PropType_None;
+            return function(TypeConstant<qlx_PropType_Rect>());
+        if (Is(name, "rgbcolor"))
+            return function(TypeConstant<qlx_PropType_Color>());
+        break;
     case 's':
         if (Is(name, "string"))
-            return qlx_PropType_String;
-        return Is(name, "stringidx") ? qlx_PropType_String_Key : qlx_PropType_None;
+            return function(TypeConstant<qlx_PropType_String>());
+        if (Is(name, "stringidx"))
+            return function(TypeConstant<qlx_PropType_String_Key>());
+        break;
     default:
-        return qlx_PropType_None;
+        break;
     }
+    return function(TypeConstant<qlx_PropType_None>());
+}
+
+// Of a type whose values are numbers, and of one whose values are bytes.
+void AddScalar(QLX_PropertySetBuilder& set, QLX_PropertyType type, const char* name,
+               std::uint64_t value) {
+    set.AddScalar(QLX_PropertyBytes::KeyOf(type, name), value);
+}
+void AddBytes(QLX_PropertySetBuilder& set, QLX_PropertyType type, const char* name,
+              const void* bytes, std::size_t size) {
+    set.AddBytes(QLX_PropertyBytes::KeyOf(type, name), bytes, size);
+}
+
+/// Adds what the type reads from the text.
+template <QLX_PropertyType kType>
+QLX_MERGED inline void AddText(QLX_PropertySetBuilder& set, const char* name, const char* text) {
+    if constexpr (kType == qlx_PropType_Bool) {
+        AddScalar(set, kType, name, Is(text, "true"));
+    } else if constexpr (kType == qlx_PropType_Int32) {
+        AddScalar(set, kType, name,
+                  static_cast<std::uint64_t>(std::int64_t{QLX_TextToInt32(text)}));
+    } else if constexpr (kType == qlx_PropType_Int64) {
+        AddScalar(set, kType, name, static_cast<std::uint64_t>(QLX_TextToInt64(text)));
+    } else if constexpr (kType == qlx_PropType_IDType) {
+        AddScalar(set, kType, name, QLX_TextToIDType(text));
+    } else if constexpr (kType == qlx_PropType_Color) {
+        AddScalar(set, kType, name, QLX_PropertyBytes::PackColor(QLX_TextToColor(text)));
+    } else if constexpr (kType == qlx_PropType_Point) {
+        const VPoint point = QLX_TextToPoint(text);
+        AddBytes(set, kType, name, &point, sizeof point);
+    } else if constexpr (kType == qlx_PropType_Rect) {
+        const VRect rect = QLX_TextToRect(text);
+        AddBytes(set, kType, name, &rect, sizeof rect);
+    } else {
+        AddBytes(set, kType, name, text, std::strlen(text));
+    }
+}
+
+/// False, and nothing added, for a type that is not known.
+QLX_MERGED inline bool AddText(QLX_PropertySetBuilder& set, const char* name, const char* type,
+                               const char* text) {
+    return CallWithType(type, [&](auto known) {
+        constexpr bool isKnown = known() != qlx_PropType_None;
+        if constexpr (isKnown)
+            AddText<known()>(set, name, text);
+        return isKnown;
+    });
 }
 } // namespace
 
@@ -129,7 +193,8 @@ struct QLX_XMLParser::Callbacks {
 QLX_XMLParser::QLX_XMLParser(Sys_File* file, QLX_RawPropertyContainerFactory* factory)
     : mFile(file), mFactory(factory), mPool(std::make_unique<QLX_NodePool>()),
       mRootFilter(QLX_PropertyFilter::RootFilter()),
-      mScratchFilter(QLX_PropertyFilter::DefaultFilter()) {}
+      mGathered(std::make_unique<QLX_PropertySetBuilder>()),
+      mGatheredFilter(QLX_PropertyFilter::DefaultFilter()) {}
 
 QLX_XMLParser::~QLX_XMLParser() {
     for (const OpenContainer& open : mOpen)
@@ -233,6 +298,109 @@ void QLX_XMLParser::AddProblem(QLX_SourceProblem::Severity severity, const std::
         {mFile->GetLoc().GetPath(), place.mLine, place.mColumn, severity, reason, lost});
 }
 
+QLX_MERGED inline void QLX_XMLParser::Gather(QLX_RawPropertyContainer* container,
+                                             const QLX_PropertyFilter& filter) {
+    if (mGatheredFor != container || !mGatheredFilter.SharesMapWith(filter))
+        GatherAnew(container, filter);
+}
+
+/// Which of ours an attribute is. Expat keeps one copy of each attribute's name, so that after the
+/// first time the address tells.
+QLX_XMLParser::OwnAttribute QLX_XMLParser::OwnAttributeOf(const char* name) {
+    for (int i = 0; i < kOwnCount; ++i)
+        if (mOwnNames[i] == name)
+            return static_cast<OwnAttribute>(i);
+    const OwnAttribute which = Is(name, "name")    ? kOwnName
+                               : Is(name, "type")  ? kOwnType
+                               : Is(name, "value") ? kOwnValue
+                                                   : kOwnCount;
+    if (which != kOwnCount)
+        mOwnNames[which] = name;
+    return which;
+}
+
+QLX_MERGED inline QLX_XMLParser::PropertyText
+QLX_XMLParser::TakeAttributes(const char** attributes) {
+    const char** const at = attributes;
+    PropertyText property;
+    // As the writer has them: our three first and in this order, then hardly ever more than one.
+    if (at[0] && at[0] == mOwnNames[kOwnName] && at[2] && at[2] == mOwnNames[kOwnType] && at[4] &&
+        at[4] == mOwnNames[kOwnValue] && (!at[6] || !at[8]))
+        property = {at[1], at[3], at[5], at[6] ? FindOnly(at + 6) : &mRootFilter};
+    else
+        property = TakeInAnyOrder(attributes);
+    return property;
+}
+
+QLX_XMLParser::PropertyText QLX_XMLParser::TakeInAnyOrder(const char** attributes) {
+    const char* own[kOwnCount] = {};
+    const char** filterAttribute = nullptr;
+    int filterAttributes = 0;
+    for (const char** at = attributes; *at; at += 2) {
+        const OwnAttribute which = OwnAttributeOf(at[0]);
+        if (which != kOwnCount) {
+            own[which] = at[1];
+        } else {
+            filterAttribute = at;
+            ++filterAttributes;
+        }
+    }
+    const QLX_PropertyFilter* const filter = filterAttributes == 0   ? &mRootFilter
+                                             : filterAttributes == 1 ? FindOnly(filterAttribute)
+                                                                     : nullptr;
+    return {own[kOwnName], own[kOwnType], own[kOwnValue], filter};
+}
+
+QLX_MERGED inline void QLX_XMLParser::StartProperty(const char** attributes) {
+    if (mOpen.empty()) {
+        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept",
+                   /*lost*/ true);
+        return;
+    }
+    const PropertyText property = TakeAttributes(attributes);
+    if (!property.mName || !property.mType || !property.mValue)
+        ReportMissing(property);
+    else
+        StoreProperty(mOpen.back(), property,
+                      property.mFilter ? *property.mFilter : FilterOf(attributes));
+}
+
+void QLX_XMLParser::ReportMissing(const PropertyText& property) {
+    const char* const missing = !property.mName ? "name" : !property.mType ? "type" : "value";
+    AddProblem(QLX_SourceProblem::kWarning,
+               std::string("a property without \"") + missing + "\" is not kept" +
+                   (property.mName ? std::string(": ") + property.mName : ""),
+               /*lost*/ true);
+}
+
+QLX_MERGED inline void QLX_XMLParser::StoreProperty(const OpenContainer& open,
+                                                    const PropertyText& property,
+                                                    const QLX_PropertyFilter& filter) {
+    const auto& [name, type, value, known] = property;
+    if (mObserver)
+        mObserver->PropertyMet(*open.mContainer, name, type, value, filter, GetPlace());
+    if (open.mPlain) {
+        Gather(open.mContainer, filter);
+        if (AddText(*mGathered, name, type, value))
+            return;
+    }
+    StoreBySetter(*open.mContainer, property, filter);
+}
+
+/// A subclass has its own say in every setter, and an unknown type its assertions.
+void QLX_XMLParser::StoreBySetter(QLX_RawPropertyContainer& container, const PropertyText& property,
+                                  const QLX_PropertyFilter& filter) {
+    mName = property.mName;
+    mType = property.mType;
+    mValue = property.mValue;
+    if (QLX_FindPropertyType(mType) == qlx_PropType_None)
+        AddProblem(QLX_SourceProblem::kWarning,
+                   "the property \"" + mName + "\" has the unknown type \"" + mType +
+                       "\" and is not kept",
+                   /*lost*/ true);
+    container.SetProperty(mName, mType, mValue, filter);
+}
+
 void QLX_XMLParser::startElement(const char* name, const char** attributes) {
     if (++mDepth > mMaximumDepth) {
         AddProblem(QLX_SourceProblem::kError,
@@ -251,7 +419,7 @@ void QLX_XMLParser::endElement(const char*) {
     const int depth = mDepth--;
     if (mOpen.empty() || mOpen.back().mDepth != depth)
         return;
-    FlushScratch();
+    StoreGathered();
     std::unique_ptr<QLX_RawPropertyContainer> closed(mOpen.back().mContainer);
     mOpen.pop_back();
     if (mObserver)
@@ -262,14 +430,8 @@ void QLX_XMLParser::endElement(const char*) {
         mOpen.back().mContainer->AddChild(std::move(closed));
 }
 
-inline void QLX_XMLParser::UseScratchFor(QLX_RawPropertyContainer* container,
-                                         const QLX_PropertyFilter& filter) {
-    if (mScratchContainer != container || !mScratchFilter.SharesMapWith(filter))
-        TakeScratchFor(container, filter);
-}
-
 void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
-    FlushScratch();
+    StoreGathered();
     mName = name;
     bool plain = mFactory == nullptr;
     std::unique_ptr<QLX_RawPropertyContainer> made(plain ? nullptr
@@ -287,10 +449,11 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
         if (mObserver)
             mObserver->AttributeMet(container, attributes[0], attributes[1], GetPlace());
         if (plain) {
-            UseScratchFor(&container, filter);
-            mScratch.SetFromText(attributes[0],
-                                 isIdentifier ? qlx_PropType_IDType : qlx_PropType_String,
-                                 attributes[1]);
+            Gather(&container, filter);
+            if (isIdentifier)
+                AddText<qlx_PropType_IDType>(*mGathered, attributes[0], attributes[1]);
+            else
+                AddText<qlx_PropType_String>(*mGathered, attributes[0], attributes[1]);
         } else if (isIdentifier) {
             container.SetIDTypeProperty(attributes[0], QLX_TextToIDType(attributes[1]), filter);
         } else {
@@ -298,90 +461,9 @@ void QLX_XMLParser::StartContainer(const char* name, const char** attributes) {
         }
     }
     if (mObserver) {
-        FlushScratch();
+        StoreGathered();
         mObserver->ContainerStarted(container, GetPlace());
     }
-}
-
-/// Which of ours an attribute is. Expat keeps one copy of each attribute's name, so that after the
-/// first time the address tells.
-QLX_XMLParser::OwnAttribute QLX_XMLParser::OwnAttributeOf(const char* name) {
-    for (int i = 0; i < kOwnCount; ++i)
-        if (mOwnNames[i] == name)
-            return static_cast<OwnAttribute>(i);
-    const OwnAttribute which = Is(name, "name")    ? kOwnName
-                               : Is(name, "type")  ? kOwnType
-                               : Is(name, "value") ? kOwnValue
-                                                   : kOwnCount;
-    if (which != kOwnCount)
-        mOwnNames[which] = name;
-    return which;
-}
-
-void QLX_XMLParser::StartProperty(const char** attributes) {
-    if (mOpen.empty()) {
-        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept",
-                   /*lost*/ true);
-        return;
-    }
-    const char* own[kOwnCount] = {};
-    const char** filterAttribute = nullptr;
-    int filterAttributes = 0;
-    const char** at = attributes;
-    // As the writer has them: our three first and in this order.
-    if (at[0] && at[0] == mOwnNames[kOwnName] && at[2] && at[2] == mOwnNames[kOwnType] && at[4] &&
-        at[4] == mOwnNames[kOwnValue]) {
-        own[kOwnName] = at[1];
-        own[kOwnType] = at[3];
-        own[kOwnValue] = at[5];
-        at += 6;
-    }
-    for (; *at; at += 2) {
-        const OwnAttribute which = OwnAttributeOf(at[0]);
-        if (which != kOwnCount) {
-            own[which] = at[1];
-        } else {
-            filterAttribute = at;
-            ++filterAttributes;
-        }
-    }
-    const char* const name = own[kOwnName];
-    const char* const type = own[kOwnType];
-    const char* const value = own[kOwnValue];
-    if (!name || !type || !value) {
-        const char* const missing = !name ? "name" : !type ? "type" : "value";
-        AddProblem(QLX_SourceProblem::kWarning,
-                   std::string("a property without \"") + missing + "\" is not kept" +
-                       (name ? std::string(": ") + name : ""),
-                   /*lost*/ true);
-        return;
-    }
-    const QLX_PropertyFilter* const filter = filterAttributes == 0   ? &mRootFilter
-                                             : filterAttributes == 1 ? FindOnly(filterAttribute)
-                                                                     : nullptr;
-    StoreProperty(mOpen.back(), name, type, value, filter ? *filter : FilterOf(attributes));
-}
-
-void QLX_XMLParser::StoreProperty(const OpenContainer& open, const char* name, const char* type,
-                                  const char* value, const QLX_PropertyFilter& filter) {
-    const QLX_PropertyType known = TypeOf(type);
-    if (known == qlx_PropType_None)
-        AddProblem(QLX_SourceProblem::kWarning,
-                   std::string("the property \"") + name + "\" has the unknown type \"" + type +
-                       "\" and is not kept",
-                   /*lost*/ true);
-    if (mObserver)
-        mObserver->PropertyMet(*open.mContainer, name, type, value, filter, GetPlace());
-    if (open.mPlain && known != qlx_PropType_None) {
-        UseScratchFor(open.mContainer, filter);
-        mScratch.SetFromText(name, known, value);
-        return;
-    }
-    // A subclass has its own say in every setter, and an unknown type its assertions.
-    mName = name;
-    mType = type;
-    mValue = value;
-    open.mContainer->SetProperty(mName, mType, mValue, filter);
 }
 
 namespace {
@@ -476,27 +558,29 @@ void QLX_XMLParser::AddKnownFilter(const char** attributes) {
     }
 }
 
-/// Properties of one container and filter are gathered in a set that keeps its memory, and copied
-/// into the container in a piece of the right size.
-void QLX_XMLParser::TakeScratchFor(QLX_RawPropertyContainer* container,
-                                   const QLX_PropertyFilter& filter) {
-    FlushScratch();
-    mScratchContainer = container;
-    mScratchFilter = filter;
+/// Properties of one container and filter are gathered, and stored when another's begin.
+void QLX_XMLParser::GatherAnew(QLX_RawPropertyContainer* container,
+                               const QLX_PropertyFilter& filter) {
+    StoreGathered();
+    mGatheredFor = container;
+    mGatheredFilter = filter;
 }
 
-void QLX_XMLParser::FlushScratch() {
-    if (mScratch.IsEmpty())
+void QLX_XMLParser::StoreGathered() {
+    if (mGathered->IsEmpty())
         return;
-    auto& sets = mScratchContainer->mFilterPropertyMap;
+    auto& sets = mGatheredFor->mFilterPropertyMap;
     // Of few sets the one that is meant is known by its filter's address.
     auto stored = sets.size() <= kMostKnownFilters ? sets.begin() : sets.end();
-    while (stored != sets.end() && !stored->first.SharesMapWith(mScratchFilter))
+    while (stored != sets.end() && !stored->first.SharesMapWith(mGatheredFilter))
         ++stored;
+    if (stored != sets.end()) {
+        stored->second.Merge(mGathered->Take(/*pool*/ nullptr));
+        return;
+    }
+    const QLX_PropertySet set = mGathered->Take(mPool.get());
     const std::size_t count = sets.size();
-    if (stored == sets.end()) // as written by us, filters come in their order
-        stored = sets.emplace_hint(sets.end(), mScratchFilter, mScratch.CopyCompact(*mPool));
+    stored = sets.emplace_hint(sets.end(), mGatheredFilter, set); // we write them in this order
     if (sets.size() == count)
-        stored->second.Merge(mScratch);
-    mScratch.ClearKeepMemory();
+        stored->second.Merge(set);
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "tests/support/assertion_catcher.h"
 
 namespace {
@@ -236,6 +238,51 @@ TEST(SourceFormat, AFactorysContainersSeeEveryStore) {
     std::string a, b;
     EXPECT_TRUE(root->GetStringProperty("a", a) && root->GetStringProperty("b", b));
     EXPECT_EQ(a + b, "1!2!");
+}
+
+/// A container with so many properties, of names, types and filters that come again and again.
+std::string RandomContainer(std::mt19937& random, unsigned count, unsigned names) {
+    const auto below = [&random](unsigned limit) { return random() % limit; };
+    static const char* const types[] = {"bool",     "int32", "idtype", "string", "stringidx",
+                                        "rgbcolor", "point", "rect",   "int64"};
+    static const char* const values[] = {"true", "-12", "mute", "", "0x12 0xFFF 0x0", "7 -8 9 10"};
+    static const char* const filters[] = {"", " Layout='Compact'", " Language='DEU'",
+                                          " Language='FRA' Layout='Compact'"};
+    std::string text = "<c class='T'>";
+    for (unsigned i = 0; i < count; ++i) {
+        const unsigned name = below(names);
+        text += "<property name='" + std::string(name % 23, 'n') + std::to_string(name) +
+                "' type='" + types[below(9)] + "' value='" + values[below(6)] + "'" +
+                filters[below(8) % 5 % 4] + "/>";
+    }
+    return text + "</c>";
+}
+
+TEST(SourceFormat, SetsMadeAtOnceAreThoseThatSettersMake) {
+    struct Container : QLX_RawPropertyContainer { // of a class of its own: its setters are called
+        using QLX_RawPropertyContainer::QLX_RawPropertyContainer;
+    };
+    struct Factory : QLX_RawPropertyContainerFactory {
+        QLX_RawPropertyContainer* MakeContainer(const std::string& name) override {
+            return new Container(name);
+        }
+    } factory;
+    std::mt19937 random(20241122);
+    // Around the sizes at which a set's index changes, with hardly any name twice and with many.
+    for (const unsigned count : {1u, 2u, 3u, 8u, 9u, 40u, 128u, 129u, 700u, 17'000u}) {
+        for (const unsigned names : {5u, 100'000u}) {
+            const std::string text = RandomContainer(random, count, names);
+            const auto made = Read(text);
+            const auto stored = Read(text, nullptr, &factory);
+            ASSERT_TRUE(made && stored);
+            ASSERT_EQ(made->GetFilterPropertyMap(), stored->GetFilterPropertyMap()) << text;
+            for (const auto& [filter, set] : stored->GetFilterPropertyMap()) {
+                const QLX_PropertySet& mine = made->GetFilterPropertyMap().at(filter);
+                for (std::size_t i = 0; i < set.GetCount(); ++i)
+                    ASSERT_EQ(mine.GetAt(i).mName, set.GetAt(i).mName) << "the order";
+            }
+        }
+    }
 }
 
 TEST(SourceFormat, ALongValueIsReadInLinearTime) {
