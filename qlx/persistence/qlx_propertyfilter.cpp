@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "basekit/cmn/cmn_assert.h"
+#include "basekit/cmn/cmn_internal.h"
 
 namespace {
 const std::string& Name(std::size_t index) {
@@ -39,6 +40,7 @@ struct QLX_PropertyFilter::Shared {
         ++mReferences;
         return this;
     }
+    [[nodiscard]] bool HasMapBefore(const Shared& other) const noexcept;
     static void Release(Shared* shared) {
         if (shared && --shared->mReferences == 0)
             delete shared;
@@ -191,12 +193,16 @@ inline int Compare(const std::string& a, const std::string& b) noexcept {
 }
 } // namespace
 
+QLX_STANDS_ALONE bool QLX_PropertyFilter::Shared::HasMapBefore(const Shared& other) const noexcept {
+    return mAttrMap < other.mAttrMap;
+}
+
 /// The order of the maps, in which "Language" comes before "Layout".
 bool QLX_PropertyFilter::IsBefore(const QLX_PropertyFilter& other) const noexcept {
     const Shared& mine = *mShared;
     const Shared& theirs = *other.mShared;
     if (!mine.mIsPlain || !theirs.mIsPlain)
-        return mine.mAttrMap < theirs.mAttrMap;
+        return mine.HasMapBefore(theirs);
     const int order = Compare(*mine.mValues[kLanguage], *theirs.mValues[kLanguage]);
     return order != 0 ? order < 0 : Compare(*mine.mValues[kLayout], *theirs.mValues[kLayout]) < 0;
 }

@@ -111,25 +111,17 @@ class QLX_API QLX_XMLParser {
     };
     struct Callbacks;
     enum OwnAttribute { kOwnName, kOwnType, kOwnValue, kOwnCount };
-    /// A property element as it stands there; null for an attribute that is missing.
-    struct PropertyText {
-        const char* mName;
-        const char* mType;
-        const char* mValue;
-        const QLX_PropertyFilter* mFilter; // null when it takes more to find it
-    };
-
     void FeedParser();
     bool FeedBlock(std::size_t size);
     void StartContainer(const char* name, const char** attributes);
     void StartProperty(const char** attributes);
-    [[nodiscard]] PropertyText TakeAttributes(const char** attributes);
-    [[nodiscard]] PropertyText TakeInAnyOrder(const char** attributes);
-    void StoreProperty(const OpenContainer& open, const PropertyText& property,
+    void StartPropertyInAnyOrder(const char** attributes);
+    void StoreProperty(const char* name, const char* type, const char* value,
                        const QLX_PropertyFilter& filter);
-    void StoreBySetter(QLX_RawPropertyContainer& container, const PropertyText& property,
+    void StoreBySetter(const char* name, const char* type, const char* value,
                        const QLX_PropertyFilter& filter);
-    void ReportMissing(const PropertyText& property);
+    void TellOfProperty(const char* name, const char* type, const char* value,
+                        const QLX_PropertyFilter& filter);
     [[nodiscard]] OwnAttribute OwnAttributeOf(const char* name);
     [[nodiscard]] const QLX_PropertyFilter* FindOnly(const char** attribute) const;
     const QLX_PropertyFilter& FilterOf(const char** attributes);

@@ -319,20 +319,35 @@ QLX_XMLParser::OwnAttribute QLX_XMLParser::OwnAttributeOf(const char* name) {
     return which;
 }
 
-QLX_MERGED inline QLX_XMLParser::PropertyText
-QLX_XMLParser::TakeAttributes(const char** attributes) {
-    const char** const at = attributes;
-    PropertyText property;
-    // As the writer has them: our three first and in this order, then hardly ever more than one.
-    if (at[0] && at[0] == mOwnNames[kOwnName] && at[2] && at[2] == mOwnNames[kOwnType] && at[4] &&
-        at[4] == mOwnNames[kOwnValue] && (!at[6] || !at[8]))
-        property = {at[1], at[3], at[5], at[6] ? FindOnly(at + 6) : &mRootFilter};
-    else
-        property = TakeInAnyOrder(attributes);
-    return property;
+QLX_MERGED inline void QLX_XMLParser::StoreProperty(const char* name, const char* type,
+                                                    const char* value,
+                                                    const QLX_PropertyFilter& filter) {
+    if (mObserver)
+        TellOfProperty(name, type, value, filter);
+    const OpenContainer& open = mOpen.back();
+    if (open.mPlain) {
+        Gather(open.mContainer, filter);
+        if (AddText(*mGathered, name, type, value))
+            return;
+    }
+    StoreBySetter(name, type, value, filter);
 }
 
-QLX_XMLParser::PropertyText QLX_XMLParser::TakeInAnyOrder(const char** attributes) {
+QLX_MERGED inline void QLX_XMLParser::StartProperty(const char** attributes) {
+    const char** const at = attributes;
+    // As the writer has them: our three first and in this order, then hardly ever more than one.
+    const bool inOrder = at[0] && at[0] == mOwnNames[kOwnName] && at[2] &&
+                         at[2] == mOwnNames[kOwnType] && at[4] && at[4] == mOwnNames[kOwnValue] &&
+                         (!at[6] || !at[8]);
+    if (!inOrder) {
+        StartPropertyInAnyOrder(attributes);
+        return;
+    }
+    const QLX_PropertyFilter* const filter = at[6] ? FindOnly(at + 6) : &mRootFilter;
+    StoreProperty(at[1], at[3], at[5], filter ? *filter : FilterOf(attributes));
+}
+
+void QLX_XMLParser::StartPropertyInAnyOrder(const char** attributes) {
     const char* own[kOwnCount] = {};
     const char** filterAttribute = nullptr;
     int filterAttributes = 0;
@@ -345,60 +360,41 @@ QLX_XMLParser::PropertyText QLX_XMLParser::TakeInAnyOrder(const char** attribute
             ++filterAttributes;
         }
     }
-    const QLX_PropertyFilter* const filter = filterAttributes == 0   ? &mRootFilter
-                                             : filterAttributes == 1 ? FindOnly(filterAttribute)
-                                                                     : nullptr;
-    return {own[kOwnName], own[kOwnType], own[kOwnValue], filter};
-}
-
-QLX_MERGED inline void QLX_XMLParser::StartProperty(const char** attributes) {
-    if (mOpen.empty()) {
-        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept",
+    const char* const missing = !own[kOwnName]    ? "name"
+                                : !own[kOwnType]  ? "type"
+                                : !own[kOwnValue] ? "value"
+                                                  : nullptr;
+    if (missing) {
+        AddProblem(QLX_SourceProblem::kWarning,
+                   std::string("a property without \"") + missing + "\" is not kept" +
+                       (own[kOwnName] ? std::string(": ") + own[kOwnName] : ""),
                    /*lost*/ true);
         return;
     }
-    const PropertyText property = TakeAttributes(attributes);
-    if (!property.mName || !property.mType || !property.mValue)
-        ReportMissing(property);
-    else
-        StoreProperty(mOpen.back(), property,
-                      property.mFilter ? *property.mFilter : FilterOf(attributes));
+    const QLX_PropertyFilter* const filter = filterAttributes == 0   ? &mRootFilter
+                                             : filterAttributes == 1 ? FindOnly(filterAttribute)
+                                                                     : nullptr;
+    StoreProperty(own[kOwnName], own[kOwnType], own[kOwnValue],
+                  filter ? *filter : FilterOf(attributes));
 }
 
-void QLX_XMLParser::ReportMissing(const PropertyText& property) {
-    const char* const missing = !property.mName ? "name" : !property.mType ? "type" : "value";
-    AddProblem(QLX_SourceProblem::kWarning,
-               std::string("a property without \"") + missing + "\" is not kept" +
-                   (property.mName ? std::string(": ") + property.mName : ""),
-               /*lost*/ true);
-}
-
-QLX_MERGED inline void QLX_XMLParser::StoreProperty(const OpenContainer& open,
-                                                    const PropertyText& property,
-                                                    const QLX_PropertyFilter& filter) {
-    const auto& [name, type, value, known] = property;
-    if (mObserver)
-        mObserver->PropertyMet(*open.mContainer, name, type, value, filter, GetPlace());
-    if (open.mPlain) {
-        Gather(open.mContainer, filter);
-        if (AddText(*mGathered, name, type, value))
-            return;
-    }
-    StoreBySetter(*open.mContainer, property, filter);
+void QLX_XMLParser::TellOfProperty(const char* name, const char* type, const char* value,
+                                   const QLX_PropertyFilter& filter) {
+    mObserver->PropertyMet(*mOpen.back().mContainer, name, type, value, filter, GetPlace());
 }
 
 /// A subclass has its own say in every setter, and an unknown type its assertions.
-void QLX_XMLParser::StoreBySetter(QLX_RawPropertyContainer& container, const PropertyText& property,
+void QLX_XMLParser::StoreBySetter(const char* name, const char* type, const char* value,
                                   const QLX_PropertyFilter& filter) {
-    mName = property.mName;
-    mType = property.mType;
-    mValue = property.mValue;
+    mName = name;
+    mType = type;
+    mValue = value;
     if (QLX_FindPropertyType(mType) == qlx_PropType_None)
         AddProblem(QLX_SourceProblem::kWarning,
                    "the property \"" + mName + "\" has the unknown type \"" + mType +
                        "\" and is not kept",
                    /*lost*/ true);
-    container.SetProperty(mName, mType, mValue, filter);
+    mOpen.back().mContainer->SetProperty(mName, mType, mValue, filter);
 }
 
 void QLX_XMLParser::startElement(const char* name, const char** attributes) {
@@ -408,10 +404,13 @@ void QLX_XMLParser::startElement(const char* name, const char** attributes) {
         Stop();
         return;
     }
-    if (Is(name, kProperty))
+    if (!Is(name, kProperty))
+        StartContainer(name, attributes);
+    else if (!mOpen.empty())
         StartProperty(attributes);
     else
-        StartContainer(name, attributes);
+        AddProblem(QLX_SourceProblem::kWarning, "a property outside any container is not kept",
+                   /*lost*/ true);
 }
 
 void QLX_XMLParser::endElement(const char*) {
