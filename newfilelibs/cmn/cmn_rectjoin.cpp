@@ -322,7 +322,10 @@ class Joiner {
         const bool isNext = nextPlace < previousPlace;
         mThere.Remove(place);
         mThere.Remove(std::min(nextPlace, previousPlace));
-        Merge<axis>(Choose(isNext, index, previous), Choose(isNext, next, index));
+        if (isNext)
+            Merge<axis>(index, next);
+        else
+            Merge<axis>(previous, index);
         return true;
     }
     // Where a neighbour stands that shares the whole edge and comes later, else the end.
