@@ -174,6 +174,8 @@ def old_sections(page):
 
 
 def main():
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
     build, page = Path(sys.argv[1]), Path(sys.argv[2])
     peers = read_peers()
     sections = old_sections(page)

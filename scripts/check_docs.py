@@ -28,6 +28,8 @@ def dead_links():
 
 
 def main():
+    if len(sys.argv) < 2:
+        sys.exit(__doc__)
     folder = Path(sys.argv[1])
     count, missing = 0, []
     for path in sorted([*folder.glob("class*.xml"), *folder.glob("struct*.xml")]):

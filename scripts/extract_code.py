@@ -46,6 +46,8 @@ def files_of(page):
 
 
 def main():
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
     out = Path(sys.argv[1])
     written = set()
     for argument in sys.argv[2:]:

@@ -26,6 +26,8 @@ def digest_of_headers():
 
 
 def main():
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
     build, jobs, wanted = Path(sys.argv[1]), int(sys.argv[2]), [Path(name).resolve() for name in sys.argv[3:]]
     commands = json.loads((build / "compile_commands.json").read_text())
     files = sorted({Path(entry["file"]) for entry in commands})

@@ -3,19 +3,30 @@
 
 #include <dlfcn.h>
 
+namespace {
+
+// Why the library could not be loaded. The loader names the file first, which the error does too.
+std::string GetReason(const std::string& name) {
+    const char* const reason = dlerror();
+    std::string text = reason ? reason : "the library cannot be loaded";
+    if (text.starts_with(name + ": "))
+        text.erase(0, name.size() + 2);
+    return text;
+}
+
+} // namespace
+
 void Sys_LoadLibrary(const Sys_FileLoc& loc) {
     if (dlopen(loc.GetPath().c_str(), RTLD_NOW | RTLD_GLOBAL))
         return;
-    const char* const reason = dlerror();
-    throw Sys_FileError(loc.GetPath(), reason ? reason : "the library cannot be loaded");
+    throw Sys_FileError(loc.GetPath(), GetReason(loc.GetPath()));
 }
 
 Sys_Library::Sys_Library(const std::string& name)
     : mName(name), mHandle(dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL)) {
     if (mHandle)
         return;
-    const char* const reason = dlerror();
-    throw Sys_FileError(name, reason ? reason : "the library cannot be loaded");
+    throw Sys_FileError(name, GetReason(name));
 }
 
 void* Sys_Library::Find(const char* function) const {
