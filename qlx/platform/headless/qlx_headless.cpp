@@ -193,10 +193,13 @@ void QLX_HeadlessWindow::Present(const std::vector<Cmn_Rect<int>>& rects) {
     if (mScreen.empty())
         return;
     for (const Cmn_Rect<int>& rect : rects) {
-        for (int y = rect.top; y < rect.bottom; ++y) {
+        // A resize that has not been told yet leaves a surface of the old size; its event brings a
+        // full redraw.
+        const Cmn_Rect<int> shown = rect & Cmn_Rect<int>(0, 0, mWidth, mHeight);
+        for (int y = shown.top; y < shown.bottom; ++y) {
             const auto row = static_cast<std::ptrdiff_t>(y) * mWidth;
-            std::copy(mSurface.begin() + row + rect.left, mSurface.begin() + row + rect.right,
-                      mScreen.begin() + row + rect.left);
+            std::copy(mSurface.begin() + row + shown.left, mSurface.begin() + row + shown.right,
+                      mScreen.begin() + row + shown.left);
         }
     }
 }
