@@ -229,8 +229,9 @@ std::string ElementLabel(const QLX_RawPropertyContainer& container) {
 
 std::string FilterLabel(const QLX_PropertyFilter& filter) {
     std::string label;
-    for (const auto& [name, value] : filter.GetAttributes())
+    for (const auto& [name, value] : filter.GetAttributes()) {
         if (!value.empty())
-            label += (label.empty() ? " [" : ", ") + name + " " + value;
+            label.append(label.empty() ? " [" : ", ").append(name).append(" ").append(value);
+    }
     return label.empty() ? label : label + "]";
 }

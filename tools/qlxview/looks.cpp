@@ -51,6 +51,7 @@ bool IsAll(const std::vector<std::string>& values) {
 
 std::vector<std::string> GetLanguageCodes() {
     std::vector<std::string> codes;
+    codes.reserve(QLX_Language::kLanguageCount);
     for (int i = 0; i < QLX_Language::kLanguageCount; ++i)
         codes.push_back(QLX_Language::GetFileCode(static_cast<QLX_Language::ELanguage>(i)));
     return codes;

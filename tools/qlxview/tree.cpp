@@ -23,7 +23,7 @@ void PrintSet(const QLX_PropertySet& set, const std::string& indent, const std::
     for (const auto& [key, view] : sorted) {
         std::string text = ValueText(view);
         if (view.mType == qlx_PropType_String || view.mType == qlx_PropType_String_Key)
-            text = "\"" + text + "\"";
+            text.insert(0, 1, '"').append("\"");
         if (view.mType == qlx_PropType_String_Key) {
             const std::string localized =
                 memento.GetLocalizedStringProperty(language, std::string(view.mText));
