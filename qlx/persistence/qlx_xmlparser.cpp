@@ -40,8 +40,8 @@ QLX_MERGED inline bool Is(const char* text, const char (&literal)[kSize]) {
 template <QLX_PropertyType kType>
 using TypeConstant = std::integral_constant<QLX_PropertyType, kType>;
 
-/// Calls with the type of that name, none included, as a constant: what a property's type decides
-/// is decided by one jump, which in a file no processor could guess more than once.
+/// Calls with the type of that name, none included, as a constant: all that depends on a property's
+/// type is decided by one jump, as a processor guesses such jumps badly.
 template <class Function>
 QLX_MERGED inline auto CallWithType(const char* name, Function function) {
     switch (name[0]) {
