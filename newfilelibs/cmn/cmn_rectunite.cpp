@@ -203,6 +203,24 @@ bool Cmn_UniteWithTouched(Cmn_RectList& joined, const Rect& rect, std::size_t to
 
 namespace {
 
+// Whether of two that overlap each has one corner in the other: neither reaches beyond the other on
+// two opposite sides, nor ends at the same line.
+bool OverlapAtCorners(const Rect& a, const Rect& b) noexcept {
+    return (((a.left < b.left) & (a.right < b.right)) | ((b.left < a.left) & (b.right < a.right))) &
+           (((a.top < b.top) & (a.bottom < b.bottom)) | ((b.top < a.top) & (b.bottom < a.bottom)));
+}
+
+// Such two end as three bands, whichever is cut first: only what lies beside their common part is
+// joined with it.
+void WriteBands(const Rect& upper, const Rect& lower, Cmn_RectList& out) {
+    out.ResizeForOverwrite(3);
+    Rect* const bands = out.Edit();
+    bands[0] = {upper.left, upper.top, upper.right, lower.top};
+    bands[1] = {std::min(upper.left, lower.left), lower.top, std::max(upper.right, lower.right),
+                upper.bottom};
+    bands[2] = {lower.left, upper.bottom, lower.right, lower.bottom};
+}
+
 void AppendPieces(const Rect& whole, const Rect& part, Cmn_FewRects& out) noexcept {
     Rect pieces[4];
     const std::size_t count = Cmn_CutAround(whole, part, pieces);
@@ -220,6 +238,9 @@ void Cmn_UniteTwo(const Rect& first, const Rect& second, Cmn_RectList& out) {
         out.ResizeForOverwrite(2);
         Cmn_InsertSorted(out.Edit(), 0, first);
         Cmn_InsertSorted(out.Edit(), 1, second);
+    } else if (OverlapAtCorners(first, second)) {
+        const bool isFirstUpper = first.top < second.top;
+        WriteBands(isFirstUpper ? first : second, isFirstUpper ? second : first, out);
     } else {
         const Rect common = Cmn_CommonPart(first, second);
         Cmn_FewRects few;
