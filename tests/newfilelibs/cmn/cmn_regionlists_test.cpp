@@ -264,9 +264,20 @@ TEST(CmnRegionLists, TwoRectanglesOfASmallGrid) {
                     all.emplace_back(left, top, right, bottom);
     for (const Rect& first : all) {
         for (const Rect& second : all) {
-            Core core(first);
-            core.UniteWith(second);
-            ASSERT_EQ(ToRects(core), literal::Union({first}, {second})) << first << second;
+            const Core a(first);
+            const Core b(second);
+            Core inPlace(first);
+            inPlace.UniteWith(second);
+            ASSERT_EQ(ToRects(inPlace), literal::Union({first}, {second})) << first << second;
+            Core either;
+            a.Union(either, b);
+            ASSERT_EQ(ToRects(either), literal::Union({first}, {second})) << first << second;
+            Core both;
+            a.Intersection(both, b);
+            ASSERT_EQ(ToRects(both), literal::Intersection({first}, {second})) << first << second;
+            Core rest;
+            a.Difference(rest, b);
+            ASSERT_EQ(ToRects(rest), literal::Difference({first}, {second})) << first << second;
         }
     }
 }
