@@ -38,6 +38,7 @@ QLX_SDLPlatform::State::~State() {
 QLX_SDLPlatform::QLX_SDLPlatform() : mState(std::make_unique<State>()) {
     QLX_LoadSDL();
     SetHints();
+    mState->xErrors = std::make_unique<QLX_SDLXErrors>();
     if (QLX_SDL().InitSubSystem(SDL_INIT_VIDEO) != 0)
         throw std::runtime_error(std::string("no display: ") + QLX_SDL().GetError());
     // Without a display SDL takes a driver that shows nothing, and the program would seem to hang.
@@ -48,7 +49,6 @@ QLX_SDLPlatform::QLX_SDLPlatform() : mState(std::make_unique<State>()) {
         QLX_SDL().QuitSubSystem(SDL_INIT_VIDEO);
         throw std::runtime_error("no display: neither X11 nor Wayland can be reached");
     }
-    mState->xErrors = std::make_unique<QLX_SDLXErrors>();
     mState->wakeEvent = QLX_SDL().RegisterEvents(1);
     mState->displayScale = ScaleFromEnvironment(120);
     QLX_SDL().StartTextInput();

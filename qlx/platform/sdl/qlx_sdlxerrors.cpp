@@ -1,10 +1,9 @@
 #include "qlx/platform/sdl/qlx_sdlxerrors.h"
 
-#include <cstring>
+#include <utility>
 
 #include "basekit/cmn/cmn_trace.h"
 #include "basekit/sys/sys_library.h"
-#include "qlx/platform/sdl/qlx_sdlapi.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xproto.h>
@@ -14,25 +13,31 @@ namespace {
 using SetHandler = XErrorHandler(XErrorHandler);
 
 SetHandler* sSetHandler = nullptr;
-XErrorHandler sBefore = nullptr;
+XErrorHandler sFirst = nullptr;  // what stood before this one the first time
+XErrorHandler sBefore = nullptr; // and the last time
+bool sIsInside = false;
 
 int Handle(Display* display, XErrorEvent* error) {
     if (error->error_code == BadWindow && error->request_code == X_SendEvent) {
         Cmn_TraceWrite("X: an event came too late for window 0x%lx", error->resourceid);
         return 0;
     }
-    return sBefore ? sBefore(display, error) : 0;
+    // Where SDL's video goes on while platforms come and go, its own handler stands before this one
+    // and comes back to it.
+    const bool isAgain = std::exchange(sIsInside, true);
+    const XErrorHandler next = isAgain ? sFirst : sBefore;
+    const int answer = next ? next(display, error) : 0;
+    sIsInside = isAgain;
+    return answer;
 }
 
 } // namespace
 
 QLX_SDLXErrors::QLX_SDLXErrors() {
-    const char* driver = QLX_SDL().GetCurrentVideoDriver();
-    if (!driver || std::strcmp(driver, "x11") != 0)
-        return;
     if (!sSetHandler) {
         try {
-            Sys_Library("libX11.so.6").Find("XSetErrorHandler", sSetHandler); // SDL's own, again
+            Sys_Library("libX11.so.6")
+                .Find("XSetErrorHandler", sSetHandler); // the one that SDL takes
         } catch (const Sys_FileError&) {
             return;
         }
@@ -40,6 +45,8 @@ QLX_SDLXErrors::QLX_SDLXErrors() {
     const XErrorHandler before = sSetHandler(&Handle);
     if (before != &Handle)
         sBefore = before;
+    if (!sFirst)
+        sFirst = sBefore;
     mInPlace = true;
 }
 

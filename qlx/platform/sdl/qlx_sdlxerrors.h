@@ -7,13 +7,15 @@
 ///
 /// SDL wakes its wait by an event to a window over a connection of its own. Requests of two
 /// connections reach the server in any order, so a wake-up may arrive when its window is closed
-/// already; Xlib's answer to that is the end of the process. Everything else goes to the handler
-/// that stood before.
+/// already; Xlib's answer to that is the end of the process. SDL hears of it when it closes that
+/// connection at the latest, and has put back by then what stood before it began: so this is put in
+/// place before. Everything else goes to the handler that stood before this one.
 class QLX_SDLXErrors {
   public:
-    /// Does nothing where X is not what shows the windows. User-interface thread.
+    /// Before SDL's video begins. Does nothing where there is no X library. User-interface thread.
     QLX_SDLXErrors();
-    /// Puts the handler back that stood before, unless somebody has put another in our place.
+    /// After SDL's video has ended. Puts the handler back that stood before, unless somebody has
+    /// put another in our place.
     ~QLX_SDLXErrors();
     QLX_SDLXErrors(const QLX_SDLXErrors&) = delete;
     QLX_SDLXErrors& operator=(const QLX_SDLXErrors&) = delete;
