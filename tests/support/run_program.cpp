@@ -43,7 +43,11 @@ ProgramRun RunProgram(const std::string& name, const std::string& arguments) {
     const std::string err = said + ".err";
     std::filesystem::remove(out);
     std::filesystem::remove(err);
-    int status = std::system((program + " " + arguments + " >" + out + " 2>" + err).c_str());
+    const std::string command = program + " " + arguments + " >" + out + " 2>" + err;
+    int status = std::system(command.c_str());
+    // Without the file not even the shell was started, which wine fails at now and then.
+    if (!std::filesystem::exists(out))
+        status = std::system(command.c_str());
 #ifndef _WIN32
     status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 #endif
